@@ -1,0 +1,24 @@
+# What every target of ours is compiled with: link kelvaris_options.
+add_library(kelvaris_options INTERFACE)
+
+target_compile_options(kelvaris_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(KELVARIS_WERROR)
+    target_compile_options(kelvaris_options INTERFACE -Werror)
+endif()
+
+if(KELVARIS_SANITIZE)
+    target_compile_options(kelvaris_options INTERFACE
+        -fsanitize=${KELVARIS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(kelvaris_options INTERFACE -fsanitize=${KELVARIS_SANITIZE})
+endif()
+
+if(CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_compile_definitions(kelvaris_options INTERFACE _GLIBCXX_ASSERTIONS)
+elseif(NOT KELVARIS_SANITIZE)
+    # The release build is hardened: checked libc calls, stack protector, full RELRO; PIE by position-independent code.
+    target_compile_options(kelvaris_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+    target_link_options(kelvaris_options INTERFACE -Wl,-z,relro,-z,now)
+endif()
+
+include(CheckPIESupported)
+check_pie_supported()
