@@ -6,7 +6,8 @@ const Json::StaticString Keys::_perconn_parallel_sockets_settings("parallel_sock
 const Json::StaticString Keys::_header_compression("header_compress");
 const Json::StaticString Keys::_connection_overflow_threshold("connection_secondary_speed_activation");
 // The daemon spells this key so.
-const Json::StaticString Keys::_connection_priority_overflow_threshold("connection_priority_overflow_treshold");
+const Json::StaticString
+    Keys::_connection_priority_overflow_threshold("connection_priority_overflow_treshold");
 const Json::StaticString Keys::_numConnections("num_connections");
 const Json::StaticString Keys::_app_name("name");
 

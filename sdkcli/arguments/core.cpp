@@ -1,0 +1,43 @@
+// The grammar of the actions that belong to no family, and of "show", which reaches into all of them.
+
+#include "../calls.h"
+#include "actions.h"
+#include "readers.h"
+
+int stateAction(int argc) {
+    return argc == 2 ? requestState() : invalid("state");
+}
+
+int versionAction(int argc) {
+    return argc == 2 ? requestVersion() : invalid("version");
+}
+
+int daemonAction(int argc, char* argv[]) {
+    char const* const usage = "daemon exit";
+    if (argc == 2) {
+        return missing(usage);
+    }
+    if (argc != 3 || !is(argv[2], "exit")) {
+        return invalid(usage);
+    }
+    return requestExit();
+}
+
+int showAction(int argc, char* argv[]) {
+    char const* const usage =
+        "show < servers | settings | privacy | adapters | currentserver | user | directory | "
+        "connectmethod | streamingbypass | disconnect | streaming | speedtest>";
+    if (argc == 2) {
+        return missing(usage);
+    }
+    if (argc != 3) {
+        return invalid(usage);
+    }
+    char const* const word = argv[2];
+
+    // clang-format off
+    // clang-format on
+
+    (void)word;
+    return invalid(usage);
+}

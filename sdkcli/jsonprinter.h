@@ -1,0 +1,30 @@
+// Records as documents: each printer writes one styled JSON text to standard output (printError to standard
+// error) and flushes.
+
+#pragma once
+
+#include <cstdio>
+
+#include <json/json.h>
+#include <kelvarissdk/csdkinterface.h>
+
+void writeDocument(Json::Value const& document, std::FILE* stream = stdout);
+
+// core
+void printError(KelvarisSDK_BaseResult const& result);
+void printStateResult(KelvarisSDK_StateResult const& result);
+void printVersionResult(KelvarisSDK_VersionResult const& result);
+// Pairs as an array of objects, each with its protocol and port.
+Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned count);
+
+// session
+
+// settings
+
+// adapters
+
+// lists
+
+// telemetry
+
+// safebrowsing

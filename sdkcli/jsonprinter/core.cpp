@@ -1,0 +1,43 @@
+#include "../jsonprinter.h"
+
+#include "../productStringReplacement.h"
+#include "recordtext.h"
+
+void writeDocument(Json::Value const& document, std::FILE* stream) {
+    std::fputs(document.toStyledString().c_str(), stream);
+    std::fflush(stream);
+}
+
+void printError(KelvarisSDK_BaseResult const& result) {
+    Json::Value document;
+    document["errorCode"] = result.errorCode;
+    document["errorType"] =
+        KelvarisSDK_ErrorType_toString(static_cast<KelvarisSDK_ErrorType>(result.errorCode));
+    document["errorMessage"] = replaceProductString(recordText(result, result.errorMessage).c_str());
+    writeDocument(document, stderr);
+}
+
+void printStateResult(KelvarisSDK_StateResult const& result) {
+    Json::Value document;
+    document["state"] = KelvarisSDK_State_toString(result.state);
+    writeDocument(document);
+}
+
+void printVersionResult(KelvarisSDK_VersionResult const& result) {
+    Json::Value document;
+    document["maj"] = result.maj;
+    document["min"] = result.min;
+    document["bug"] = result.bug;
+    document["build"] = result.build;
+    writeDocument(document);
+}
+
+Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned count) {
+    Json::Value document(Json::arrayValue);
+    for (unsigned i = 0; i < count; ++i) {
+        Json::Value& pair = document.append(Json::Value());
+        pair["protocol"] = KelvarisSDK_PortProtocol_toString(ports[i].protocol);
+        pair["port"] = ports[i].port;
+    }
+    return document;
+}

@@ -1,0 +1,48 @@
+// Filling the fixed fields of a record. What too long and too many mean is decided here, for all families.
+
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+#include <json/json.h>
+
+namespace kelvarissdk {
+
+// Fills a text field over its full width with a text up to its first zero byte; a text as long as the field
+// leaves no terminator.
+template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
+    std::size_t const length = std::min(text.substr(0, text.find('\0')).size(), N);
+    std::memcpy(field, text.data(), length);
+    std::memset(field + length, 0, N - length);
+}
+
+// The same with a value of a report; null is the empty text. A list or an object throws.
+template <std::size_t N> void copyText(char (&field)[N], Json::Value const& value) {
+    char const* begin = nullptr;
+    char const* end = nullptr;
+    if (value.getString(&begin, &end)) {
+        setText(field, std::string_view(begin, end));
+    } else {
+        setText(field, value.asString());
+    }
+}
+
+// Fills slots with the elements of a list, in order, each by `fill(slot, element)`. Elements beyond the
+// capacity are dropped; `count` becomes the number stored.
+template <class Count, class Slot, std::size_t N, class Fill>
+void fillSlots(Count& count, Slot (&slots)[N], Json::Value const& list, Fill fill) {
+    std::size_t used = 0;
+    for (Json::Value const& element : list) {
+        if (used == N) {
+            break;
+        }
+        fill(slots[used], element);
+        ++used;
+    }
+    count = static_cast<Count>(used);
+}
+
+} // namespace kelvarissdk

@@ -1,0 +1,95 @@
+#include "core.h"
+
+#include <algorithm>
+#include <string>
+
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+void setVersionResult(KelvarisSDK_VersionResult& result, Json::Value const& version) {
+    result.maj = static_cast<uint16_t>(version[Keys::_maj].asInt());
+    result.min = static_cast<uint16_t>(version[Keys::_min].asInt());
+    result.bug = static_cast<uint16_t>(version[Keys::_bug].asInt());
+    result.build = static_cast<uint16_t>(version[Keys::_build].asInt());
+}
+
+// A request that nobody answers.
+KelvarisSDK_BaseResult tell(WebsocketImpl* websocket, char const* request, Json::Value const& payload = {}) {
+    KelvarisSDK_BaseResult result{};
+    if (websocket == nullptr) {
+        noWebsocketImplementation(&result);
+        return result;
+    }
+    websocket->sendRequest(request, payload);
+    return result;
+}
+
+} // namespace
+
+void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload) {
+    auto const number = static_cast<uint32_t>(payload[Keys::_state].asInt());
+    result.state = static_cast<KelvarisSDK_State>(std::min<uint32_t>(number, KelvarisSDK_State_UNKNOWN));
+}
+
+KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text) {
+    std::string const mode = text.asString();
+    if (mode == "RD") {
+        return KelvarisSDK_BondingMode_REDUNDANT;
+    }
+    return mode == "STR" ? KelvarisSDK_BondingMode_STREAMING : KelvarisSDK_BondingMode_SPEED;
+}
+
+void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object) {
+    std::string const protocol = object[Keys::_proto].asString();
+    if (protocol == "tcp") {
+        pair.protocol = KelvarisSDK_PortProtocol_TCP;
+    } else if (protocol == "udp") {
+        pair.protocol = KelvarisSDK_PortProtocol_UDP;
+    }
+    pair.port = static_cast<uint16_t>(object[Keys::_port].asInt());
+}
+
+Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count) {
+    Json::Value list(Json::arrayValue);
+    for (unsigned i = 0; i < count; ++i) {
+        Json::Value& object = list.append(Json::Value(Json::objectValue));
+        if (pairs[i].protocol <= KelvarisSDK_PortProtocol_UDP) {
+            object[Keys::_proto] = KelvarisSDK_PortProtocol_toString(pairs[i].protocol);
+        }
+        object[Keys::_port] = pairs[i].port;
+    }
+    return list;
+}
+
+KelvarisSDK_BaseResult KelvarisSDK::setAppName(char const* name) {
+    Json::Value payload;
+    payload[Keys::_app_name] = name;
+    return tell(websocket.get(), "set_app_name", payload);
+}
+
+void KelvarisSDK::unregisterCallback(unsigned long long callbackId) {
+    if (websocket) {
+        websocket->removeCallback(callbackId);
+    }
+}
+
+KelvarisSDK_StateResult KelvarisSDK::getState(KelvarisSDK_StateCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_current_state", "report_current_state"), setStateResult);
+}
+
+KelvarisSDK_VersionResult KelvarisSDK::getVersion(KelvarisSDK_VersionCallback callback, void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       read("request_version_data", "report_version_data"), setVersionResult);
+}
+
+KelvarisSDK_BaseResult KelvarisSDK::daemonExit() {
+    return tell(websocket.get(), "exit");
+}
+
+} // namespace kelvarissdk

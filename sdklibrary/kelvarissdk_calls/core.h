@@ -1,0 +1,21 @@
+// What several families read from reports and write into requests.
+
+#pragma once
+
+#include <json/json.h>
+#include <kelvarissdk/types.h>
+
+namespace kelvarissdk {
+
+// Element "state" of report_current_state; any number but 0 to 7 is read as unknown.
+void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload);
+
+// "RD" is redundant and "STR" streaming; anything else is speed.
+KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
+
+// An object with "proto" and "port". A protocol but "tcp" and "udp" leaves the pair's as it was.
+void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);
+// The array of such objects; one whose protocol has no name goes without "proto".
+Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count);
+
+} // namespace kelvarissdk

@@ -1,0 +1,418 @@
+// The life of a call: getResult puts an entry into the table and the call's requests into the queue; the
+// reader thread sends the queue, takes each message's event name from its raw text and hands the message to
+// every entry that waits for that name; the entry's handler fills the call's record and says whether the
+// entry is done. A time-out is a delivery too: the sweep hands the entry the event "sdk_error", which no
+// daemon can send, because no entry awaits it by name.
+//
+// One pass of the reader: connect if there is no socket, send, wait (at most 100 ms, or until a report or a
+// queued request comes), deliver, sweep the time-outs, look whether to go on.
+
+#include "websockets.h"
+
+#include <chrono>
+#include <cstdio>
+#include <iterator>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "fields.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr int pollMs = 100;
+constexpr int reconnectMs = 250;
+
+void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
+    result->error = true;
+    result->errorCode = static_cast<int32_t>(type);
+    setText(result->errorMessage, KelvarisSDK_ErrorType_toString(type));
+}
+
+// A description's "members" holds filter objects; a payload passes when it passes all of them.
+bool passesFilter(Json::Value const& members, Json::Value const& payload) {
+    if (!payload.isObject()) {
+        return false;
+    }
+    bool passes = true;
+    for (Json::Value const& filter : members) {
+        for (auto wanted = filter.begin(); wanted != filter.end(); ++wanted) {
+            std::string const key = wanted.name();
+            Json::Value const* value = payload.find(key.data(), key.data() + key.size());
+            passes = passes && value != nullptr && (wanted->isNull() || *value == *wanted);
+        }
+    }
+    return passes;
+}
+
+bool namesEvent(Json::Value const& awaited, std::string const& name) {
+    char const* begin = nullptr;
+    char const* end = nullptr;
+    return awaited["event"].getString(&begin, &end) && name.compare(0, name.npos, begin, end - begin) == 0;
+}
+
+} // namespace
+
+uint64_t getTimeMillis() {
+    auto const now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()) /
+           1'000'000;
+}
+
+// The reader of jsoncpp that refuses what strict JSON refuses, a trailing comma for one; its successor
+// doesn't.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+void parseJson(Json::Value& value, std::string const& text) {
+    // Making a reader costs more than parsing a small report with it.
+    thread_local Json::Reader reader;
+    std::string problem;
+    try {
+        if (reader.parse(text.data(), text.data() + text.size(), value, false)) {
+            return;
+        }
+        problem = reader.getFormattedErrorMessages();
+    } catch (Json::Exception const& tooDeep) {
+        problem = tooDeep.what();
+        value = Json::Value();
+    }
+    std::fprintf(stderr, "Failed to parse JSON: %s\n", problem.c_str());
+    std::fprintf(stderr, "JSON was: %s\n", text.c_str());
+}
+#pragma GCC diagnostic pop
+
+Json::Value const& payloadOf(Json::Value const& message) {
+    return message.isArray() ? message[1U] : Json::Value::nullSingleton();
+}
+
+std::thread startThread(std::function<void()> body) {
+    try {
+        return std::thread(std::move(body));
+    } catch (std::system_error const& failure) {
+        throw std::system_error(failure.code(), "thread constructor failed");
+    }
+}
+
+void noWebsocketImplementation(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_SDK);
+}
+
+void invalidArgument(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_INVALID_ARGUMENT);
+}
+
+void callbackRequired(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_CALLBACK_REQUIRED);
+}
+
+void synchronousCalledFromAsynchronousCallback(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_SYNCHRONOUS_IN_CALLBACK);
+}
+
+void asyncMode(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_ASYNC_CALL);
+    result->error = false;
+}
+
+void settingLocked(KelvarisSDK_BaseResult* result, int reason) {
+    if (reason == 1) {
+        setError(result, KelvarisSDK_ErrorType_LOCKED_BY_SERVER);
+    } else if (reason == 2) {
+        setError(result, KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT);
+    }
+}
+
+Wakeup::Wakeup() : fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+Wakeup::~Wakeup() {
+    if (fd >= 0) {
+        close(fd);
+    }
+}
+
+int Wakeup::descriptor() const {
+    return fd;
+}
+
+void Wakeup::signal() const {
+    eventfd_write(fd, 1);
+}
+
+void Wakeup::clear() const {
+    eventfd_t signals = 0;
+    eventfd_read(fd, &signals);
+}
+
+// One message from the daemon. Parsed when somebody wants it, and once.
+class WebsocketImpl::Message {
+public:
+    Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
+
+    Json::Value const& parsed() {
+        if (!isParsed) {
+            isParsed = true;
+            parseJson(document, text);
+        }
+        return document;
+    }
+
+    Json::Value const& asItStands() const {
+        return document;
+    }
+
+    std::string const name;
+    std::string const& text;
+
+private:
+    Json::Value document;
+    bool isParsed = false;
+};
+
+std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
+thread_local bool WebsocketImpl::isInReaderThread = false;
+
+WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
+    : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {}
+
+WebsocketImpl::~WebsocketImpl() {
+    {
+        std::lock_guard const lock(runningMutex);
+        running = false;
+    }
+    runningChanged.notify_all();
+    wakeup.signal();
+    readerThread.join();
+    if (ws) {
+        ws->close();
+    }
+}
+
+std::string WebsocketImpl::requestToString(std::string const& request, Json::Value const& payload) {
+    Json::Value envelope(Json::arrayValue);
+    envelope.append(request);
+    envelope.append(payload);
+    envelope.append("kelvaris_sdk");
+    return envelope.toStyledString();
+}
+
+void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& payload) {
+    std::string text = requestToString(request, payload);
+    {
+        std::lock_guard const lock(outgoingMutex);
+        outgoing.push_back(std::move(text));
+    }
+    wakeup.signal();
+}
+
+void WebsocketImpl::sendRequest(EventDescription& description, std::string const& request,
+                                Json::Value const& payload) {
+    description.requests.push_back(requestToString(request, payload));
+}
+
+void WebsocketImpl::waitForEvent(EventDescription& description, std::string const& event) {
+    Json::Value awaited;
+    awaited["event"] = event;
+    awaited["members"] = Json::arrayValue;
+    description.awaitedEvents.push_back(std::move(awaited));
+}
+
+void WebsocketImpl::waitForEventWithMember(EventDescription& description, std::string const& event,
+                                           Json::Value const& members) {
+    waitForEvent(description, event);
+    description.awaitedEvents.back()["members"].append(members);
+}
+
+void WebsocketImpl::subscribeToEvent(EventDescription& description, std::string const& event) {
+    description.subscribedEvents.push_back(event);
+}
+
+uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId) {
+    description.callback = std::move(handler);
+    uint64_t const id = nextEventId++;
+    if (assignedId != nullptr) {
+        *assignedId = id;
+    }
+    // The entry stands before its first request can leave, so no answer is missed.
+    {
+        std::lock_guard const lock(eventsMutex);
+        description.startTime = getTimeMillis();
+        events.emplace(id, description);
+    }
+    {
+        std::lock_guard const lock(outgoingMutex);
+        outgoing.insert(outgoing.end(), description.requests.begin(), description.requests.end());
+    }
+    wakeup.signal();
+    return id;
+}
+
+void WebsocketImpl::removeCallback(unsigned long long id) {
+    std::lock_guard const lock(eventsMutex);
+    if (visitedId != nullptr && *visitedId == id) {
+        visitedRemoved = true;
+    } else {
+        events.erase(id);
+    }
+}
+
+void WebsocketImpl::readerRunner() {
+    isInReaderThread = true;
+    std::string const url = "ws://" + address + ":" + std::to_string(port) + "/";
+    // A request queued just before the end still leaves: the first pass connects and sends before it looks
+    // whether to go on.
+    do {
+        if (!ws) {
+            connect(url);
+        }
+        if (!ws) {
+            waitForEnd(reconnectMs);
+        } else if (ws->getReadyState() == easywsclient::WebSocket::OPEN) {
+            serveOpenSocket();
+        } else if (ws->getReadyState() == easywsclient::WebSocket::CLOSED) {
+            ws.reset();
+            waitForEnd(reconnectMs);
+        } else {
+            // Closing: the daemon asked for an end or broke the protocol. The link stays so for good.
+            waitForEnd(pollMs);
+        }
+    } while (sweepAndGoOn());
+}
+
+void WebsocketImpl::connect(std::string const& url) {
+    ws.reset(easywsclient::WebSocket::from_url(url, "easywsclient://"));
+    if (ws) {
+        ws->watch(wakeup.descriptor());
+    }
+}
+
+void WebsocketImpl::serveOpenSocket() {
+    // Cleared before the queue is emptied and before `running` is read: what comes later ends the wait again.
+    wakeup.clear();
+    sendOutgoing();
+    bool wait = false;
+    {
+        std::lock_guard const lock(runningMutex);
+        wait = running;
+    }
+    ws->poll(wait ? pollMs : 0);
+    ws->dispatch([this](std::string const& text) { handle_message(text); });
+}
+
+void WebsocketImpl::sendOutgoing() {
+    std::deque<std::string> requests;
+    {
+        std::lock_guard const lock(outgoingMutex);
+        requests.swap(outgoing);
+    }
+    for (std::string const& request : requests) {
+        ws->send(request);
+    }
+}
+
+// Ended early by the destructor only.
+void WebsocketImpl::waitForEnd(int milliseconds) {
+    std::unique_lock lock(runningMutex);
+    runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
+}
+
+bool WebsocketImpl::sweepAndGoOn() {
+    std::lock_guard const eventsLock(eventsMutex);
+    sweepTimeouts();
+    std::lock_guard const runningLock(runningMutex);
+    if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
+        sendLast();
+    }
+    return running;
+}
+
+// What arrived is read as well: closing with bytes unread would reset the connection under the daemon's
+// hands.
+void WebsocketImpl::sendLast() {
+    ws->watch(-1);
+    sendOutgoing();
+    ws->poll(0);
+    uint64_t const start = getTimeMillis();
+    for (uint64_t waited = 0; ws->unsentBytes() > 0 && waited < pollMs; waited = getTimeMillis() - start) {
+        ws->poll(pollMs - static_cast<int>(waited));
+    }
+}
+
+void WebsocketImpl::sweepTimeouts() {
+    static std::string const event = "sdk_error";
+    uint64_t const now = getTimeMillis();
+    bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
+    visitEntries([&](EventDescription& entry) {
+        if (entry.timeoutMs == 0 || entry.startTime == 0 || now - entry.startTime <= entry.timeoutMs ||
+            entry.awaitedEvents.empty()) {
+            return false;
+        }
+        Json::Value message;
+        message["msg"] = linked ? "Timeout" : "Unable to connect";
+        message["type"] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
+        bool const remove = entry.callback(event, event, message);
+        entry.startTime = 0;
+        entry.finished = true;
+        return remove;
+    });
+}
+
+void WebsocketImpl::handle_message(std::string const& text) {
+    if (text.size() < 5 || text[0] != '[' || text[1] != '"') {
+        return;
+    }
+    std::size_t const nameEnd = text.find('"', 2);
+    if (nameEnd == std::string::npos) {
+        return;
+    }
+    Message message(text.substr(2, nameEnd - 2), text);
+    std::lock_guard const lock(eventsMutex);
+    visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
+}
+
+// Every delivery disarms the time-out, whatever the handler makes of it.
+bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
+    bool remove = false;
+    auto const handOver = [&] {
+        Json::Value const& document = entry.skipParse ? message.asItStands() : message.parsed();
+        remove |= entry.callback(message.name, message.text, document);
+        entry.startTime = 0;
+        entry.finished = true;
+    };
+    for (std::string const& name : entry.subscribedEvents) {
+        if (name == message.name && !visitedRemoved) {
+            handOver();
+        }
+    }
+    for (Json::Value const& awaited : entry.awaitedEvents) {
+        if (visitedRemoved || !namesEvent(awaited, message.name)) {
+            continue;
+        }
+        Json::Value const& members = awaited["members"];
+        if (members.empty() || passesFilter(members, payloadOf(message.parsed()))) {
+            handOver();
+            break;
+        }
+    }
+    return remove;
+}
+
+// Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited
+// entry is erased only when its own visit is over. The caller holds eventsMutex.
+template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
+    if (events.empty()) {
+        return;
+    }
+    uint64_t const last = events.rbegin()->first;
+    for (auto entry = events.begin(); entry != events.end() && entry->first <= last;) {
+        visitedId = &entry->first;
+        visitedRemoved = false;
+        bool const remove = visit(entry->second);
+        visitedId = nullptr;
+        entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
+    }
+}
+
+} // namespace kelvarissdk

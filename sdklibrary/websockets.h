@@ -1,0 +1,154 @@
+// The request engine: the link to the daemon, its reader thread, and the table of waiting calls.
+
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <json/json.h>
+#include <kelvarissdk/types.h>
+
+#include "easywsclient.h"
+
+namespace kelvarissdk {
+
+// Milliseconds of the steady clock.
+uint64_t getTimeMillis();
+
+// Parses a daemon message. A text that isn't valid JSON prints two lines on standard error; the value keeps
+// what the reader left in it.
+void parseJson(Json::Value& value, std::string const& text);
+
+// Element 1 of a message, null where there is none.
+Json::Value const& payloadOf(Json::Value const& message);
+
+// Starts a thread; failure throws std::system_error with the text "thread constructor failed".
+std::thread startThread(std::function<void()> body);
+
+// Each fills the head of a record with an error type and that type's own text.
+void noWebsocketImplementation(KelvarisSDK_BaseResult* result);
+void invalidArgument(KelvarisSDK_BaseResult* result);
+void callbackRequired(KelvarisSDK_BaseResult* result);
+void synchronousCalledFromAsynchronousCallback(KelvarisSDK_BaseResult* result);
+// The same for what an asynchronous call returns at once; its `error` is false.
+void asyncMode(KelvarisSDK_BaseResult* result);
+// Reason 1 is the server's lock and 2 the account's; any other leaves the record as it is.
+void settingLocked(KelvarisSDK_BaseResult* result, int reason);
+
+// Called with the event's name, the raw text and the parsed message; true removes the entry.
+using EventHandler = std::function<bool(std::string const&, std::string const&, Json::Value const&)>;
+
+// One waiting call.
+struct EventDescription {
+    std::vector<Json::Value> awaitedEvents;    // {"event": name, "members": [filter objects]}
+    std::vector<std::string> subscribedEvents; // delivered without filter and without time-out
+    std::vector<std::string> requests;         // finished texts, queued by getResult
+    EventHandler callback;
+    uint64_t startTime = 0; // of getTimeMillis; 0: the time-out isn't armed
+    bool skipParse = false; // the handler wants no parsed message
+    uint64_t timeoutMs = 0; // 0: none
+    bool finished = false;  // something was delivered
+};
+
+// An eventfd: a queued request and the end of the object end the reader's wait on an open socket with it.
+class Wakeup {
+public:
+    Wakeup();
+    ~Wakeup();
+    Wakeup(Wakeup const&) = delete;
+    Wakeup& operator=(Wakeup const&) = delete;
+
+    // -1 where the process has no descriptor left: the wait then lasts its full time.
+    int descriptor() const;
+    void signal() const;
+    void clear() const;
+
+private:
+    int const fd;
+};
+
+// The link to the daemon. Any thread may queue requests and register or remove entries; handlers run on the
+// reader thread. Locks, in the order in which one thread may take them: eventsMutex, then a call's own;
+// eventsMutex, then runningMutex, then outgoingMutex.
+class WebsocketImpl {
+public:
+    // Starts the reader thread, which begins to connect.
+    WebsocketImpl(char const* address, unsigned short port);
+    // Ends the reader thread. Entries that still wait are dropped without a call.
+    ~WebsocketImpl();
+    WebsocketImpl(WebsocketImpl const&) = delete;
+    WebsocketImpl& operator=(WebsocketImpl const&) = delete;
+
+    static std::string requestToString(std::string const& request, Json::Value const& payload);
+
+    // A request without an answer, queued at once.
+    void sendRequest(std::string const& request, Json::Value const& payload = {});
+    // A request of a call, queued by getResult.
+    static void sendRequest(EventDescription& description, std::string const& request,
+                            Json::Value const& payload = {});
+
+    static void waitForEvent(EventDescription& description, std::string const& event);
+    // Every key of `members` must be in the report's payload, with this value unless it is null here.
+    static void waitForEventWithMember(EventDescription& description, std::string const& event,
+                                       Json::Value const& members);
+    static void subscribeToEvent(EventDescription& description, std::string const& event);
+
+    // Registers the entry, then queues its requests. Returns the entry's id; where `assignedId` is given, the
+    // id stands there before the first delivery can come.
+    uint64_t getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId = nullptr);
+
+    // Erases an entry; inside one of its own deliveries, at the end of that. An unknown id is ignored.
+    void removeCallback(unsigned long long id);
+
+    static thread_local bool isInReaderThread;
+
+private:
+    class Message;
+
+    void readerRunner();
+    void connect(std::string const& url);
+    void serveOpenSocket();
+    void sendOutgoing();
+    void sendLast();
+    void waitForEnd(int milliseconds);
+    bool sweepAndGoOn();
+    void sweepTimeouts();
+    void handle_message(std::string const& text);
+    bool deliver(EventDescription& entry, Message& message);
+    template <class Visit> void visitEntries(Visit visit);
+
+    // Constant after construction.
+    std::string const address;
+    uint16_t const port;
+    Wakeup wakeup;
+
+    // Owned by the reader thread.
+    std::unique_ptr<easywsclient::WebSocket> ws;
+
+    std::mutex runningMutex;
+    std::condition_variable runningChanged;
+    bool running = true; // guarded by runningMutex
+
+    std::recursive_mutex eventsMutex;            // recursive: callbacks make calls and remove entries
+    std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next two
+    uint64_t const* visitedId = nullptr;         // the entry under delivery
+    bool visitedRemoved = false;                 // it was removed meanwhile
+
+    std::mutex outgoingMutex;
+    std::deque<std::string> outgoing; // guarded by outgoingMutex
+
+    static std::atomic<uint64_t> nextEventId;
+
+    std::thread readerThread; // last: it uses all of the above
+};
+
+} // namespace kelvarissdk

@@ -1,0 +1,115 @@
+#include "wswrapper.h"
+
+#include <exception>
+#include <utility>
+
+#include "fields.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr char lockedEvent[] = "report_setting_locked";
+
+// The engine's own failures: a time-out, which brings its type and text, or a report that can't be read.
+void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
+    head.error = true;
+    head.errorCode = static_cast<int32_t>(KelvarisSDK_ErrorType_SDK);
+    setText(head.errorMessage, "Error from SDK");
+    if (message.isMember("type")) {
+        head.errorCode = message["type"].asInt();
+    }
+    if (message.isMember("msg")) {
+        copyText(head.errorMessage, message["msg"]);
+    }
+}
+
+// Whether the lock is this call's; then the record says so.
+bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Json::Value const& payload) {
+    if (!payload.isObject() || !payload.isMember("setting") || payload["setting"].asString() != settingName) {
+        return false;
+    }
+    settingLocked(&head, payload["reason"].asInt());
+    return true;
+}
+
+// Whether the event finishes the record. A report that can't be converted finishes it as an error.
+bool takesEvent(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
+                std::string const& event, std::string const& text, Json::Value const& message) {
+    if (event == "sdk_error") {
+        setSdkError(head, message);
+        return true;
+    }
+    try {
+        if (event == lockedEvent && !settingName.empty()) {
+            return takesLock(head, settingName, payloadOf(message));
+        }
+        return parser(event, text, message);
+    } catch (std::exception const&) {
+        setSdkError(head, Json::Value());
+        return true;
+    }
+}
+
+} // namespace
+
+void Completion::wait() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return done; });
+}
+
+void Completion::set() {
+    std::lock_guard const lock(mutex);
+    done = true;
+    changed.notify_one();
+}
+
+EventHandler callHandler(CallRecord record, wsWrapperOptions options, EventParser parser,
+                         std::function<bool()> asyncInvoker, std::shared_ptr<Completion> completion) {
+    return [record = std::move(record), options = std::move(options), parser = std::move(parser),
+            asyncInvoker = std::move(asyncInvoker), completion = std::move(completion)](
+               std::string const& event, std::string const& text, Json::Value const& message) {
+        std::lock_guard const lock(record.mutex);
+        if (!takesEvent(record.head, options.settingName, parser, event, text, message)) {
+            return false;
+        }
+        if (options.async) {
+            return !asyncInvoker() || !options.subscription;
+        }
+        completion->set();
+        return true;
+    };
+}
+
+Exchange read(char const* request, char const* report) {
+    return {.requests = {{request}}, .awaited = {{report}}};
+}
+
+Exchange change(char const* request, Json::Value const& payload, char const* report) {
+    return {.requests = {{request, payload}}, .awaited = {{report}}, .settingName = request};
+}
+
+Exchange order(char const* request, Json::Value const& payload, char const* report) {
+    return {.requests = {{request, payload}}, .awaited = {{report}}};
+}
+
+EventDescription describe(Exchange const& exchange) {
+    EventDescription description;
+    description.timeoutMs = exchange.timeoutMs;
+    for (Request const& request : exchange.requests) {
+        WebsocketImpl::sendRequest(description, request.name, request.payload);
+    }
+    for (std::string const& event : exchange.subscribed) {
+        WebsocketImpl::subscribeToEvent(description, event);
+    }
+    for (AwaitedReport const& report : exchange.awaited) {
+        if (report.members.isNull()) {
+            WebsocketImpl::waitForEvent(description, report.event);
+        } else {
+            WebsocketImpl::waitForEventWithMember(description, report.event, report.members);
+        }
+    }
+    return description;
+}
+
+} // namespace kelvarissdk
