@@ -21,7 +21,7 @@ std::string addressOf(KelvarisSDK_CreateSettings const& settings) {
 } // namespace
 
 KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
-    load_sdklibraryTranslationTable();
+    kelvaris::localization::load_sdklibraryTranslationTable();
     std::memcpy(appName, settings.appName, sizeof(appName));
     websocket = std::make_unique<WebsocketImpl>(addressOf(settings).c_str(), settings.port);
     std::string const name(appName, strnlen(appName, sizeof(appName)));

@@ -1,0 +1,398 @@
+// The request engine: event table, filters, time-outs, reconnecting, callbacks. Calls with short time-outs of
+// their own go through the wrappers; the others through the C interface.
+
+#include "kelvarissdk.h"
+#include "support/scripteddaemon.h"
+#include "websockets.h"
+#include "wswrapper.h"
+
+#include <future>
+#include <gtest/gtest.h>
+#include <thread>
+
+using namespace harness;
+using namespace kelvarissdk;
+
+namespace {
+
+constexpr char connected[] = R"(["report_current_state",{"state":6}])";
+
+Options const noName{.appName = std::nullopt};
+
+void fillState(KelvarisSDK_StateResult& result, Json::Value const& payload) {
+    result.state = static_cast<KelvarisSDK_State>(payload["state"].asUInt());
+}
+
+Exchange stateWithin(uint64_t timeoutMs) {
+    return {.requests = {{"request_current_state"}},
+            .awaited = {{"report_current_state"}},
+            .timeoutMs = timeoutMs};
+}
+
+class Handle {
+public:
+    explicit Handle(uint16_t port) {
+        KelvarisSDK_CreateSettings settings;
+        KelvarisSDK_InitializeCreateSettings(&settings);
+        settings.port = port;
+        sdk = KelvarisSDK_CreateWithSettings(settings);
+    }
+    ~Handle() {
+        KelvarisSDK_Destroy(sdk);
+    }
+    Handle(Handle const&) = delete;
+    Handle& operator=(Handle const&) = delete;
+
+    KelvarisSDK_Handle* sdk;
+};
+
+// What a callback got, for the test's thread to take in order.
+class Inbox {
+public:
+    static bool keep(KelvarisSDK_StateResult result, void* userData) {
+        static_cast<Inbox*>(userData)->put(result);
+        return true;
+    }
+
+    void put(KelvarisSDK_StateResult const& result) {
+        std::lock_guard const lock(mutex);
+        results.push_back(result);
+        changed.notify_all();
+    }
+
+    KelvarisSDK_StateResult take() {
+        std::unique_lock lock(mutex);
+        if (!changed.wait_for(lock, std::chrono::seconds(20), [this] { return !results.empty(); })) {
+            ADD_FAILURE() << "no callback came";
+            return {};
+        }
+        KelvarisSDK_StateResult const first = results.front();
+        results.pop_front();
+        return first;
+    }
+
+    bool empty() {
+        std::lock_guard const lock(mutex);
+        return results.empty();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<KelvarisSDK_StateResult> results;
+};
+
+std::string messageOf(KelvarisSDK_BaseResult const& base) {
+    return std::string(base.errorMessage, strnlen(base.errorMessage, sizeof(base.errorMessage)));
+}
+
+} // namespace
+
+TEST(Engine, AsynchronousCallReturnsAtOnceAndItsRecordKeepsTheCode) {
+    ScriptedDaemon daemon({{.request = "request_current_state", .answers = {connected}}}, noName);
+    Handle handle(daemon.port());
+    Inbox inbox;
+    KelvarisSDK_StateResult const returned = KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
+    EXPECT_FALSE(returned.base.error);
+    EXPECT_EQ(returned.base.errorCode, 3584);
+    EXPECT_EQ(messageOf(returned.base), "Result is an async call SDK");
+    EXPECT_EQ(returned.state, 0U);
+
+    KelvarisSDK_StateResult const delivered = inbox.take();
+    EXPECT_EQ(delivered.state, KelvarisSDK_State_CONNECTED);
+    EXPECT_FALSE(delivered.base.error);
+    EXPECT_EQ(delivered.base.errorCode, 3584);
+    EXPECT_EQ(delivered.base.callbackId, returned.base.callbackId);
+}
+
+TEST(Engine, OneReportFinishesAllCallsThatAwaitItsName) {
+    ScriptedDaemon daemon({{.request = "request_current_state"}, {.request = "request_current_state"}},
+                          noName);
+    Handle handle(daemon.port());
+    auto const ask = [&] { return KelvarisSDK_GetState(handle.sdk, nullptr, nullptr).state; };
+    auto first = std::async(std::launch::async, ask);
+    auto second = std::async(std::launch::async, ask);
+    daemon.waitForRequest("request_current_state");
+    daemon.waitForRequest("request_current_state");
+    daemon.send(connected);
+    EXPECT_EQ(first.get(), KelvarisSDK_State_CONNECTED);
+    EXPECT_EQ(second.get(), KelvarisSDK_State_CONNECTED);
+}
+
+// What is no array that begins with a name, what nobody waits for and what only the library may say changes
+// nothing.
+TEST(Engine, MessagesWithoutANameOrAnEntryAreDropped) {
+    std::vector<Answer> answers;
+    for (char const* text :
+         {"", "[\"a\"", " [\"report_current_state\",{\"state\":1}]", "[ \"report_current_state\",{}]",
+          "{\"a\":1}", "[\"report_current_state", "[\"unknown\",{\"state\":1}]",
+          "[\"sdk_error\",{\"type\":5,\"msg\":\"no\"}]", "[\"unknown\",{"}) {
+        answers.emplace_back(text);
+    }
+    answers.emplace_back(connected);
+    ScriptedDaemon daemon({{.request = "request_current_state", .answers = answers}}, noName);
+    Handle handle(daemon.port());
+    EXPECT_EQ(KelvarisSDK_GetState(handle.sdk, nullptr, nullptr).state, KelvarisSDK_State_CONNECTED);
+}
+
+TEST(Engine, BrokenJsonPrintsTwoLinesAndReadsAsNull) {
+    std::string const deep =
+        "[\"report_current_state\"," + std::string(1100, '[') + std::string(1100, ']') + "]";
+    ScriptedDaemon daemon(
+        {{.request = "request_current_state", .answers = {R"(["report_current_state",{"state":6},])"}},
+         {.request = "request_current_state", .answers = {deep}}},
+        noName);
+    Handle handle(daemon.port());
+    for (int i = 0; i < 2; ++i) {
+        testing::internal::CaptureStderr();
+        KelvarisSDK_StateResult const result = KelvarisSDK_GetState(handle.sdk, nullptr, nullptr);
+        std::string const printed = testing::internal::GetCapturedStderr();
+        EXPECT_FALSE(result.base.error);
+        EXPECT_EQ(printed.find("Failed to parse JSON: "), 0U) << printed;
+        EXPECT_NE(printed.find("\nJSON was: [\"report_current_state\""), std::string::npos) << printed;
+    }
+}
+
+TEST(Engine, ReportThatCantBeReadEndsItsCallOnly) {
+    ScriptedDaemon daemon(
+        {{.request = "request_version_data"},
+         {.request = "request_current_state", .answers = {R"(["report_current_state",{"state":"x"}])"}},
+         {.request = "request_current_state", .answers = {R"(["report_current_state",[1]])"}},
+         {.request = "request_current_state", .answers = {R"(["report_current_state",7])"}},
+         {.request = "request_current_state",
+          .answers = {R"(["report_current_state",{"state":3000000000}])"}}},
+        noName);
+    Handle handle(daemon.port());
+    auto version =
+        std::async(std::launch::async, [&] { return KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr); });
+    daemon.waitForRequest("request_version_data");
+    for (int i = 0; i < 4; ++i) {
+        KelvarisSDK_StateResult const result = KelvarisSDK_GetState(handle.sdk, nullptr, nullptr);
+        EXPECT_TRUE(result.base.error);
+        EXPECT_EQ(result.base.errorCode, 3840);
+        EXPECT_EQ(messageOf(result.base), "Error from SDK");
+    }
+    daemon.send(R"(["report_version_data",{"maj":70000,"min":2,"bug":3,"build":4}])");
+    KelvarisSDK_VersionResult const result = version.get();
+    EXPECT_FALSE(result.base.error);
+    EXPECT_EQ(result.maj, 70000 - 65536);
+}
+
+// A later good report clears the flag and nothing else.
+TEST(Engine, SubscriptionOutlivesAnErrorRecord) {
+    ScriptedDaemon daemon({{.request = "request_current_state",
+                            .answers = {R"(["report_current_state",{"state":{}}])", connected}}},
+                          noName);
+    Handle handle(daemon.port());
+    Inbox inbox;
+    KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
+    EXPECT_TRUE(inbox.take().base.error);
+    KelvarisSDK_StateResult const second = inbox.take();
+    EXPECT_FALSE(second.base.error);
+    EXPECT_EQ(second.base.errorCode, 3840);
+    EXPECT_EQ(messageOf(second.base), "Error from SDK");
+    EXPECT_EQ(second.state, KelvarisSDK_State_CONNECTED);
+}
+
+TEST(Engine, FilterTestsEveryKeyAndNullAsksForPresence) {
+    ScriptedDaemon daemon({}, noName);
+    WebsocketImpl link("127.0.0.1", daemon.port());
+    Inbox inbox;
+    Json::Value filter;
+    filter["state"] = 2;
+    filter["here"] = Json::Value();
+    subscriptionCall(&link, Inbox::keep, &inbox, {.awaited = {{"e", filter}}, .timeoutMs = 0}, fillState);
+    daemon.waitForConnections(1);
+    for (char const* text : {R"(["e",{"state":2}])", R"(["e",{"here":1}])", R"(["e",{"here":1,"state":3}])",
+                             R"(["e",{"here":1,"state":"2"}])", R"(["e",[2]])", R"(["e"])", R"(["e",null])",
+                             R"(["e",{"here":{},"state":2}])"}) {
+        daemon.send(text);
+    }
+    EXPECT_EQ(inbox.take().state, 2U);
+    EXPECT_TRUE(inbox.empty());
+}
+
+// The answers of both deliveries are taken together: one that is done ends the entry.
+TEST(Engine, NameInBothListsIsDeliveredTwice) {
+    ScriptedDaemon daemon({}, noName);
+    WebsocketImpl link("127.0.0.1", daemon.port());
+    EventDescription description;
+    WebsocketImpl::subscribeToEvent(description, "e");
+    WebsocketImpl::waitForEvent(description, "e");
+    WebsocketImpl::waitForEvent(description, "e");
+    std::atomic<int> deliveries = 0;
+    std::promise<void> marked;
+    link.getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
+        return ++deliveries == 1; // the first of two says "done", the second "go on"
+    });
+    EventDescription mark;
+    WebsocketImpl::waitForEvent(mark, "mark");
+    link.getResult(mark, [&](std::string const&, std::string const&, Json::Value const&) {
+        marked.set_value();
+        return true;
+    });
+    daemon.waitForConnections(1);
+    daemon.send(R"(["e",{}])");
+    daemon.send(R"(["e",{}])");
+    daemon.send(R"(["mark",{}])");
+    marked.get_future().wait();
+    EXPECT_EQ(deliveries, 2);
+}
+
+// Time-outs, side by side: each thread waits for one of its own.
+TEST(Engine, TimeOuts) {
+    ScriptedDaemon silent({}, noName);
+    ScriptedDaemon absent({}, {.appName = std::nullopt, .listen = false});
+    ScriptedDaemon closing({{.request = "request_current_state", .then = Then::closeFrame}}, noName);
+    ScriptedDaemon rejecting(
+        {{.request = "set", .answers = {R"(["report_setting_locked",{"setting":"other"}])"}}}, noName);
+    auto const timeOut = [](uint16_t port, int code, std::string const& message) {
+        WebsocketImpl link("127.0.0.1", port);
+        KelvarisSDK_StateResult const result =
+            oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, stateWithin(300), fillState);
+        EXPECT_TRUE(result.base.error);
+        EXPECT_EQ(result.base.errorCode, code);
+        EXPECT_EQ(messageOf(result.base), message);
+    };
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] { timeOut(silent.port(), 3841, "Timeout"); });
+    threads.emplace_back([&] { timeOut(absent.port(), 3845, "Unable to connect"); });
+    threads.emplace_back([&] { timeOut(closing.port(), 3841, "Timeout"); });
+    // A delivery disarms the time-out even when it finishes nothing: a second call's time-out shows that the
+    // first one's would have come.
+    threads.emplace_back([&] {
+        WebsocketImpl link("127.0.0.1", rejecting.port());
+        auto locked = std::async(std::launch::async, [&] {
+            Exchange exchange = change("set", Json::Value(), "report_set");
+            exchange.timeoutMs = 300;
+            return oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, exchange, fillState);
+        });
+        rejecting.waitForRequest("set");
+        KelvarisSDK_StateResult const second = oneShotCall<KelvarisSDK_StateResult>(
+            &link, nullptr, nullptr, {.awaited = {{"never"}}, .timeoutMs = 600}, fillState);
+        EXPECT_EQ(second.base.errorCode, 3841);
+        rejecting.send(R"(["report_setting_locked",{"setting":"set","reason":2}])");
+        EXPECT_EQ(locked.get().base.errorCode, 3848);
+    });
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST(Engine, LockReports) {
+    struct Case {
+        char const* payload;
+        bool error;
+        int code;
+    };
+    for (Case const& c : {Case{R"({"setting":"set","reason":1})", true, 3846},
+                          {R"({"setting":"set","reason":2})", true, 3848},
+                          {R"({"setting":"set","reason":3})", false, 0},
+                          {R"({"setting":"set","reason":"x"})", true, 3840},
+                          {R"({"setting":[],"reason":1})", true, 3840}}) {
+        SCOPED_TRACE(c.payload);
+        ScriptedDaemon daemon(
+            {{.request = "set",
+              .answers = {R"(["report_setting_locked",{"reason":1}])", R"(["report_setting_locked",[1]])",
+                          R"(["report_setting_locked"])",
+                          R"(["report_setting_locked",{"setting":"set2","reason":1}])",
+                          "[\"report_setting_locked\"," + std::string(c.payload) + "]"}}},
+            noName);
+        WebsocketImpl link("127.0.0.1", daemon.port());
+        KelvarisSDK_StateResult const result = oneShotCall<KelvarisSDK_StateResult>(
+            &link, nullptr, nullptr, change("set", Json::Value(), "report_set"), fillState);
+        EXPECT_EQ(result.base.error, c.error);
+        EXPECT_EQ(result.base.errorCode, c.code);
+    }
+}
+
+// Requests queued while there is no link leave with the next one, what was sent before isn't repeated, and a
+// subscription hears what the daemon says after the reconnect.
+TEST(Engine, ReconnectKeepsTheTableAndRepeatsNothing) {
+    ScriptedDaemon daemon(
+        {{.request = "request_current_state", .answers = {connected}, .then = Then::reset},
+         {.request = "request_version_data",
+          .answers = {R"(["report_version_data",{"maj":1}])", R"(["report_current_state",{"state":2}])"}}},
+        noName);
+    Handle handle(daemon.port());
+    Inbox inbox;
+    KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
+    EXPECT_EQ(inbox.take().state, 6U);
+    daemon.waitForConnections(2);
+    EXPECT_EQ(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).maj, 1);
+    EXPECT_EQ(inbox.take().state, 2U);
+}
+
+// Inside a callback: end the own entry, end another one that the same message would still reach, start a
+// call, which this message doesn't reach any more, and try a synchronous call, which sends nothing.
+TEST(Engine, CallbacksMayChangeTheTable) {
+    ScriptedDaemon daemon({{.request = "request_current_state"},
+                           {.request = "request_current_state"},
+                           {.request = "request_current_state"}},
+                          noName);
+    Handle handle(daemon.port());
+    struct Calls {
+        KelvarisSDK_Handle* sdk;
+        Inbox own, other, added;
+        std::promise<uint64_t> ownId, otherId;
+        std::promise<KelvarisSDK_VersionResult> synchronous;
+    } calls;
+    calls.sdk = handle.sdk;
+
+    auto const callback = [](KelvarisSDK_StateResult result, void* userData) {
+        auto& all = *static_cast<Calls*>(userData);
+        all.synchronous.set_value(KelvarisSDK_GetVersion(all.sdk, nullptr, nullptr));
+        KelvarisSDK_UnregisterCallback(all.sdk, all.ownId.get_future().get());
+        KelvarisSDK_UnregisterCallback(all.sdk, all.otherId.get_future().get());
+        KelvarisSDK_GetState(all.sdk, Inbox::keep, &all.added);
+        all.own.put(result);
+        return true;
+    };
+    calls.ownId.set_value(KelvarisSDK_GetState(handle.sdk, callback, &calls).base.callbackId);
+    calls.otherId.set_value(KelvarisSDK_GetState(handle.sdk, Inbox::keep, &calls.other).base.callbackId);
+    daemon.waitForRequest("request_current_state");
+    daemon.waitForRequest("request_current_state");
+    daemon.send(connected);
+    EXPECT_EQ(calls.own.take().state, 6U);
+    daemon.waitForRequest("request_current_state");
+    daemon.send(R"(["report_current_state",{"state":2}])");
+    EXPECT_EQ(calls.added.take().state, 2U);
+    EXPECT_TRUE(calls.own.empty());
+    EXPECT_TRUE(calls.other.empty());
+    KelvarisSDK_VersionResult const refused = calls.synchronous.get_future().get();
+    EXPECT_TRUE(refused.base.error);
+    EXPECT_EQ(refused.base.errorCode, 3847);
+}
+
+TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
+    ScriptedDaemon daemon({{.request = "request_current_state"}, {.request = "exit"}}, noName);
+    Inbox inbox;
+    {
+        Handle handle(daemon.port());
+        KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
+        KelvarisSDK_UnregisterCallback(handle.sdk, 1ULL << 60);
+        EXPECT_FALSE(KelvarisSDK_DaemonExit(handle.sdk).error);
+    }
+    EXPECT_TRUE(inbox.empty());
+    KelvarisSDK_Destroy(nullptr);
+}
+
+TEST(Engine, WithoutALinkEveryFormOfCallFails) {
+    class Unlinked : public KelvarisSDK {
+    public:
+        explicit Unlinked(KelvarisSDK_CreateSettings const& settings) : KelvarisSDK(settings) {
+            websocket.reset();
+        }
+    };
+    KelvarisSDK_CreateSettings settings;
+    KelvarisSDK_InitializeCreateSettings(&settings);
+    settings.port = 0;
+    Unlinked sdk(settings);
+    for (KelvarisSDK_BaseResult const& base :
+         {sdk.daemonExit(), sdk.getState(nullptr, nullptr).base, sdk.getVersion(nullptr, nullptr).base}) {
+        EXPECT_TRUE(base.error);
+        EXPECT_EQ(base.errorCode, 3840);
+        EXPECT_EQ(messageOf(base), "An error in the SDK");
+    }
+    sdk.unregisterCallback(0);
+}
