@@ -1,0 +1,54 @@
+#include "locationnames.h"
+
+#include <mutex>
+#include <utility>
+
+namespace kelvaris::localization {
+
+TranslationTable sdklibraryTranslationTable;
+
+void load_sdklibraryTranslationTable() {
+    registerTranslationTable(&sdklibraryTranslationTable);
+}
+
+} // namespace kelvaris::localization
+
+namespace kelvarissdk {
+
+namespace {
+
+void fillTable() {
+    // The table may be registered already, and another thread may be looking something up in it.
+    const std::lock_guard lock(kelvaris::localization::translationTablesMutex);
+    for (std::size_t column = 0; column < locationLanguages.size(); ++column) {
+        auto& texts =
+            kelvaris::localization::sdklibraryTranslationTable[std::string(locationLanguages[column])];
+        for (const LocationRow& row : locationRows) {
+            texts.emplace(row.key, row.names[column]);
+        }
+    }
+}
+
+std::string translateLocation(const char* prefix, std::string code) {
+    if (code.empty()) {
+        return code;
+    }
+    static std::once_flag filled;
+    std::call_once(filled, fillTable);
+    return kelvaris::localization::translate(prefix + std::move(code) + "}}");
+}
+
+} // namespace
+
+std::string getCountry(std::string code) {
+    if (code == "proxy") {
+        return code;
+    }
+    return translateLocation("{{LOCATION.COUNTRY.", std::move(code));
+}
+
+std::string getCity(std::string code) {
+    return translateLocation("{{LOCATION.CITY.", std::move(code));
+}
+
+} // namespace kelvarissdk

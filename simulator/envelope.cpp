@@ -1,0 +1,56 @@
+#include "envelope.h"
+
+#include <json/reader.h>
+#include <json/writer.h>
+#include <memory>
+#include <stdexcept>
+
+namespace kelvarissim {
+
+namespace {
+
+constexpr const char* requestMark = "kelvaris_sdk";
+
+std::unique_ptr<Json::CharReader> makeReader() {
+    Json::CharReaderBuilder builder;
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
+    return std::unique_ptr<Json::CharReader>(builder.newCharReader());
+}
+
+Json::StreamWriterBuilder makeWriter() {
+    Json::StreamWriterBuilder builder;
+    builder["commentStyle"] = "None";
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    builder["precision"] = 15; // 4.2 stays 4.2
+    return builder;
+}
+
+} // namespace
+
+Json::Value parseRequest(const std::string& text) {
+    static const std::unique_ptr<Json::CharReader> reader = makeReader();
+    Json::Value request;
+    std::string errors;
+    if (!reader->parse(text.data(), text.data() + text.size(), &request, &errors)) {
+        throw std::runtime_error("not valid JSON");
+    }
+    if (!request.isArray() || request.size() != 3 || !request[0].isString() || request[2] != requestMark) {
+        throw std::runtime_error(std::string("not [name, payload, \"") + requestMark + "\"]");
+    }
+    return request;
+}
+
+std::string reportText(const std::string& name, const Json::Value& payload) {
+    Json::Value report(Json::arrayValue);
+    report.append(name);
+    report.append(payload);
+    return compactText(report);
+}
+
+std::string compactText(const Json::Value& value) {
+    static const Json::StreamWriterBuilder builder = makeWriter();
+    return Json::writeString(builder, value);
+}
+
+} // namespace kelvarissim

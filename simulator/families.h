@@ -1,0 +1,9 @@
+#pragma once
+
+namespace kelvarissim {
+
+class Registry;
+
+void registerCore(Registry& registry);
+
+} // namespace kelvarissim

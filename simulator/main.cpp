@@ -1,0 +1,47 @@
+#include "families.h"
+#include "server.h"
+
+#include <csignal>
+#include <exception>
+#include <iostream>
+
+namespace kelvarissim {
+
+namespace {
+
+void registerFamilies(Registry& registry) {
+    registerCore(registry);
+}
+
+int run(const std::vector<std::string>& words) {
+    OptionTable options;
+    Settings settings;
+    addDaemonOptions(options, settings);
+    Registry registry(options);
+    registerFamilies(registry);
+    const OptionTable::Outcome outcome = options.parse(words, std::cout, std::cerr);
+    if (outcome != OptionTable::Outcome::run) {
+        return outcome == OptionTable::Outcome::helpShown ? 0 : 2;
+    }
+
+    Server server(registry, settings);
+    const std::uint16_t port = server.listen();
+    std::cout << "kelvarissim: listening on 127.0.0.1:" << port << std::endl;
+    server.run();
+    return 0;
+}
+
+} // namespace
+
+} // namespace kelvarissim
+
+int main(int argc, char** argv) {
+    // Whoever reads the log may go away before the daemon does.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return kelvarissim::run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        std::cerr << "kelvarissim: " << error.what() << '\n';
+        return 1;
+    }
+}

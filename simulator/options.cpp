@@ -1,0 +1,72 @@
+#include "options.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+namespace kelvarissim {
+
+void OptionTable::flag(const std::string& name, const std::string& help, bool& target) {
+    text(name, "", help, [&target](const std::string&) { return target = true; });
+}
+
+void OptionTable::text(std::string name, std::string valueName, std::string help,
+                       std::function<bool(const std::string&)> apply) {
+    if (find(name) != nullptr) {
+        throw std::logic_error("option " + name + " stands twice");
+    }
+    rows.push_back({std::move(name), std::move(valueName), std::move(help), std::move(apply)});
+}
+
+OptionTable::Outcome OptionTable::parse(const std::vector<std::string>& words, std::ostream& out,
+                                        std::ostream& err) const {
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (*word == "--help") {
+            showHelp(out);
+            return Outcome::helpShown;
+        }
+        const Row* row = find(*word);
+        if (row == nullptr) {
+            err << "kelvarissim: unknown option \"" << *word << "\", see --help\n";
+            return Outcome::refused;
+        }
+        std::string value;
+        if (!row->valueName.empty()) {
+            if (++word == words.end()) {
+                err << "kelvarissim: " << row->name << " needs a value, " << row->valueName << '\n';
+                return Outcome::refused;
+            }
+            value = *word;
+        }
+        if (!row->apply(value)) {
+            err << "kelvarissim: " << row->name << " can't be \"" << value << "\", see --help\n";
+            return Outcome::refused;
+        }
+    }
+    return Outcome::run;
+}
+
+const OptionTable::Row* OptionTable::find(const std::string& name) const {
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [&](const Row& each) { return each.name == name; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+void OptionTable::showHelp(std::ostream& out) const {
+    constexpr int nameWidth = 28;
+    out << "Usage: kelvarissim [option ...]\n"
+           "A simulated daemon on 127.0.0.1 that keeps its world in memory. It ends on the request \"exit\", "
+           "on\n"
+           "SIGINT and on SIGTERM; its links then end without a WebSocket close frame.\n\n";
+    for (const Row& row : rows) {
+        const std::string form = row.valueName.empty() ? row.name : row.name + ' ' + row.valueName;
+        out << "  " << std::left << std::setw(nameWidth) << form << row.help << '\n';
+    }
+    out << "  " << std::setw(nameWidth) << "--help"
+        << "prints this text\n"
+        << std::flush;
+}
+
+} // namespace kelvarissim

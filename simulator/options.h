@@ -1,0 +1,67 @@
+#pragma once
+
+#include <charconv>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace kelvarissim {
+
+template <typename T> std::optional<T> readNumber(std::string_view text, T min, T max) {
+    T value{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc{} || stop != end || value < min || value > max) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+// The command line: one row an option, which is also its line of --help. An option's target has to live
+// until parse() has returned; a family keeps it in the structure that its handlers share.
+class OptionTable {
+public:
+    enum class Outcome { run, helpShown, refused };
+
+    // A word without a value: sets the target.
+    void flag(const std::string& name, const std::string& help, bool& target);
+
+    // A decimal number from min to max. The target is a T or an optional of it.
+    template <typename T, typename Target>
+    void number(const std::string& name, const std::string& valueName, const std::string& help, T min, T max,
+                Target& target) {
+        text(name, valueName, help, [min, max, &target](const std::string& word) {
+            const std::optional<T> value = readNumber<T>(word, min, max);
+            if (value) {
+                target = *value;
+            }
+            return value.has_value();
+        });
+    }
+
+    // Any other value: apply() judges and stores it, and returns false to refuse it. Runs once for each time
+    // the option is given.
+    void text(std::string name, std::string valueName, std::string help,
+              std::function<bool(const std::string&)> apply);
+
+    Outcome parse(const std::vector<std::string>& words, std::ostream& out, std::ostream& err) const;
+
+private:
+    struct Row {
+        std::string name;
+        std::string valueName; // empty: the option takes no value
+        std::string help;
+        std::function<bool(const std::string&)> apply;
+    };
+
+    const Row* find(const std::string& name) const;
+    void showHelp(std::ostream& out) const;
+
+    std::vector<Row> rows;
+};
+
+} // namespace kelvarissim

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "link.h"
+#include "registry.h"
+#include "settings.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace kelvarissim {
+
+// The daemon itself: accepts links, hands requests to the families, and knows time. A request passes
+// received() -> the delay -> handle() -> its family's handler.
+class Server final : public Daemon, public LinkOwner {
+public:
+    Server(const Registry& families, const Settings& commandLine);
+
+    // Throws boost::system::system_error when the port can't be had. Returns the port.
+    std::uint16_t listen();
+    // Returns after stop() or a signal.
+    void run();
+
+    World& world() override {
+        return sharedWorld;
+    }
+    void send(ClientId client, const std::string& report, const Json::Value& payload) override;
+    void broadcast(const std::string& report, const Json::Value& payload) override;
+    TimerId after(std::chrono::milliseconds delay, std::function<void()> action) override;
+    TimerId every(std::chrono::milliseconds period, std::function<bool()> action) override;
+    void cancel(TimerId timer) override {
+        timers.erase(timer);
+    }
+    std::chrono::milliseconds interval() const override;
+    void log(const std::string& line) override;
+    void stop() override {
+        io.stop();
+    }
+
+private:
+    struct Timer {
+        boost::asio::steady_timer clock;
+        std::chrono::milliseconds period;
+        std::function<bool()> action;
+    };
+
+    void opened(const std::shared_ptr<Link>& link) override;
+    bool received(const std::shared_ptr<Link>& link, const Message& message) override;
+    void ended(const Link& link, const std::string& reason) override;
+    void refused(const std::string& reason) override;
+
+    void accept();
+    void handle(ClientId client, const Json::Value& request);
+    void sendText(Link& link, const std::shared_ptr<const std::string>& text);
+    void arm(TimerId id);
+    void runDelayed();
+
+    const Registry& registry;
+    const Settings& settings;
+    World sharedWorld;
+    boost::asio::io_context io{1};
+    boost::asio::signal_set signals{io};
+    boost::asio::ip::tcp::acceptor acceptor{io};
+    std::map<ClientId, std::shared_ptr<Link>> links; // the upgraded ones
+    std::map<TimerId, std::shared_ptr<Timer>> timers;
+    std::deque<std::function<void()>> delayed; // in the order of their requests
+    ClientId lastClient = 0;
+    TimerId lastTimer = 0;
+};
+
+} // namespace kelvarissim

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "options.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace kelvarissim {
+
+// What the command line decides for the daemon as a whole: where it listens and what goes wrong on purpose.
+struct Settings {
+    std::uint16_t port = 9330; // 0: any free one
+    bool verbose = false;
+    int intervalMs = 1000; // between two periodic reports
+    bool silent = false;
+    int delayMs = 0;
+    std::map<std::string, int> locks; // request name -> reason
+    std::optional<unsigned> dropAfter;
+    std::optional<unsigned> closeFrameAfter;
+};
+
+void addDaemonOptions(OptionTable& options, Settings& settings);
+
+} // namespace kelvarissim
