@@ -1,0 +1,206 @@
+#include "support/process.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <termios.h>
+#include <unistd.h>
+#include <utility>
+
+namespace harness {
+
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+
+int checked(int result, char const* what) {
+    if (result < 0) {
+        throw std::system_error(errno, std::generic_category(), what);
+    }
+    return result;
+}
+
+void closeEnd(int& end) {
+    if (end >= 0) {
+        close(end);
+    }
+    end = -1;
+}
+
+// Appends what is there; at the end of the stream the descriptor is closed.
+void drain(int& end, short events, std::string& text) {
+    if (events == 0) {
+        return;
+    }
+    std::array<char, 65536> chunk;
+    ssize_t const size = read(end, chunk.data(), chunk.size());
+    if (size > 0) {
+        text.append(chunk.data(), static_cast<std::size_t>(size));
+    } else if (size == 0 || errno != EINTR) {
+        closeEnd(end);
+    }
+}
+
+pid_t spawn(Command const& command, int in, int out, int err) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (in < 0) {
+        posix_spawn_file_actions_addclose(&actions, STDIN_FILENO);
+    } else {
+        posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
+    }
+    posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, err, STDERR_FILENO);
+    // A daemon's sockets, inherited, would hold its connections open.
+    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+
+    std::vector<char*> argv;
+    for (std::string const& argument : command.argv) {
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    }
+    argv.push_back(nullptr);
+    pid_t pid = -1;
+    errno = posix_spawn(&pid, command.path.c_str(), &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return checked(pid, command.path.c_str());
+}
+
+} // namespace
+
+Process::Process(Command const& command) : deadline(steady_clock::now() + 120s), input(command.input) {
+    std::array<int, 2> in = {-1, -1};
+    std::array<int, 2> out = {-1, -1};
+    std::array<int, 2> err = {-1, -1};
+    if (command.kind == Input::text) {
+        // Not a pipe: writing to a child that has ended must not raise a signal here.
+        checked(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()), "socketpair");
+    } else if (command.kind == Input::terminal) {
+        in[0] = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
+        std::array<char, 64> name = {};
+        checked(unlockpt(in[0]), "unlockpt");
+        checked(ptsname_r(in[0], name.data(), name.size()), "ptsname_r");
+        in[1] = terminalEnd = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
+    }
+    checked(pipe2(out.data(), O_CLOEXEC), "pipe2");
+    checked(pipe2(err.data(), O_CLOEXEC), "pipe2");
+    pid = spawn(command, in[1], out[1], err[1]);
+    if (command.kind == Input::text) {
+        closeEnd(in[1]);
+    }
+    closeEnd(out[1]);
+    closeEnd(err[1]);
+    inputEnd = in[0];
+    outEnd = out[0];
+    errEnd = err[0];
+    feed();
+}
+
+Process::~Process() {
+    if (pid > 0) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+    }
+    for (int* end : {&inputEnd, &outEnd, &errEnd, &terminalEnd}) {
+        closeEnd(*end);
+    }
+}
+
+// Writes what the child takes at once of its input; all written, its stream ends.
+void Process::feed() {
+    if (inputEnd < 0 || terminalEnd >= 0) {
+        return;
+    }
+    ssize_t const size = send(inputEnd, input.data(), input.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    bool const gone = size < 0 && errno != EAGAIN && errno != EINTR;
+    input.erase(0, size > 0 ? static_cast<std::size_t>(size) : 0);
+    if (input.empty() || gone) {
+        closeEnd(inputEnd);
+    }
+}
+
+// One round with the child: whatever it has written or taken, at most for the limit.
+void Process::exchange(std::chrono::milliseconds limit) {
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+    if (left <= 0ms) {
+        ADD_FAILURE() << "killed after 120 s; it had printed:\n" << outcome.out << outcome.err;
+        kill(pid, SIGKILL);
+        closeEnd(outEnd);
+        closeEnd(errEnd);
+        return;
+    }
+    short const inputEvents = terminalEnd >= 0 ? POLLIN : POLLOUT;
+    std::array<pollfd, 3> ends = {{{outEnd, POLLIN, 0}, {errEnd, POLLIN, 0}, {inputEnd, inputEvents, 0}}};
+    if (poll(ends.data(), ends.size(), static_cast<int>(std::min(left, limit).count())) <= 0) {
+        return;
+    }
+    drain(outEnd, ends[0].revents, outcome.out);
+    drain(errEnd, ends[1].revents, outcome.err);
+    if (terminalEnd >= 0) {
+        drain(inputEnd, ends[2].revents, outcome.terminal);
+    } else if (ends[2].revents != 0) {
+        feed();
+    }
+}
+
+void Process::waitForOutput(std::string const& text) {
+    auto const seen = [&] {
+        return outcome.out.find(text) != std::string::npos || outcome.err.find(text) != std::string::npos;
+    };
+    while (!seen() && isOpen()) {
+        exchange(120s);
+    }
+    EXPECT_TRUE(seen()) << "never printed: " << text << "\nbut:\n" << outcome.out << outcome.err;
+}
+
+void Process::waitForEcho(bool on) {
+    auto const isSo = [&] {
+        termios attributes = {};
+        checked(tcgetattr(terminalEnd, &attributes), "tcgetattr");
+        return ((attributes.c_lflag & ECHO) != 0) == on;
+    };
+    // Nothing tells of a changed flag.
+    while (!isSo() && isOpen()) {
+        exchange(1ms);
+    }
+    EXPECT_TRUE(isSo()) << "the terminal's ECHO stayed " << (on ? "off" : "on");
+}
+
+void Process::type(std::string const& text) const {
+    checked(static_cast<int>(write(inputEnd, text.data(), text.size())), "write to the terminal");
+}
+
+void Process::signal(int number) const {
+    checked(kill(pid, number), "kill");
+}
+
+Outcome const& Process::wait() {
+    while (isOpen()) {
+        exchange(120s);
+    }
+    int status = 0;
+    checked(waitpid(std::exchange(pid, -1), &status, 0), "waitpid");
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    // What was typed last may have been echoed after the last look.
+    pollfd shown = {terminalEnd >= 0 ? inputEnd : -1, POLLIN, 0};
+    while (poll(&shown, 1, 0) > 0) {
+        drain(inputEnd, shown.revents, outcome.terminal);
+    }
+    return outcome;
+}
+
+Outcome runProcess(Command const& command) {
+    Process process(command);
+    return process.wait();
+}
+
+} // namespace harness

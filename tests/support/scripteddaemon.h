@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <json/value.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The far end of the link, played inside the test process on a free loopback port: it records every request,
+// answers by a script, and at the end tells what didn't fit.
+namespace harness {
+
+Json::Value parsed(std::string const& json); // throws on bad JSON
+std::string styled(std::string const& json); // the document as the tool prints it, from its compact text
+
+// One frame as a server sends it, unmasked. `first` is FIN, reserved bits and opcode: 0x81 is a whole text.
+std::string frame(unsigned char first, std::string_view payload);
+
+// What one answer puts on the wire: a text becomes a text frame, raw() leaves the bytes alone.
+struct Answer {
+    Answer(char const* text) : bytes(frame(0x81, text)) {}
+    Answer(std::string const& text) : bytes(frame(0x81, text)) {}
+    std::string bytes;
+};
+Answer raw(std::string bytes);
+
+// What the daemon does to the connection once the answers are out.
+enum class Then {
+    carryOn,
+    reset,       // TCP reset
+    close,       // end of stream; what the client still sends is read and ignored
+    closeFrame,  // WebSocket close frame, TCP stays open
+    stopReading, // the connection stays open, unread
+};
+
+// A step waits for the next request, which has to be this one, with this payload. A step without a request is
+// done as soon as its turn comes and a connection is up: it answers unasked, as the first step even before
+// "set_app_name".
+struct Step {
+    std::string request = {};
+    std::string payload = "null"; // compact JSON
+    std::vector<Answer> answers = {};
+    Then then = Then::carryOn;
+    int delayMs = 0;     // before the answers; the connection isn't read meanwhile
+    bool refuse = false; // from now on nobody can connect; otherwise a client may come back at any time
+};
+
+// How one connection's upgrade is answered. Default: properly. Otherwise with these bytes alone, and what the
+// client sends from then on is recorded as bytes and not as requests.
+struct Upgrade {
+    std::string bytes = {};
+    Then then = Then::carryOn;
+};
+
+struct Options {
+    // The name that "set_app_name" must give as the very first request, once, without a step of its own. A
+    // client that never sends a request is fine. Without a value that request is like any other.
+    std::optional<std::string> appName = "Kelvaris";
+    std::vector<Upgrade> upgrades = {}; // the first connections'; the later ones are upgraded properly
+    bool listen = true;                 // false: the port is taken, but nobody listens there
+};
+
+struct Request {
+    std::string name;
+    Json::Value payload;
+    std::string text; // as it came; always checked to be the styled text of [name, payload, "kelvaris_sdk"]
+};
+
+// A test may drive the daemon by a script, by hand with the calls below, or by both. All of them are for the
+// test's thread; those that wait give up after 20 s and fail the test.
+class ScriptedDaemon {
+public:
+    explicit ScriptedDaemon(std::vector<Step> script = {}, Options options = {});
+    ~ScriptedDaemon(); // fails the test over what finish() reports, unless that was called
+    ScriptedDaemon(ScriptedDaemon const&) = delete;
+    ScriptedDaemon& operator=(ScriptedDaemon const&) = delete;
+
+    std::uint16_t port() const;
+
+    // On the newest connection, in the order of the calls.
+    void send(Answer const& answer);
+    void dropConnection(Then how = Then::reset);
+
+    // The oldest request of this name that no earlier call has returned; it needs no step.
+    Request waitForRequest(std::string const& name);
+    void waitForConnections(std::size_t count);  // upgraded since the start
+    void waitForDisconnects(std::size_t count);  // of those, ended since the start
+    std::string waitForBytes(std::size_t count); // at least so many behind an upgrade answered by bytes; all
+
+    std::vector<Request> requests() const;
+    std::vector<std::string> upgradeRequests() const;
+
+    // To be called once, when the client is gone: reads what it left in the sockets, and returns one text per
+    // line for each unexpected request, wrong payload, bad frame and unused step. Empty when all went by the
+    // script.
+    std::string finish();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace harness
