@@ -1,0 +1,605 @@
+#include "easywsclient.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+// The buffers. Received bytes stand in rxBuffer between two offsets: taking bytes out moves the first, a read
+// moves the second, and before each round of reads what is left moves to the front, once. The payload of a
+// data frame goes on into partialMessage as it comes, while it is in the processor's cache; the callback is
+// given that string. So rxBuffer stays small, however large a frame is, and no buffer grows by the length
+// that a frame only claims. Outgoing frames are appended to txBuffer and leave it by an offset as well.
+// Neither direction moves memory per frame.
+
+namespace easywsclient {
+namespace {
+
+constexpr std::size_t firstRoom = std::size_t{16} * 1024;
+constexpr std::size_t keptRoom = std::size_t{4} * 1024 * 1024; // an empty buffer above this is given back
+constexpr std::size_t readsPerPoll =
+    std::size_t{256} * 1024; // so that a flood can't keep poll() from returning
+
+using MaskKey = std::array<std::uint8_t, 4>;
+constexpr MaskKey masking_key{0xA7, 0x1C, 0x5E, 0x39}; // the same on every frame: the link is local
+
+struct wsheader_type {
+    enum class opcode_type : std::uint8_t {
+        continuation = 0,
+        text = 1,
+        binary = 2,
+        close = 8,
+        ping = 9,
+        pong = 10
+    };
+
+    bool fin;
+    opcode_type opcode;
+    bool mask;
+    unsigned shortLength; // the 7 bits: the length, or which longer form it has
+    std::size_t headerSize;
+    std::uint64_t length;
+    MaskKey key;
+};
+using opcode_type = wsheader_type::opcode_type;
+
+std::uint64_t readBigEndian(std::span<std::uint8_t const> bytes) {
+    std::uint64_t value = 0;
+    for (std::uint8_t const byte : bytes) {
+        value = value << 8 | byte;
+    }
+    return value;
+}
+
+// Nothing when the header isn't complete yet.
+std::optional<wsheader_type> parseHeader(std::span<std::uint8_t const> bytes) {
+    if (bytes.size() < 2) {
+        return std::nullopt;
+    }
+    wsheader_type header{};
+    header.fin = (bytes[0] & 0x80) != 0;
+    header.opcode = static_cast<opcode_type>(bytes[0] & 0x0F);
+    header.mask = (bytes[1] & 0x80) != 0;
+    header.shortLength = bytes[1] & 0x7FU;
+    std::size_t const extended = header.shortLength == 126 ? 2 : header.shortLength == 127 ? 8 : 0;
+    header.headerSize = 2 + extended + (header.mask ? header.key.size() : 0);
+    if (bytes.size() < header.headerSize) {
+        return std::nullopt;
+    }
+    header.length = extended == 0 ? header.shortLength : readBigEndian(bytes.subspan(2, extended));
+    if (header.mask) {
+        std::copy_n(&bytes[2 + extended], header.key.size(), header.key.begin());
+    }
+    return header;
+}
+
+void applyMask(std::span<std::uint8_t> payload, MaskKey const& key) {
+    std::uint64_t wideKey = 0;
+    std::memcpy(&wideKey, key.data(), 4);
+    std::memcpy(reinterpret_cast<char*>(&wideKey) + 4, key.data(), 4);
+    std::size_t i = 0;
+    for (; i + 8 <= payload.size(); i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, &payload[i], 8);
+        word ^= wideKey;
+        std::memcpy(&payload[i], &word, 8);
+    }
+    for (; i < payload.size(); ++i) {
+        payload[i] ^= key[i & 3];
+    }
+}
+
+std::span<std::uint8_t const> bytesOf(std::string const& text) {
+    return {reinterpret_cast<std::uint8_t const*>(text.data()), text.size()};
+}
+
+// Owns a descriptor, so that it is closed exactly once.
+class Descriptor {
+public:
+    explicit Descriptor(int owned = -1) : descriptor(owned) {}
+    Descriptor(Descriptor&& other) noexcept : descriptor(std::exchange(other.descriptor, -1)) {}
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() {
+        close();
+    }
+
+    int get() const {
+        return descriptor;
+    }
+
+    void close() {
+        if (descriptor >= 0) {
+            ::close(std::exchange(descriptor, -1));
+        }
+    }
+
+private:
+    int descriptor;
+};
+
+// Bytes that have arrived and aren't consumed yet, and the room behind them.
+class ReceiveBuffer {
+public:
+    std::size_t size() const {
+        return end - begin;
+    }
+
+    std::span<std::uint8_t> bytes() {
+        return {room.data() + begin, size()};
+    }
+
+    void consume(std::size_t count) {
+        begin += count;
+    }
+
+    void clear() {
+        begin = end = 0;
+    }
+
+    void compact() {
+        if (begin > 0) {
+            std::memmove(room.data(), room.data() + begin, size());
+            end -= std::exchange(begin, 0);
+        }
+    }
+
+    void giveBackLargeRoom() {
+        if (size() == 0 && room.size() > keptRoom) {
+            *this = ReceiveBuffer();
+        }
+    }
+
+    // One read into the room, which is made larger when it gets tight. The result is that of recv().
+    ssize_t read(int descriptor) {
+        if (room.size() - end <= room.size() / 4) {
+            room.resize(std::max(firstRoom, 2 * room.size()));
+        }
+        ssize_t result = 0;
+        do {
+            result = ::recv(descriptor, room.data() + end, room.size() - end, 0);
+        } while (result < 0 && errno == EINTR);
+        end += result > 0 ? static_cast<std::size_t>(result) : 0;
+        return result;
+    }
+
+    bool isFull() const {
+        return end == room.size();
+    }
+
+private:
+    std::vector<std::uint8_t> room; // its size is what a read may use; only begin to end holds bytes
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+ssize_t sendQuietly(int descriptor, std::span<std::uint8_t const> bytes) {
+    ssize_t result = 0;
+    do {
+        result = ::send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
+class _RealWebSocket final : public WebSocket {
+public:
+    _RealWebSocket(Descriptor socket, ReceiveBuffer received, bool useMask)
+        : rxBuffer(std::move(received)),
+          socketDescriptor(std::move(socket)),
+          maskFrames(useMask),
+          arrivedWithUpgrade(rxBuffer.size() > 0) {}
+
+    void poll(int timeout) override {
+        if (readyState == CLOSED) {
+            if (timeout > 0) {
+                wait(timeout);
+            }
+            return;
+        }
+        // Frames that came with the upgrade must not wait for others to follow them.
+        bool const mayWait = !std::exchange(arrivedWithUpgrade, false);
+        short const found = mayWait && timeout != 0 ? wait(timeout) : anything;
+        if ((found & ~POLLOUT) != 0) {
+            receive((found & ~(POLLIN | POLLOUT)) != 0);
+        }
+        if (readyState != CLOSED) {
+            transmit();
+        }
+        if (readyState == CLOSING && unsentBytes() == 0) {
+            end();
+        }
+    }
+
+    void send(std::string const& message) override {
+        sendData(opcode_type::text, bytesOf(message));
+    }
+
+    void sendBinary(std::string const& message) override {
+        sendData(opcode_type::binary, bytesOf(message));
+    }
+
+    void sendBinary(std::vector<unsigned char> const& message) override {
+        sendData(opcode_type::binary, message);
+    }
+
+    void sendPing() override {
+        sendData(opcode_type::ping, {});
+    }
+
+    void close() override {
+        if (readyState < CONNECTING) {
+            return;
+        }
+        readyState = CLOSING;
+        static constexpr std::uint8_t closeFrame[] = {0x88, 0x80, 0x00, 0x00, 0x00, 0x00};
+        txBuffer.insert(txBuffer.end(), std::begin(closeFrame), std::end(closeFrame));
+    }
+
+    readyStateValues getReadyState() const override {
+        return readyState;
+    }
+
+    void _dispatchBinary(BytesCallback_Imp& callable) override {
+        class CallbackAdapter : public Callback_Imp {
+        public:
+            explicit CallbackAdapter(BytesCallback_Imp& wrapped) : callable(wrapped) {}
+            void operator()(std::string const& message) override {
+                callable({message.begin(), message.end()});
+            }
+
+        private:
+            BytesCallback_Imp& callable;
+        };
+        CallbackAdapter adapter(callable);
+        _dispatch(adapter);
+    }
+
+    void _dispatch(Callback_Imp& callable) override {
+        while (!rxFailed && (dataFrame || takeHeader())) {
+            std::size_t const length = std::min<std::uint64_t>(dataFrame->length, rxBuffer.size());
+            appendPayload(length);
+            if (dataFrame->length > 0) {
+                break;
+            }
+            bool const complete = dataFrame->fin;
+            dataFrame.reset();
+            if (complete) {
+                deliver(callable);
+            }
+        }
+        rxBuffer.giveBackLargeRoom();
+    }
+
+    void watch(int descriptor) override {
+        watched = descriptor;
+    }
+
+    std::size_t unsentBytes() const override {
+        return txBuffer.size() - txSent;
+    }
+
+private:
+    // What is assumed about the socket when nobody has waited for it: worth reading until it is dry.
+    static constexpr short anything = POLLIN | POLLRDHUP;
+
+    // Returns what the wait has found out about the socket. A closed one is left out by its descriptor, -1.
+    short wait(int timeout) const {
+        auto const wanted = static_cast<short>(anything | (unsentBytes() > 0 ? POLLOUT : 0));
+        pollfd descriptors[] = {{socketDescriptor.get(), wanted, 0}, {watched, POLLIN, 0}};
+        return ::poll(descriptors, std::size(descriptors), timeout) < 0 ? anything : descriptors[0].revents;
+    }
+
+    // A read that leaves room has emptied the socket. When the peer may have ended the connection, reading
+    // goes on behind that, so that the state shows it at once.
+    void receive(bool untilDry) {
+        if (rxFailed) {
+            rxBuffer.clear();
+        }
+        rxBuffer.compact();
+        std::size_t const enough = rxBuffer.size() + readsPerPoll;
+        while (rxBuffer.size() < enough) {
+            ssize_t const result = rxBuffer.read(socketDescriptor.get());
+            if (result < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+                return;
+            }
+            if (result <= 0) {
+                end();
+                return;
+            }
+            if (!untilDry && !rxBuffer.isFull()) {
+                return;
+            }
+        }
+    }
+
+    void transmit() {
+        while (unsentBytes() > 0) {
+            ssize_t const result = sendQuietly(socketDescriptor.get(), std::span(txBuffer).subspan(txSent));
+            if (result < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+                return;
+            }
+            if (result <= 0) {
+                end();
+                return;
+            }
+            txSent += static_cast<std::size_t>(result);
+        }
+        txSent = 0;
+        txBuffer.clear();
+        if (txBuffer.capacity() > keptRoom) {
+            txBuffer.shrink_to_fit();
+        }
+    }
+
+    void end() {
+        socketDescriptor.close();
+        readyState = CLOSED;
+    }
+
+    void sendData(opcode_type opcode, std::span<std::uint8_t const> payload) {
+        if (readyState < CONNECTING) {
+            return;
+        }
+        if (txSent > txBuffer.size() / 2) {
+            txBuffer.erase(txBuffer.begin(), txBuffer.begin() + static_cast<std::ptrdiff_t>(txSent));
+            txSent = 0;
+        }
+        std::size_t const extended = payload.size() < 126 ? 0 : payload.size() < 65536 ? 2 : 8;
+        std::size_t const shortLength = extended == 0 ? payload.size() : extended == 2 ? 126 : 127;
+        std::size_t const headerSize = 2 + extended + (maskFrames ? masking_key.size() : 0);
+        // Room for all of it first: memory that runs out leaves no half frame behind.
+        std::size_t const start = txBuffer.size();
+        txBuffer.resize(start + headerSize + payload.size());
+        auto out = txBuffer.begin() + static_cast<std::ptrdiff_t>(start);
+        *out++ = static_cast<std::uint8_t>(0x80U | static_cast<unsigned>(opcode));
+        *out++ = static_cast<std::uint8_t>((maskFrames ? 0x80U : 0U) | shortLength);
+        for (std::size_t byte = extended; byte-- > 0;) {
+            *out++ = static_cast<std::uint8_t>(payload.size() >> (8 * byte));
+        }
+        if (maskFrames) {
+            out = std::copy(masking_key.begin(), masking_key.end(), out);
+        }
+        std::copy(payload.begin(), payload.end(), out);
+        if (maskFrames) {
+            applyMask(std::span(txBuffer).last(payload.size()), masking_key);
+        }
+    }
+
+    // Goes on to the next data frame, with its header consumed, and handles the others on the way. False when
+    // there is none yet.
+    bool takeHeader() {
+        while (std::optional<wsheader_type> const header = parseHeader(rxBuffer.bytes())) {
+            if (header->length >> 63 != 0) {
+                rxFailed = true;
+                std::fputs("ERROR: Frame has invalid frame length. Closing.\n", stderr);
+                close();
+                return false;
+            }
+            if (header->opcode <= opcode_type::binary) {
+                rxBuffer.consume(header->headerSize);
+                dataFrame = header;
+                return true;
+            }
+            if (rxBuffer.size() - header->headerSize < header->length) {
+                return false;
+            }
+            takeControlFrame(*header);
+        }
+        return false;
+    }
+
+    void takeControlFrame(wsheader_type const& header) {
+        std::span<std::uint8_t> const payload =
+            rxBuffer.bytes().subspan(header.headerSize, static_cast<std::size_t>(header.length));
+        rxBuffer.consume(header.headerSize + payload.size());
+        if (header.opcode == opcode_type::ping) {
+            if (header.mask) {
+                applyMask(payload, header.key);
+            }
+            sendData(opcode_type::pong, payload);
+        } else if (header.opcode != opcode_type::pong) {
+            close(); // a frame of an unknown kind ends the connection like a close frame
+        }
+    }
+
+    void appendPayload(std::size_t count) {
+        std::span<std::uint8_t> const payload = rxBuffer.bytes().first(count);
+        if (dataFrame->mask) {
+            applyMask(payload, dataFrame->key);
+            MaskKey const key = dataFrame->key; // what follows begins at another byte of it
+            for (std::size_t i = 0; i < key.size(); ++i) {
+                dataFrame->key[i] = key[(i + count) & 3];
+            }
+        }
+        partialMessage.append(reinterpret_cast<char const*>(payload.data()), count);
+        rxBuffer.consume(count);
+        dataFrame->length -= count;
+    }
+
+    // The message is out of the object's state before the callback runs, which may use the object or throw.
+    // Its memory serves the next one, unless it was large.
+    void deliver(Callback_Imp& callable) {
+        std::string message = std::exchange(partialMessage, std::string());
+        callable(message);
+        if (message.capacity() <= keptRoom && partialMessage.empty()) {
+            message.clear();
+            partialMessage = std::move(message);
+        }
+    }
+
+    ReceiveBuffer rxBuffer;
+    std::vector<std::uint8_t> txBuffer;
+    std::size_t txSent = 0;                 // of txBuffer, from its front
+    std::optional<wsheader_type> dataFrame; // the one being taken in: `length` is what is still to come
+    std::string partialMessage;
+    Descriptor socketDescriptor;
+    readyStateValues readyState = OPEN;
+    bool const maskFrames;
+    bool rxFailed = false; // a frame could not be accepted, so where the next one starts is unknown
+    bool arrivedWithUpgrade;
+    int watched = -1;
+};
+
+struct Address {
+    char host[128] = "";
+    int port = 80;
+    char path[128] = "";
+};
+
+// The forms in this order. "%s" matches no empty path: with a port, a URL that ends in a bare slash is the
+// third's.
+std::optional<Address> parseUrl(std::string const& url) {
+    if (url.size() >= sizeof Address::host) {
+        return std::nullopt;
+    }
+    Address address;
+    if (std::sscanf(url.c_str(), "ws://%127[^:/]:%d/%127s", address.host, &address.port, address.path) == 3) {
+        return address;
+    }
+    address.port = 80;
+    if (std::sscanf(url.c_str(), "ws://%127[^:/]/%127s", address.host, address.path) == 2 ||
+        std::sscanf(url.c_str(), "ws://%127[^:/]:%d", address.host, &address.port) == 2 ||
+        std::sscanf(url.c_str(), "ws://%127[^:/]", address.host) == 1) {
+        return address;
+    }
+    return std::nullopt;
+}
+
+// A connect that a signal interrupts goes on in the kernel; its end shows as readiness to write.
+bool connectBlocking(int descriptor, addrinfo const& target) {
+    if (::connect(descriptor, target.ai_addr, target.ai_addrlen) == 0) {
+        return true;
+    }
+    if (errno != EINTR) {
+        return false;
+    }
+    pollfd pending{descriptor, POLLOUT, 0};
+    while (::poll(&pending, 1, -1) < 0 && errno == EINTR) {
+    }
+    int error = 0;
+    socklen_t size = sizeof error;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+}
+
+Descriptor connectTo(Address const& address) {
+    addrinfo hints{};
+    hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(address.host, std::to_string(address.port).c_str(), &hints, &found) != 0) {
+        return Descriptor();
+    }
+    std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> const results(found, &::freeaddrinfo);
+    for (addrinfo const* result = found; result != nullptr; result = result->ai_next) {
+        Descriptor socket(
+            ::socket(result->ai_family, result->ai_socktype | SOCK_CLOEXEC, result->ai_protocol));
+        if (socket.get() >= 0 && connectBlocking(socket.get(), *result)) {
+            return socket;
+        }
+    }
+    return Descriptor();
+}
+
+// All lines leave in one segment. A failure isn't looked at: it shows in the read of the answer.
+void sendUpgrade(int descriptor, Address const& address, std::string const& origin) {
+    std::string request = std::string("GET /") + address.path + " HTTP/1.1\r\nHost: " + address.host;
+    if (address.port != 80) {
+        request += ':';
+        request += std::to_string(address.port);
+    }
+    request += "\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n";
+    if (!origin.empty()) {
+        request += std::string("Origin: ") + origin.c_str() + "\r\n";
+    }
+    request += "Sec-WebSocket-Key: QpV7dKz2RmYt4LsHn8XwBg==\r\n"
+               "Sec-WebSocket-Version: 13\r\n"
+               "Sec-WebSocket-Protocol: event-protocol\r\n"
+               "\r\n";
+    std::span<std::uint8_t const> rest = bytesOf(request);
+    while (!rest.empty()) {
+        ssize_t const result = sendQuietly(descriptor, rest);
+        if (result <= 0) {
+            return;
+        }
+        rest = rest.subspan(static_cast<std::size_t>(result));
+    }
+}
+
+using Line = std::array<char, 256>;
+
+// Reads a line, or the first 255 bytes of it, and puts a terminator behind it. A line has at least 2 bytes:
+// one that starts with a lone line feed runs on. Returns its length, or nothing when the connection has ended
+// or failed.
+std::optional<std::size_t> readLine(int descriptor, ReceiveBuffer& received, Line& line) {
+    std::size_t length = 0;
+    while (length < line.size() - 1 &&
+           (length < 2 || (line[length - 2] != '\r' && line[length - 1] != '\n'))) {
+        if (received.size() == 0) {
+            received.clear();
+            if (received.read(descriptor) <= 0) {
+                return std::nullopt;
+            }
+        }
+        line[length++] = static_cast<char>(received.bytes().front());
+        received.consume(1);
+    }
+    line[length] = '\0';
+    return length;
+}
+
+// The status line must say 101; the headers are skipped, unseen. What is left in `received` are frames.
+bool readUpgradeAnswer(int descriptor, ReceiveBuffer& received) {
+    Line line;
+    std::optional<std::size_t> length = readLine(descriptor, received, line);
+    int status = 0;
+    if (!length || *length == line.size() - 1 || std::sscanf(line.data(), "HTTP/1.1 %d", &status) != 1 ||
+        status != 101) {
+        return false;
+    }
+    do {
+        length = readLine(descriptor, received, line);
+    } while (length && !(line[0] == '\r' && line[1] == '\n'));
+    return length.has_value();
+}
+
+WebSocket* from_url(std::string const& url, std::string const& origin, bool useMask) {
+    std::optional<Address> const address = parseUrl(url);
+    if (!address || origin.size() > 199) {
+        return nullptr;
+    }
+    Descriptor socket = connectTo(*address);
+    if (socket.get() < 0) {
+        return nullptr;
+    }
+    sendUpgrade(socket.get(), *address, origin);
+    ReceiveBuffer received;
+    if (!readUpgradeAnswer(socket.get(), received)) {
+        return nullptr;
+    }
+    int const on = 1; // requests and reports are small and shall leave at once
+    ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    ::fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+    return new _RealWebSocket(std::move(socket), std::move(received), useMask);
+}
+
+} // namespace
+
+WebSocket* WebSocket::from_url(std::string const& url, std::string const& origin) {
+    return easywsclient::from_url(url, origin, true);
+}
+
+} // namespace easywsclient
