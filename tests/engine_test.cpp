@@ -241,7 +241,7 @@ TEST(Engine, NameInBothListsIsDeliveredTwice) {
 
 // Time-outs, side by side: each thread waits for one of its own.
 TEST(Engine, TimeOuts) {
-    ScriptedDaemon silent({}, noName);
+    ScriptedDaemon silent({{.request = "request_current_state"}}, noName);
     ScriptedDaemon absent({}, {.appName = std::nullopt, .listen = false});
     ScriptedDaemon closing({{.request = "request_current_state", .then = Then::closeFrame}}, noName);
     ScriptedDaemon rejecting(
