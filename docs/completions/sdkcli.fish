@@ -136,11 +136,13 @@ complete -c sdkcli -n '__sdkcli_at adapter ratelimit .+' -a unlimited
 complete -c sdkcli -n '__sdkcli_at adapter datalimit "daily|monthly" .+' -a unlimited
 
 complete -c sdkcli -n '__sdkcli_at "firewall|streaming|streamingbypass"' -a 'domains ipv4 ipv6 ports'
-complete -c sdkcli -n '__sdkcli_at "firewall|streaming|streamingbypass" "domains|ipv4|ipv6|ports"' -a 'add rem set'
+complete -c sdkcli -n '__sdkcli_at "firewall|streaming|streamingbypass" "domains|ipv4|ipv6|ports"' \
+    -a 'add rem set'
 complete -c sdkcli -n '__sdkcli_at firewall' -a mode
 complete -c sdkcli -n '__sdkcli_at firewall mode' -a 'off allowlist denylist'
 complete -c sdkcli -n '__sdkcli_at streamingbypass' -a service
-complete -c sdkcli -n '__sdkcli_at streamingbypass service' -a '(__sdkcli_ask streamingbypass title)' -d Service
+complete -c sdkcli -n '__sdkcli_at streamingbypass service' \
+    -a '(__sdkcli_ask streamingbypass title)' -d Service
 complete -c sdkcli -n '__sdkcli_at streamingbypass service .+' -a 'on off'
 
 for periods in '' '.+' '.+ .+' '.+ .+ .+' '.+ .+ .+ .+'
@@ -148,7 +150,8 @@ for periods in '' '.+' '.+ .+' '.+ .+ .+' '.+ .+ .+ .+'
 end
 
 complete -c sdkcli -n '__sdkcli_at safebrowsing' \
-    -a 'initialize config enable errors stats redirects loglevel token homenetwork override settings start stop update'
+    -a 'initialize config enable errors stats redirects loglevel token homenetwork'
+complete -c sdkcli -n '__sdkcli_at safebrowsing' -a 'override settings start stop update'
 complete -c sdkcli -n '__sdkcli_at safebrowsing enable' -a 'on off'
 complete -c sdkcli -n '__sdkcli_at safebrowsing loglevel' -a 'trace debug info warning error'
 complete -c sdkcli -n '__sdkcli_at safebrowsing override' -a 'none unsafe safe'
