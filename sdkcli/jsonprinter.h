@@ -28,3 +28,8 @@ Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned co
 // telemetry
 
 // safebrowsing
+void printSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult const& result);
+void printSafeBrowsingConnectError(KelvarisSDK_SafeBrowsingResult const& result);
+void printSafeBrowsingErrorResult(KelvarisSDK_SafeBrowsingErrorResult const& result);
+void printSafeBrowsingBlockResult(KelvarisSDK_SafeBrowsingBlockResult const& result);
+void printSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult const& result);

@@ -39,6 +39,34 @@ public:
     // telemetry
 
     // safebrowsing
+    KelvarisSDK_SafeBrowsingResult
+    initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingConfig(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingEnabled(bool enable, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level,
+                                                           KelvarisSDK_SafeBrowsingCallback callback,
+                                                           void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
+                                       KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    // Unlike the others, with its own arguments last.
+    KelvarisSDK_SafeBrowsingResult reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback,
+                                                                 void* userData, unsigned int retries,
+                                                                 unsigned long long delay,
+                                                                 unsigned long long timeout);
+    KelvarisSDK_SafeBrowsingResult
+    updateSafeBrowsingExtraInfo(char const* info, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult getSafeBrowsing(KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingErrorResult
+    listenForSafeBrowsingError(KelvarisSDK_SafeBrowsingErrorCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingBlockResult
+    listenForSafeBrowsingBlock(KelvarisSDK_SafeBrowsingBlockCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingStatsResult getSafeBrowsingStats(KelvarisSDK_SafeBrowsingStatsCallback callback,
+                                                             void* userData);
 
 protected:
     // Constant after construction.

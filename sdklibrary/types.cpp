@@ -115,3 +115,32 @@ const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol)
 // telemetry
 
 // safebrowsing
+
+const char* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level) {
+    switch (level) {
+    case KelvarisSDK_SafeBrowsingLogLevel_DEBUG:
+        break;
+    case KelvarisSDK_SafeBrowsingLogLevel_INFO:
+        return "info";
+    case KelvarisSDK_SafeBrowsingLogLevel_ERROR:
+        return "error";
+    case KelvarisSDK_SafeBrowsingLogLevel_TRACE:
+        return "trace";
+    case KelvarisSDK_SafeBrowsingLogLevel_WARNING:
+        return "warning";
+    }
+    return "debug";
+}
+
+const char*
+KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(KelvarisSDK_SafeBrowsingSafeNetworkOverride value) {
+    switch (value) {
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_NONE:
+        break;
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_UNSAFE:
+        return "unsafe";
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE:
+        return "safe";
+    }
+    return "none";
+}

@@ -20,3 +20,4 @@ int showAction(int argc, char* argv[]);
 // telemetry
 
 // safebrowsing
+int safeBrowsingAction(int argc, char* argv[]);
