@@ -5,5 +5,7 @@ namespace kelvarissim {
 class Registry;
 
 void registerCore(Registry& registry);
+void registerSettings(Registry& registry);
+void registerAdapters(Registry& registry);
 
 } // namespace kelvarissim

@@ -11,6 +11,8 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
+    registerSettings(registry);
+    registerAdapters(registry);
 }
 
 int run(const std::vector<std::string>& words) {
