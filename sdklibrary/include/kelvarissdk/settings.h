@@ -57,11 +57,13 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_GetSettings(KelvarisSDK_H
                                                                    KelvarisSDK_SettingsCallback callback,
                                                                    void* userData);
 
+/** How several adapters are used at once. A mode without a name is sent as speed. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetMode(KelvarisSDK_Handle* sdk,
                                                                KelvarisSDK_BondingMode mode,
                                                                KelvarisSDK_SettingsCallback callback,
                                                                void* userData);
 
+/** How the packets travel. A mode without a name is sent as auto. */
 KELVARISSDK_API KelvarisSDK_SettingsResult
 KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk, KelvarisSDK_TransportMode mode,
                                        KelvarisSDK_SettingsCallback callback, void* userData);
@@ -70,6 +72,7 @@ KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk, KelvarisSDK_Tran
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetTunnelEncrypted(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
+/** Uses packets above the usual size on the tunnel's device. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisSDK_Handle* sdk, bool enable,
                                                                        KelvarisSDK_SettingsCallback callback,
                                                                        void* userData);
@@ -78,6 +81,7 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisS
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetPacketAggregation(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
+/** Compresses the headers of the tunnel's packets. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetHeaderCompression(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
@@ -93,7 +97,7 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Replaces the forwarded ports: the first 20 of `ports` are sent, none of them clears the list. */
+/** Replaces the forwarded ports by the first 20 of `ports`; count 0 clears the list. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk,
                                                                        unsigned short count,
                                                                        KelvarisSDK_ProtocolPortPair* ports,
@@ -125,8 +129,8 @@ KELVARISSDK_API KelvarisSDK_PrivacySettingsResult KelvarisSDK_GetPrivacySettings
     KelvarisSDK_Handle* sdk, KelvarisSDK_PrivacySettingsCallback callback, void* userData);
 
 /**
- * Replaces the DNS servers: the first 3 of `addresses` are sent, none of them clears the list. The daemon
- * judges whether they are addresses. A text of 46 bytes runs on into the element behind it.
+ * Replaces the DNS servers by the first 3 of `addresses`; count 0 clears the list. The daemon judges whether
+ * they are addresses. A text of 46 bytes runs on into the element behind it.
  */
 KELVARISSDK_API KelvarisSDK_PrivacySettingsResult
 KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count, char (*addresses)[46],
