@@ -48,7 +48,181 @@ KelvarisSDK_BaseResult KelvarisSDK_DaemonExit(KelvarisSDK_Handle* sdk) {
 
 // settings
 
+KelvarisSDK_SettingsResult KelvarisSDK_GetSettings(KelvarisSDK_Handle* sdk,
+                                                   KelvarisSDK_SettingsCallback callback, void* userData) {
+    return object(sdk)->getSettings(callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetMode(KelvarisSDK_Handle* sdk, KelvarisSDK_BondingMode mode,
+                                               KelvarisSDK_SettingsCallback callback, void* userData) {
+    return object(sdk)->setMode(mode, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk,
+                                                                  KelvarisSDK_TransportMode mode,
+                                                                  KelvarisSDK_SettingsCallback callback,
+                                                                  void* userData) {
+    return object(sdk)->setConnectionTransportMode(mode, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetTunnelEncrypted(KelvarisSDK_Handle* sdk, bool enable,
+                                                          KelvarisSDK_SettingsCallback callback,
+                                                          void* userData) {
+    return object(sdk)->setTunnelEncrypted(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisSDK_Handle* sdk, bool enable,
+                                                       KelvarisSDK_SettingsCallback callback,
+                                                       void* userData) {
+    return object(sdk)->setJumboPackets(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetPacketAggregation(KelvarisSDK_Handle* sdk, bool enable,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setPacketAggregation(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetHeaderCompression(KelvarisSDK_Handle* sdk, bool enable,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setHeaderCompression(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetStartupConnect(KelvarisSDK_Handle* sdk, bool connect,
+                                                         KelvarisSDK_SettingsCallback callback,
+                                                         void* userData) {
+    return object(sdk)->setStartupConnect(connect, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(KelvarisSDK_Handle* sdk, double speed,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setOverflowThreshold(speed, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(KelvarisSDK_Handle* sdk, bool enable,
+                                                             KelvarisSDK_SettingsCallback callback,
+                                                             void* userData) {
+    return object(sdk)->setEnableDefaultRoute(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk, unsigned short count,
+                                                       KelvarisSDK_ProtocolPortPair* ports,
+                                                       KelvarisSDK_SettingsCallback callback,
+                                                       void* userData) {
+    return object(sdk)->setForwardPorts(count, ports, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                               bool enable,
+                                                               KelvarisSDK_SettingsCallback callback,
+                                                               void* userData) {
+    return object(sdk)->setConnectionEncryption(adapterID, enable, callback, userData);
+}
+
+KelvarisSDK_PrivacySettingsResult KelvarisSDK_GetPrivacySettings(KelvarisSDK_Handle* sdk,
+                                                                 KelvarisSDK_PrivacySettingsCallback callback,
+                                                                 void* userData) {
+    return object(sdk)->getPrivacySettings(callback, userData);
+}
+
+KelvarisSDK_PrivacySettingsResult KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count,
+                                                            char (*addresses)[46],
+                                                            KelvarisSDK_PrivacySettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setDNSServers(count, addresses, callback, userData);
+}
+
+KelvarisSDK_CaptivePortalCheckResult
+KelvarisSDK_CheckForCaptivePortals(KelvarisSDK_Handle* sdk, KelvarisSDK_CaptivePortalCheckCallback callback,
+                                   void* userData) {
+    return object(sdk)->checkForCaptivePortals(callback, userData);
+}
+
+KelvarisSDK_CaptivePortalLoginResult
+KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, const char* adapterID,
+                                      KelvarisSDK_CaptivePortalLoginCallback callback, void* userData) {
+    return object(sdk)->setCaptivePortalLoginMode(enable, adapterID, callback, userData);
+}
+
 // adapters
+
+KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_Handle* sdk,
+                                                   KelvarisSDK_AdaptersCallback callback, void* userData) {
+    return object(sdk)->getAdapters(callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                               KelvarisSDK_ConnectionPriority priority,
+                                                               KelvarisSDK_AdaptersCallback callback,
+                                                               void* userData) {
+    return object(sdk)->setConnectionPriorities(adapterID, priority, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                              long long bitsPerSecond,
+                                                              KelvarisSDK_AdaptersCallback callback,
+                                                              void* userData) {
+    return object(sdk)->setConnectionRateLimit(adapterID, bitsPerSecond, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_ResetConnectionRateLimit(KelvarisSDK_Handle* sdk,
+                                                                const char* adapterID,
+                                                                KelvarisSDK_AdaptersCallback callback,
+                                                                void* userData) {
+    return object(sdk)->resetConnectionRateLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                  const char* adapterID, long long bytes,
+                                                                  long long resetDay,
+                                                                  KelvarisSDK_AdaptersCallback callback,
+                                                                  void* userData) {
+    return object(sdk)->setAdapterMonthlyDataLimit(adapterID, bytes, resetDay, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                      const char* adapterID,
+                                                                      KelvarisSDK_AdaptersCallback callback,
+                                                                      void* userData) {
+    return object(sdk)->disableAdapterMonthlyDataLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                const char* adapterID, long long bytes,
+                                                                KelvarisSDK_AdaptersCallback callback,
+                                                                void* userData) {
+    return object(sdk)->setAdapterDailyDataLimit(adapterID, bytes, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                    const char* adapterID,
+                                                                    KelvarisSDK_AdaptersCallback callback,
+                                                                    void* userData) {
+    return object(sdk)->disableAdapterDailyDataLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk,
+                                                                     const char* adapterID, long long bytes,
+                                                                     KelvarisSDK_AdaptersCallback callback,
+                                                                     void* userData) {
+    return object(sdk)->addAdapterDailyDataLimitBoost(adapterID, bytes, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterOverlimitRateLimit(KelvarisSDK_Handle* sdk,
+                                                                    const char* adapterID,
+                                                                    long long bitsPerSecond,
+                                                                    KelvarisSDK_AdaptersCallback callback,
+                                                                    void* userData) {
+    return object(sdk)->setAdapterOverlimitRatelimit(adapterID, bitsPerSecond, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                         KelvarisSDK_AdaptersCallback callback,
+                                                         void* userData) {
+    return object(sdk)->resetAdapterUsage(adapterID, callback, userData);
+}
 
 // lists
 

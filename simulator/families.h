@@ -6,5 +6,7 @@ class Registry;
 
 void registerCore(Registry& registry);
 void registerSafeBrowsing(Registry& registry);
+void registerSettings(Registry& registry);
+void registerAdapters(Registry& registry);
 
 } // namespace kelvarissim

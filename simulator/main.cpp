@@ -12,6 +12,8 @@ namespace {
 void registerFamilies(Registry& registry) {
     registerCore(registry);
     registerSafeBrowsing(registry);
+    registerSettings(registry);
+    registerAdapters(registry);
 }
 
 int run(const std::vector<std::string>& words) {

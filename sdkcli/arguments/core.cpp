@@ -36,8 +36,10 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "settings")) return requestConnectionSettings();
+    if (is(word, "privacy")) return requestPrivacySettings();
+    if (is(word, "adapters")) return requestAdapters();
     // clang-format on
 
-    (void)word;
     return invalid(usage);
 }

@@ -52,6 +52,8 @@
 #define KELVARISSDK_CSDKINTERFACE_H
 
 #include <kelvarissdk/safebrowsing.h>
+#include <kelvarissdk/adapters.h>
+#include <kelvarissdk/settings.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
