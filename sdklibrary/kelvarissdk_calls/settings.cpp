@@ -69,7 +69,10 @@ void setConnectionSettings(KelvarisSDK_SettingsResult& result, Json::Value const
     result.bondingMode = bondingModeFrom(settings[Keys::_algorithm]);
     result.startupConnect = settings[Keys::_startup_connect].asBool();
     result.transportMode = transportModeFrom(settings[Keys::_transport_mode]);
-    fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports], setPortPair);
+    if (settings.isMember(Keys::_forward_ports)) { // without it the ports of an earlier report stand
+        fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports],
+                  setPortPair);
+    }
     result.perConnectionEncryptionEnabled = settings[Keys::_perconn_encryption].asBool();
     // The adapters' settings are stale while they aren't in force; their numbers of sockets always hold.
     fillByAdapter(result.perConnectionEncryptionCount, result.perConnectionEncryptionSettings,
