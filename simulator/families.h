@@ -5,5 +5,7 @@ namespace kelvarissim {
 class Registry;
 
 void registerCore(Registry& registry);
+void registerSession(Registry& registry);
+void registerDirectorySettings(Registry& registry);
 
 } // namespace kelvarissim

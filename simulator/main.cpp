@@ -11,6 +11,8 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
+    registerSession(registry);
+    registerDirectorySettings(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -36,8 +36,14 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "countries")) return requestServers();
+    if (is(word, "cities")) return requestServers();
+    if (is(word, "servers")) return requestServers();
+    if (is(word, "currentserver")) return requestCurrentServer();
+    if (is(word, "user")) return requestUserData();
+    if (is(word, "directory")) return requestDirectory();
+    if (is(word, "connectmethod")) return requestServerSettings();
     // clang-format on
 
-    (void)word;
     return invalid(usage);
 }
