@@ -29,6 +29,15 @@ int processArgs(int argc, char* argv[]) {
     if (is(keyword, "adapter")) return adapterAction(argc, argv);
     if (is(keyword, "transport")) return transportAction(argc, argv);
     if (is(keyword, "privacy")) return privacyAction(argc);
+    if (is(keyword, "connect")) return connectAction(argc, argv);
+    if (is(keyword, "connectmethod")) return connectMethodAction(argc, argv);
+    if (is(keyword, "disconnect")) return disconnectAction(argc);
+    if (is(keyword, "login")) return loginAction(argc, argv);
+    if (is(keyword, "directory")) return directoryAction(argc, argv);
+    if (is(keyword, "gateway")) return gatewayAction(argc, argv);
+    if (is(keyword, "esni")) return esniAction(argc, argv);
+    if (is(keyword, "logout")) return logoutAction(argc);
+    if (is(keyword, "show")) return showAction(argc, argv);
     if (is(keyword, "version")) return versionAction(argc);
     if (is(keyword, "daemon")) return daemonAction(argc, argv);
     if (is(keyword, "dns")) return dnsAction(argc, argv);

@@ -18,6 +18,11 @@ void printVersionResult(KelvarisSDK_VersionResult const& result);
 Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned count);
 
 // session
+void printAccountingResult(KelvarisSDK_AccountingResult const& result);
+void printDirectoryResult(KelvarisSDK_DirectoryResult const& result);
+void printConnectResult(KelvarisSDK_ConnectResult const& result);
+void printServerSettingsResult(KelvarisSDK_ServerSettingsResult const& result);
+void printDirectorySettingsResult(KelvarisSDK_DirectorySettingsResult const& result);
 
 // settings
 void printSettingsResult(KelvarisSDK_SettingsResult const& result);

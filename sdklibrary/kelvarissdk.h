@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include <kelvarissdk/csdkinterface.h>
 
@@ -29,6 +30,61 @@ public:
     KelvarisSDK_BaseResult daemonExit();
 
     // session
+    KelvarisSDK_StateResult login(char const* username, char const* password,
+                                  KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult loginOAuth(char const* token, KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult logout(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_AccountingResult getAccountingData(KelvarisSDK_AccountingCallback callback, void* userData);
+
+    KelvarisSDK_DirectoryResult getDirectory(KelvarisSDK_DirectoryCallback callback, void* userData);
+
+    KelvarisSDK_ConnectResult connectAuto(KelvarisSDK_AutoConnectMethod method,
+                                          KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectCountry(char const* country, KelvarisSDK_ConnectCallback callback,
+                                             void* userData);
+    KelvarisSDK_ConnectResult connectCity(char const* country, char const* city,
+                                          KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectServer(char const* country, char const* city, int num,
+                                            KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectProxy(KelvarisSDK_ConnectCallback callback, void* userData);
+    // By the text that names a server or a way to choose one.
+    KelvarisSDK_ConnectResult connectCombined(std::string const& server, KelvarisSDK_ConnectCallback callback,
+                                              void* userData);
+    KelvarisSDK_StateResult disconnect(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_ConnectResult getConnectedServer(KelvarisSDK_ConnectCallback callback, void* userData);
+
+    KelvarisSDK_ServerSettingsResult getServerSettings(KelvarisSDK_ServerSettingsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodAuto(KelvarisSDK_AutoConnectMethod method,
+                                                          KelvarisSDK_ServerSettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_ServerSettingsResult
+    setConnectMethodCountry(char const* country, KelvarisSDK_ServerSettingsCallback callback, void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodCity(char const* country, char const* city,
+                                                          KelvarisSDK_ServerSettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodServer(char const* country, char const* city, int num,
+                                                            KelvarisSDK_ServerSettingsCallback callback,
+                                                            void* userData);
+    // By the texts of the request.
+    KelvarisSDK_ServerSettingsResult setConnectMethodCombined(std::string const& method,
+                                                              std::string const& countryCode,
+                                                              KelvarisSDK_ServerSettingsCallback callback,
+                                                              void* userData);
+
+    KelvarisSDK_DirectorySettingsResult getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback,
+                                                             void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback,
+                                                             void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    resetDirectoryGatewayURI(KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
     // settings
     KelvarisSDK_SettingsResult getSettings(KelvarisSDK_SettingsCallback callback, void* userData);

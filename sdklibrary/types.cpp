@@ -1,6 +1,13 @@
-// The texts of the enumerations.
+// The texts of the enumerations, and the names of servers.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
 
 #include <kelvarissdk/csdkinterface.h>
+
+#include "locationnames.h"
 
 // core
 
@@ -105,6 +112,92 @@ const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol)
 }
 
 // session
+
+const char* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type) {
+    switch (type) {
+    case KelvarisSDK_AccountPaymentType_FREE:
+        return "free";
+    case KelvarisSDK_AccountPaymentType_MONTHLY:
+        return "monthly";
+    case KelvarisSDK_AccountPaymentType_YEARLY:
+        return "yearly";
+    }
+    return "Unknown payment type";
+}
+
+const char* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method) {
+    switch (method) {
+    case KelvarisSDK_AutoConnectMethod_CLOSEST:
+        break;
+    case KelvarisSDK_AutoConnectMethod_PRIVATE:
+        return "private";
+    case KelvarisSDK_AutoConnectMethod_PUBLIC:
+        return "public";
+    case KelvarisSDK_AutoConnectMethod_LAST:
+        return "last";
+    case KelvarisSDK_AutoConnectMethod_P2P:
+        return "p2p";
+    case KelvarisSDK_AutoConnectMethod_AUTO:
+        return "auto";
+    case KelvarisSDK_AutoConnectMethod_COUNTRY:
+        return "country";
+    case KelvarisSDK_AutoConnectMethod_PROXY:
+        return "proxy";
+    }
+    return "closest";
+}
+
+namespace {
+
+// A static result: 100 bytes of text, and a zero byte behind them that nothing overwrites.
+class NameBuffer {
+public:
+    char const* set(std::string const& name) {
+        std::strncpy(bytes, name.c_str(), sizeof(bytes) - 1);
+        return bytes;
+    }
+
+private:
+    char bytes[100 + 1];
+};
+
+NameBuffer serverInfo_buffer_country;
+NameBuffer serverInfo_buffer_city;
+NameBuffer serverInfo_buffer_fullName;
+
+// A code up to its first zero byte: a full field runs on into the next, but never past the record.
+std::string codeIn(KelvarisSDK_ServerInformation const& info, char const* field) {
+    char const* const end = reinterpret_cast<char const*>(&info + 1);
+    return {field, std::find(field, end, '\0')};
+}
+
+} // namespace
+
+const char* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
+    return serverInfo_buffer_country.set(kelvarissdk::getCountry(codeIn(info, info.country)));
+}
+
+const char* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
+    return serverInfo_buffer_city.set(kelvarissdk::getCity(codeIn(info, info.city)));
+}
+
+const char* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
+    std::string name = KelvarisSDK_ServerInformation_GetCountryName(info);
+    std::string const city = KelvarisSDK_ServerInformation_GetCityName(info);
+    if (!city.empty()) {
+        name += " - " + city;
+    }
+    if (info.num > 0) {
+        name += " #" + std::to_string(info.num);
+    }
+    return serverInfo_buffer_fullName.set(name);
+}
+
+const char* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info) {
+    KelvarisSDK_ServerInformation leading{};
+    std::memcpy(&leading, &info, offsetof(KelvarisSDK_ServerInformationDetailed, torrentAllowed));
+    return KelvarisSDK_ServerInformation_toString(leading);
+}
 
 // settings
 

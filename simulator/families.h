@@ -8,5 +8,7 @@ void registerCore(Registry& registry);
 void registerSafeBrowsing(Registry& registry);
 void registerSettings(Registry& registry);
 void registerAdapters(Registry& registry);
+void registerSession(Registry& registry);
+void registerDirectorySettings(Registry& registry);
 
 } // namespace kelvarissim

@@ -14,6 +14,8 @@ void registerFamilies(Registry& registry) {
     registerSafeBrowsing(registry);
     registerSettings(registry);
     registerAdapters(registry);
+    registerSession(registry);
+    registerDirectorySettings(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -10,6 +10,14 @@ int daemonAction(int argc, char* argv[]);
 int showAction(int argc, char* argv[]);
 
 // session
+int loginAction(int argc, char* argv[]);
+int logoutAction(int argc);
+int connectAction(int argc, char* argv[]);
+int disconnectAction(int argc);
+int connectMethodAction(int argc, char* argv[]);
+int directoryAction(int argc, char* argv[]);
+int gatewayAction(int argc, char* argv[]);
+int esniAction(int argc, char* argv[]);
 
 // settings
 int modeAction(int argc, char* argv[]);

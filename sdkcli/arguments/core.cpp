@@ -39,6 +39,13 @@ int showAction(int argc, char* argv[]) {
     if (is(word, "settings")) return requestConnectionSettings();
     if (is(word, "privacy")) return requestPrivacySettings();
     if (is(word, "adapters")) return requestAdapters();
+    if (is(word, "countries")) return requestServers();
+    if (is(word, "cities")) return requestServers();
+    if (is(word, "servers")) return requestServers();
+    if (is(word, "currentserver")) return requestCurrentServer();
+    if (is(word, "user")) return requestUserData();
+    if (is(word, "directory")) return requestDirectory();
+    if (is(word, "connectmethod")) return requestServerSettings();
     // clang-format on
 
     return invalid(usage);

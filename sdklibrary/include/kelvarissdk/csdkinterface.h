@@ -54,6 +54,7 @@
 #include <kelvarissdk/safebrowsing.h>
 #include <kelvarissdk/adapters.h>
 #include <kelvarissdk/settings.h>
+#include <kelvarissdk/session.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
