@@ -16,6 +16,8 @@ int processArgs(int argc, char* argv[]) {
 
     // clang-format off
     if (is(keyword, "state")) return stateAction(argc);
+    if (is(keyword, "show")) return showAction(argc, argv);
+    if (is(keyword, "adapter")) return adapterAction(argc, argv);
     if (is(keyword, "version")) return versionAction(argc);
     if (is(keyword, "daemon")) return daemonAction(argc, argv);
     // clang-format on

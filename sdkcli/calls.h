@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <kelvarissdk/csdkinterface.h>
+
 // core
 int requestState();
 int requestVersion();
@@ -13,6 +15,17 @@ int requestExit();
 // settings
 
 // adapters
+int requestAdapters();
+int setAdapterPriority(char const* adapterID, KelvarisSDK_ConnectionPriority priority);
+int setAdapterRateLimit(char const* adapterID, long long bitsPerSecond);
+int resetConnectionRateLimit(char const* adapterID);
+int setAdapterMonthlyDataLimit(char const* adapterID, long long bytes, long long resetDay);
+int disableAdapterMonthlyDataLimit(char const* adapterID);
+int setAdapterDailyDataLimit(char const* adapterID, long long bytes);
+int disableAdapterDailyDataLimit(char const* adapterID);
+int addAdapterDailyDataLimitBoost(char const* adapterID, long long bytes);
+int setAdapterOverlimitRatelimit(char const* adapterID, long long bitsPerSecond);
+int resetAdapterUsage(char const* adapterID);
 
 // lists
 

@@ -22,6 +22,7 @@ Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned co
 // settings
 
 // adapters
+void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);
 
 // lists
 

@@ -50,6 +50,82 @@ KelvarisSDK_BaseResult KelvarisSDK_DaemonExit(KelvarisSDK_Handle* sdk) {
 
 // adapters
 
+KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_Handle* sdk,
+                                                   KelvarisSDK_AdaptersCallback callback, void* userData) {
+    return object(sdk)->getAdapters(callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                               KelvarisSDK_ConnectionPriority priority,
+                                                               KelvarisSDK_AdaptersCallback callback,
+                                                               void* userData) {
+    return object(sdk)->setConnectionPriorities(adapterID, priority, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                              long long bitsPerSecond,
+                                                              KelvarisSDK_AdaptersCallback callback,
+                                                              void* userData) {
+    return object(sdk)->setConnectionRateLimit(adapterID, bitsPerSecond, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_ResetConnectionRateLimit(KelvarisSDK_Handle* sdk,
+                                                                const char* adapterID,
+                                                                KelvarisSDK_AdaptersCallback callback,
+                                                                void* userData) {
+    return object(sdk)->resetConnectionRateLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                  const char* adapterID, long long bytes,
+                                                                  long long resetDay,
+                                                                  KelvarisSDK_AdaptersCallback callback,
+                                                                  void* userData) {
+    return object(sdk)->setAdapterMonthlyDataLimit(adapterID, bytes, resetDay, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                      const char* adapterID,
+                                                                      KelvarisSDK_AdaptersCallback callback,
+                                                                      void* userData) {
+    return object(sdk)->disableAdapterMonthlyDataLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                const char* adapterID, long long bytes,
+                                                                KelvarisSDK_AdaptersCallback callback,
+                                                                void* userData) {
+    return object(sdk)->setAdapterDailyDataLimit(adapterID, bytes, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
+                                                                    const char* adapterID,
+                                                                    KelvarisSDK_AdaptersCallback callback,
+                                                                    void* userData) {
+    return object(sdk)->disableAdapterDailyDataLimit(adapterID, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk,
+                                                                     const char* adapterID, long long bytes,
+                                                                     KelvarisSDK_AdaptersCallback callback,
+                                                                     void* userData) {
+    return object(sdk)->addAdapterDailyDataLimitBoost(adapterID, bytes, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterOverlimitRateLimit(KelvarisSDK_Handle* sdk,
+                                                                    const char* adapterID,
+                                                                    long long bitsPerSecond,
+                                                                    KelvarisSDK_AdaptersCallback callback,
+                                                                    void* userData) {
+    return object(sdk)->setAdapterOverlimitRatelimit(adapterID, bitsPerSecond, callback, userData);
+}
+
+KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                         KelvarisSDK_AdaptersCallback callback,
+                                                         void* userData) {
+    return object(sdk)->resetAdapterUsage(adapterID, callback, userData);
+}
+
 // lists
 
 // telemetry

@@ -36,6 +36,35 @@ public:
     // settings
 
     // adapters
+    KelvarisSDK_AdaptersResult getAdapters(KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setConnectionPriorities(char const* adapterID,
+                                                       KelvarisSDK_ConnectionPriority priority,
+                                                       KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setConnectionRateLimit(char const* adapterID, long long bitsPerSecond,
+                                                      KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult
+    resetConnectionRateLimit(char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setAdapterMonthlyDataLimit(char const* adapterID, long long bytes,
+                                                          long long resetDay,
+                                                          KelvarisSDK_AdaptersCallback callback,
+                                                          void* userData);
+    KelvarisSDK_AdaptersResult disableAdapterMonthlyDataLimit(char const* adapterID,
+                                                              KelvarisSDK_AdaptersCallback callback,
+                                                              void* userData);
+    KelvarisSDK_AdaptersResult setAdapterDailyDataLimit(char const* adapterID, long long bytes,
+                                                        KelvarisSDK_AdaptersCallback callback,
+                                                        void* userData);
+    KelvarisSDK_AdaptersResult disableAdapterDailyDataLimit(char const* adapterID,
+                                                            KelvarisSDK_AdaptersCallback callback,
+                                                            void* userData);
+    KelvarisSDK_AdaptersResult addAdapterDailyDataLimitBoost(char const* adapterID, long long bytes,
+                                                             KelvarisSDK_AdaptersCallback callback,
+                                                             void* userData);
+    KelvarisSDK_AdaptersResult setAdapterOverlimitRatelimit(char const* adapterID, long long bitsPerSecond,
+                                                            KelvarisSDK_AdaptersCallback callback,
+                                                            void* userData);
+    KelvarisSDK_AdaptersResult resetAdapterUsage(char const* adapterID, KelvarisSDK_AdaptersCallback callback,
+                                                 void* userData);
 
     // lists
 

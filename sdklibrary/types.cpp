@@ -110,6 +110,52 @@ const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol)
 
 // adapters
 
+const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state) {
+    switch (state) {
+    case KelvarisSDK_ConnectionState_DISCONNECTED:
+        break;
+    case KelvarisSDK_ConnectionState_CONNECTING:
+        return "connecting";
+    case KelvarisSDK_ConnectionState_CONNECTED:
+        return "connected";
+    }
+    return "disconnected";
+}
+
+const char* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type) {
+    switch (type) {
+    case KelvarisSDK_NetworkType_WIFI:
+        break;
+    case KelvarisSDK_NetworkType_ETHERNET:
+        return "Ethernet";
+    case KelvarisSDK_NetworkType_CELLULAR:
+        return "Cellular";
+    case KelvarisSDK_NetworkType_VPN:
+        return "VPN";
+    case KelvarisSDK_NetworkType_LOOPBACK:
+        return "Loopback";
+    case KelvarisSDK_NetworkType_BLUETOOTH:
+        return "Bluetooth";
+    case KelvarisSDK_NetworkType_UNKNOWN:
+        return "Unknown";
+    }
+    return "Wi-Fi";
+}
+
+const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority) {
+    switch (priority) {
+    case KelvarisSDK_ConnectionPriority_ALWAYS:
+        break;
+    case KelvarisSDK_ConnectionPriority_SECONDARY:
+        return "secondary";
+    case KelvarisSDK_ConnectionPriority_BACKUP:
+        return "backup";
+    case KelvarisSDK_ConnectionPriority_NEVER:
+        return "never";
+    }
+    return "always";
+}
+
 // lists
 
 // telemetry

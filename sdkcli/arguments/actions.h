@@ -14,6 +14,7 @@ int showAction(int argc, char* argv[]);
 // settings
 
 // adapters
+int adapterAction(int argc, char* argv[]);
 
 // lists
 

@@ -36,8 +36,8 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "adapters")) return requestAdapters();
     // clang-format on
 
-    (void)word;
     return invalid(usage);
 }

@@ -52,6 +52,7 @@
 #define KELVARISSDK_CSDKINTERFACE_H
 
 #include <kelvarissdk/telemetry.h>
+#include <kelvarissdk/adapters.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
