@@ -17,9 +17,12 @@ int processArgs(int argc, char* argv[]) {
     // clang-format off
     if (is(keyword, "state")) return stateAction(argc);
     if (is(keyword, "show")) return showAction(argc, argv);
+    if (is(keyword, "stats")) return statsAction(argc, argv);
     if (is(keyword, "adapter")) return adapterAction(argc, argv);
     if (is(keyword, "version")) return versionAction(argc);
     if (is(keyword, "daemon")) return daemonAction(argc, argv);
+    if (is(keyword, "speedtest")) return speedtestAction();
+    if (is(keyword, "streamtest")) return streamtestAction();
     // clang-format on
 
     showUsage(1);

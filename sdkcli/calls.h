@@ -30,5 +30,10 @@ int resetAdapterUsage(char const* adapterID);
 // lists
 
 // telemetry
+int requestStats(int duration, unsigned char count, unsigned int const* periods);
+int requestLastDisconnectEvent();
+int startSpeedtest();
+int startStreamtest();
+int requestSpeedTestResults();
 
 // safebrowsing

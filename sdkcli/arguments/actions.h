@@ -19,5 +19,8 @@ int adapterAction(int argc, char* argv[]);
 // lists
 
 // telemetry
+int statsAction(int argc, char* argv[]);
+int speedtestAction();
+int streamtestAction();
 
 // safebrowsing

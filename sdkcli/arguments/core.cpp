@@ -37,6 +37,8 @@ int showAction(int argc, char* argv[]) {
 
     // clang-format off
     if (is(word, "adapters")) return requestAdapters();
+    if (is(word, "disconnect")) return requestLastDisconnectEvent();
+    if (is(word, "speedtest")) return requestSpeedTestResults();
     // clang-format on
 
     return invalid(usage);

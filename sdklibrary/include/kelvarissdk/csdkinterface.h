@@ -51,8 +51,8 @@
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
 
-#include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/adapters.h>
+#include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
