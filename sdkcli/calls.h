@@ -13,6 +13,23 @@ int requestExit();
 // session
 
 // settings
+int requestConnectionSettings();
+int setMode(KelvarisSDK_BondingMode mode);
+int setTransportMode(KelvarisSDK_TransportMode mode);
+int setEncryption(bool enable);
+int setJumboMtu(bool enable);
+int setPacketAggregation(bool enable);
+int setHeaderCompression(bool enable);
+int setStartupConnect(bool connect);
+int setOverflowThreshold(double speed);
+int enableDefaultRoute(bool enable);
+int setForwardPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports);
+int setConnectionEncryption(char const* adapterID, bool enable);
+int requestPrivacySettings();
+int setDnsServers(unsigned short count, char (*addresses)[46]);
+int requestCaptivePortalCheck();
+int setCaptivePortalLoginOn(char const* adapterID);
+int setCaptivePortalLoginOff();
 
 // adapters
 int requestAdapters();

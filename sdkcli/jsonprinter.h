@@ -20,6 +20,10 @@ Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned co
 // session
 
 // settings
+void printSettingsResult(KelvarisSDK_SettingsResult const& result);
+void printPrivacySettingsResult(KelvarisSDK_PrivacySettingsResult const& result);
+void printCaptivePortalResult(KelvarisSDK_CaptivePortalCheckResult const& result);
+void printCaptivePortalLoginResult(KelvarisSDK_CaptivePortalLoginResult const& result);
 
 // adapters
 void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);

@@ -48,6 +48,104 @@ KelvarisSDK_BaseResult KelvarisSDK_DaemonExit(KelvarisSDK_Handle* sdk) {
 
 // settings
 
+KelvarisSDK_SettingsResult KelvarisSDK_GetSettings(KelvarisSDK_Handle* sdk,
+                                                   KelvarisSDK_SettingsCallback callback, void* userData) {
+    return object(sdk)->getSettings(callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetMode(KelvarisSDK_Handle* sdk, KelvarisSDK_BondingMode mode,
+                                               KelvarisSDK_SettingsCallback callback, void* userData) {
+    return object(sdk)->setMode(mode, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk,
+                                                                  KelvarisSDK_TransportMode mode,
+                                                                  KelvarisSDK_SettingsCallback callback,
+                                                                  void* userData) {
+    return object(sdk)->setConnectionTransportMode(mode, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetTunnelEncrypted(KelvarisSDK_Handle* sdk, bool enable,
+                                                          KelvarisSDK_SettingsCallback callback,
+                                                          void* userData) {
+    return object(sdk)->setTunnelEncrypted(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisSDK_Handle* sdk, bool enable,
+                                                       KelvarisSDK_SettingsCallback callback,
+                                                       void* userData) {
+    return object(sdk)->setJumboPackets(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetPacketAggregation(KelvarisSDK_Handle* sdk, bool enable,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setPacketAggregation(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetHeaderCompression(KelvarisSDK_Handle* sdk, bool enable,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setHeaderCompression(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetStartupConnect(KelvarisSDK_Handle* sdk, bool connect,
+                                                         KelvarisSDK_SettingsCallback callback,
+                                                         void* userData) {
+    return object(sdk)->setStartupConnect(connect, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(KelvarisSDK_Handle* sdk, double speed,
+                                                            KelvarisSDK_SettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setOverflowThreshold(speed, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(KelvarisSDK_Handle* sdk, bool enable,
+                                                             KelvarisSDK_SettingsCallback callback,
+                                                             void* userData) {
+    return object(sdk)->setEnableDefaultRoute(enable, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk, unsigned short count,
+                                                       KelvarisSDK_ProtocolPortPair* ports,
+                                                       KelvarisSDK_SettingsCallback callback,
+                                                       void* userData) {
+    return object(sdk)->setForwardPorts(count, ports, callback, userData);
+}
+
+KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, const char* adapterID,
+                                                               bool enable,
+                                                               KelvarisSDK_SettingsCallback callback,
+                                                               void* userData) {
+    return object(sdk)->setConnectionEncryption(adapterID, enable, callback, userData);
+}
+
+KelvarisSDK_PrivacySettingsResult KelvarisSDK_GetPrivacySettings(KelvarisSDK_Handle* sdk,
+                                                                 KelvarisSDK_PrivacySettingsCallback callback,
+                                                                 void* userData) {
+    return object(sdk)->getPrivacySettings(callback, userData);
+}
+
+KelvarisSDK_PrivacySettingsResult KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count,
+                                                            char (*addresses)[46],
+                                                            KelvarisSDK_PrivacySettingsCallback callback,
+                                                            void* userData) {
+    return object(sdk)->setDNSServers(count, addresses, callback, userData);
+}
+
+KelvarisSDK_CaptivePortalCheckResult
+KelvarisSDK_CheckForCaptivePortals(KelvarisSDK_Handle* sdk, KelvarisSDK_CaptivePortalCheckCallback callback,
+                                   void* userData) {
+    return object(sdk)->checkForCaptivePortals(callback, userData);
+}
+
+KelvarisSDK_CaptivePortalLoginResult
+KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, const char* adapterID,
+                                      KelvarisSDK_CaptivePortalLoginCallback callback, void* userData) {
+    return object(sdk)->setCaptivePortalLoginMode(enable, adapterID, callback, userData);
+}
+
 // adapters
 
 KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_Handle* sdk,

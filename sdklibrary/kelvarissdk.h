@@ -34,6 +34,40 @@ public:
     // session
 
     // settings
+    KelvarisSDK_SettingsResult getSettings(KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_SettingsResult setMode(KelvarisSDK_BondingMode mode, KelvarisSDK_SettingsCallback callback,
+                                       void* userData);
+    KelvarisSDK_SettingsResult setConnectionTransportMode(KelvarisSDK_TransportMode mode,
+                                                          KelvarisSDK_SettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_SettingsResult setTunnelEncrypted(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                  void* userData);
+    KelvarisSDK_SettingsResult setJumboPackets(bool enable, KelvarisSDK_SettingsCallback callback,
+                                               void* userData);
+    KelvarisSDK_SettingsResult setPacketAggregation(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setHeaderCompression(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setStartupConnect(bool connect, KelvarisSDK_SettingsCallback callback,
+                                                 void* userData);
+    KelvarisSDK_SettingsResult setOverflowThreshold(double speed, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setEnableDefaultRoute(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                     void* userData);
+    KelvarisSDK_SettingsResult setForwardPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
+                                               KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_SettingsResult setConnectionEncryption(char const* adapterID, bool enable,
+                                                       KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_PrivacySettingsResult getPrivacySettings(KelvarisSDK_PrivacySettingsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_PrivacySettingsResult setDNSServers(unsigned short count, char (*addresses)[46],
+                                                    KelvarisSDK_PrivacySettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_CaptivePortalCheckResult
+    checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callback, void* userData);
+    KelvarisSDK_CaptivePortalLoginResult
+    setCaptivePortalLoginMode(bool enable, char const* adapterID,
+                              KelvarisSDK_CaptivePortalLoginCallback callback, void* userData);
 
     // adapters
     KelvarisSDK_AdaptersResult getAdapters(KelvarisSDK_AdaptersCallback callback, void* userData);

@@ -12,6 +12,20 @@ int showAction(int argc, char* argv[]);
 // session
 
 // settings
+int modeAction(int argc, char* argv[]);
+int transportAction(int argc, char* argv[]);
+int encryptionAction(int argc, char* argv[]);
+int jumboAction(int argc, char* argv[]);
+int packetAggregationAction(int argc, char* argv[]);
+int headerCompressionAction(int argc, char* argv[]);
+int startupConnectAction(int argc, char* argv[]);
+int overflowAction(int argc, char* argv[]);
+int routeAction(int argc, char* argv[]);
+int portsAction(int argc, char* argv[]);
+int adapterEncryptionAction(int argc, char* argv[]);
+int privacyAction(int argc);
+int dnsAction(int argc, char* argv[]);
+int captivePortalAction(int argc, char* argv[]);
 
 // adapters
 int adapterAction(int argc, char* argv[]);

@@ -145,6 +145,7 @@ int adapterAction(int argc, char* argv[]) {
     if (is(word, "priority")) return priorityAction(argc, argv);
     if (is(word, "ratelimit")) return rateLimitAction(argc, argv);
     if (is(word, "overlimitratelimit")) return overlimitRateLimitAction(argc, argv);
+    if (is(word, "encryption")) return adapterEncryptionAction(argc, argv);
     if (is(word, "resetusage")) return resetUsageAction(argc, argv);
     // clang-format on
 

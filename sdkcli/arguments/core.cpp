@@ -36,6 +36,8 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "settings")) return requestConnectionSettings();
+    if (is(word, "privacy")) return requestPrivacySettings();
     if (is(word, "adapters")) return requestAdapters();
     if (is(word, "disconnect")) return requestLastDisconnectEvent();
     if (is(word, "speedtest")) return requestSpeedTestResults();

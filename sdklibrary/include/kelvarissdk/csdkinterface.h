@@ -52,6 +52,7 @@
 #define KELVARISSDK_CSDKINTERFACE_H
 
 #include <kelvarissdk/adapters.h>
+#include <kelvarissdk/settings.h>
 #include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
 

@@ -1,4 +1,4 @@
-#include "settings.h"
+#include "daemonoptions.h"
 
 #include <limits>
 
