@@ -5,6 +5,8 @@ namespace kelvarissim {
 class Registry;
 
 void registerCore(Registry& registry);
+void registerSettings(Registry& registry);
+void registerAdapters(Registry& registry);
 void registerTelemetry(Registry& registry);
 
 } // namespace kelvarissim

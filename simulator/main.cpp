@@ -11,6 +11,8 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
+    registerSettings(registry);
+    registerAdapters(registry);
     registerTelemetry(registry);
 }
 
