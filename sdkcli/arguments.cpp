@@ -26,6 +26,7 @@ int processArgs(int argc, char* argv[]) {
     if (is(keyword, "ports")) return portsAction(argc, argv);
     if (is(keyword, "show")) return showAction(argc, argv);
     if (is(keyword, "startupconnect")) return startupConnectAction(argc, argv);
+    if (is(keyword, "stats")) return statsAction(argc, argv);
     if (is(keyword, "adapter")) return adapterAction(argc, argv);
     if (is(keyword, "transport")) return transportAction(argc, argv);
     if (is(keyword, "privacy")) return privacyAction(argc);
@@ -43,6 +44,8 @@ int processArgs(int argc, char* argv[]) {
     if (is(keyword, "dns")) return dnsAction(argc, argv);
     if (is(keyword, "captiveportal")) return captivePortalAction(argc, argv);
     if (is(keyword, "route")) return routeAction(argc, argv);
+    if (is(keyword, "speedtest")) return speedtestAction();
+    if (is(keyword, "streamtest")) return streamtestAction();
     // clang-format on
 
     showUsage(1);

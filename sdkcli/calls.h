@@ -72,6 +72,11 @@ int resetAdapterUsage(char const* adapterID);
 // lists
 
 // telemetry
+int requestStats(int duration, unsigned char count, unsigned int const* periods);
+int requestLastDisconnectEvent();
+int startSpeedtest();
+int startStreamtest();
+int requestSpeedTestResults();
 
 // safebrowsing
 int startSafeBrowsing(char const* config);

@@ -36,6 +36,12 @@ void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);
 // lists
 
 // telemetry
+// The brief form leaves out addresses, sockets, single directions, estimates, jitter and score.
+void printConnectionStatsResult(KelvarisSDK_ConnectionStatsResult const& result, bool briefOutput);
+void printSessionStatsResult(KelvarisSDK_SessionStatsResult const& result);
+void printStreamingStatsResult(KelvarisSDK_StreamingStatsResult const& result);
+void printDisconnectEvent(KelvarisSDK_DisconnectEventResult const& result);
+void printSpeedTestResult(KelvarisSDK_SpeedTestResult const& result);
 
 // safebrowsing
 void printSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult const& result);

@@ -366,6 +366,51 @@ KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(KelvarisSDK_Handle* sdk
 
 // telemetry
 
+KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
+                                                     unsigned char periodCount, const unsigned int* periods) {
+    return object(sdk)->enableStatUpdates(enable, periodCount, periods);
+}
+
+KelvarisSDK_ConnectionStatsResult KelvarisSDK_GetConnectionStats(KelvarisSDK_Handle* sdk,
+                                                                 KelvarisSDK_ConnectionStatsCallback callback,
+                                                                 void* userData) {
+    return object(sdk)->getConnectionStats(callback, userData);
+}
+
+KelvarisSDK_SessionStatsResult KelvarisSDK_GetSessionStats(KelvarisSDK_Handle* sdk,
+                                                           KelvarisSDK_SessionStatsCallback callback,
+                                                           void* userData) {
+    return object(sdk)->getSessionStats(callback, userData);
+}
+
+KelvarisSDK_StreamingStatsResult KelvarisSDK_GetStreamingStats(KelvarisSDK_Handle* sdk,
+                                                               KelvarisSDK_StreamingStatsCallback callback,
+                                                               void* userData) {
+    return object(sdk)->getStreamingStats(callback, userData);
+}
+
+KelvarisSDK_DisconnectEventResult
+KelvarisSDK_GetLastDisconnectEvent(KelvarisSDK_Handle* sdk, KelvarisSDK_DisconnectEventCallback callback,
+                                   void* userData) {
+    return object(sdk)->getLastDisconnectEvent(callback, userData);
+}
+
+KelvarisSDK_SpeedTestResult KelvarisSDK_GetSpeedTestResults(KelvarisSDK_Handle* sdk,
+                                                            KelvarisSDK_SpeedTestCallback callback,
+                                                            void* userData) {
+    return object(sdk)->getSpeedTestResults(callback, userData);
+}
+
+KelvarisSDK_SpeedTestResult
+KelvarisSDK_StartSpeedTest(KelvarisSDK_Handle* sdk, KelvarisSDK_SpeedTestCallback callback, void* userData) {
+    return object(sdk)->startSpeedTest(callback, userData);
+}
+
+KelvarisSDK_SpeedTestResult
+KelvarisSDK_StartStreamTest(KelvarisSDK_Handle* sdk, KelvarisSDK_SpeedTestCallback callback, void* userData) {
+    return object(sdk)->startStreamTest(callback, userData);
+}
+
 // safebrowsing
 
 // One of the two calls with steps of their own; the other is the stop below.

@@ -2,8 +2,11 @@
 
 #pragma once
 
+#include <condition_variable>
 #include <memory>
 #include <string>
+#include <mutex>
+#include <thread>
 
 #include <kelvarissdk/csdkinterface.h>
 
@@ -156,6 +159,18 @@ public:
     // lists
 
     // telemetry
+    KelvarisSDK_BaseResult enableStatUpdates(bool enable, unsigned char periodCount,
+                                             unsigned int const* periods);
+    KelvarisSDK_ConnectionStatsResult getConnectionStats(KelvarisSDK_ConnectionStatsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_SessionStatsResult getSessionStats(KelvarisSDK_SessionStatsCallback callback, void* userData);
+    KelvarisSDK_StreamingStatsResult getStreamingStats(KelvarisSDK_StreamingStatsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_DisconnectEventResult getLastDisconnectEvent(KelvarisSDK_DisconnectEventCallback callback,
+                                                             void* userData);
+    KelvarisSDK_SpeedTestResult getSpeedTestResults(KelvarisSDK_SpeedTestCallback callback, void* userData);
+    KelvarisSDK_SpeedTestResult startSpeedTest(KelvarisSDK_SpeedTestCallback callback, void* userData);
+    KelvarisSDK_SpeedTestResult startStreamTest(KelvarisSDK_SpeedTestCallback callback, void* userData);
 
     // safebrowsing
     KelvarisSDK_SafeBrowsingResult
@@ -188,9 +203,19 @@ public:
                                                              void* userData);
 
 protected:
+    // Repeats the subscription to statistics while it is wanted; the body of statsThread.
+    void statsEnabledRunner();
+
+    std::recursive_mutex statsLock; // recursive: the runner calls enableStatUpdates. Held while that sends
+    bool statsEnabled = false;      // guarded by statsLock, as is the next; the subscription is wanted
+    bool statsRunnerActive = false; // the runner shall go on
+    std::condition_variable_any statsRunnerEnds;
+
     // Constant after construction.
     char appName[32];
     std::unique_ptr<WebsocketImpl> websocket; // no method starts a call without it
+
+    std::thread statsThread; // last: it uses all of the above
 };
 
 } // namespace kelvarissdk

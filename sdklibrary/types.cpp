@@ -253,6 +253,62 @@ const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriori
 
 // telemetry
 
+const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {
+    switch (health) {
+    case KelvarisSDK_StreamHealth_STOPPED:
+        break;
+    case KelvarisSDK_StreamHealth_POOR:
+        return "poor";
+    case KelvarisSDK_StreamHealth_GOOD:
+        return "good";
+    }
+    return "stopped";
+}
+
+const char* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason) {
+    switch (reason) {
+    case KelvarisSDK_DisconnectReason_UNKNOWN:
+        break;
+    case KelvarisSDK_DisconnectReason_CONNECTIVITY:
+        return "CONNECTIVITY";
+    case KelvarisSDK_DisconnectReason_AIRPLANE:
+        return "AIRPLANE";
+    case KelvarisSDK_DisconnectReason_REBOOT:
+        return "REBOOT";
+    case KelvarisSDK_DisconnectReason_UPDATE:
+        return "UPDATE";
+    case KelvarisSDK_DisconnectReason_CRASH:
+        return "CRASH";
+    case KelvarisSDK_DisconnectReason_SLEEP:
+        return "SLEEP";
+    case KelvarisSDK_DisconnectReason_USERINITIATED:
+        return "USERINITIATED";
+    case KelvarisSDK_DisconnectReason_TORRENT:
+        return "TORRENT";
+    case KelvarisSDK_DisconnectReason_SERVICESTOP:
+        return "SERVICESTOP";
+    case KelvarisSDK_DisconnectReason_STARTTIMEOUT:
+        return "STARTTIMEOUT";
+    case KelvarisSDK_DisconnectReason_INACTIVETIMEOUT:
+        return "INACTIVETIMEOUT";
+    case KelvarisSDK_DisconnectReason_SETTINGCHANGERECONNECT:
+        return "SETTINGCHANGERECONNECT";
+    case KelvarisSDK_DisconnectReason_DNSTIMEOUT:
+        return "DNSTIMEOUT";
+    case KelvarisSDK_DisconnectReason_TUNNELTIMEOUT:
+        return "TUNNELTIMEOUT";
+    case KelvarisSDK_DisconnectReason_OVERQUOTA:
+        return "OVERQUOTA";
+    case KelvarisSDK_DisconnectReason_SAFENETWORK:
+        return "SAFENETWORK";
+    }
+    return "UNKNOWN";
+}
+
+const char* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type) {
+    return type == KelvarisSDK_SpeedTestType_STREAMING ? "streaming" : "speed";
+}
+
 // safebrowsing
 
 const char* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level) {

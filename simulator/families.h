@@ -10,5 +10,6 @@ void registerSettings(Registry& registry);
 void registerAdapters(Registry& registry);
 void registerSession(Registry& registry);
 void registerDirectorySettings(Registry& registry);
+void registerTelemetry(Registry& registry);
 
 } // namespace kelvarissim

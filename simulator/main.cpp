@@ -16,6 +16,7 @@ void registerFamilies(Registry& registry) {
     registerAdapters(registry);
     registerSession(registry);
     registerDirectorySettings(registry);
+    registerTelemetry(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -41,6 +41,9 @@ int adapterAction(int argc, char* argv[]);
 // lists
 
 // telemetry
+int statsAction(int argc, char* argv[]);
+int speedtestAction();
+int streamtestAction();
 
 // safebrowsing
 int safeBrowsingAction(int argc, char* argv[]);

@@ -46,6 +46,8 @@ int showAction(int argc, char* argv[]) {
     if (is(word, "user")) return requestUserData();
     if (is(word, "directory")) return requestDirectory();
     if (is(word, "connectmethod")) return requestServerSettings();
+    if (is(word, "disconnect")) return requestLastDisconnectEvent();
+    if (is(word, "speedtest")) return requestSpeedTestResults();
     // clang-format on
 
     return invalid(usage);

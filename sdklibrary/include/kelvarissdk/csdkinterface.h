@@ -55,6 +55,7 @@
 #include <kelvarissdk/adapters.h>
 #include <kelvarissdk/settings.h>
 #include <kelvarissdk/session.h>
+#include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
