@@ -4,8 +4,8 @@
 
 #include <condition_variable>
 #include <memory>
-#include <string>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include <kelvarissdk/csdkinterface.h>
