@@ -112,6 +112,18 @@ const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol)
 
 // lists
 
+const char* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode) {
+    switch (mode) {
+    case KelvarisSDK_FirewallMode_OFF:
+        return "off";
+    case KelvarisSDK_FirewallMode_ALLOWLIST:
+        return "allowlist";
+    case KelvarisSDK_FirewallMode_DENYLIST:
+        return "denylist";
+    }
+    return "Unknown mode";
+}
+
 // telemetry
 
 // safebrowsing

@@ -51,6 +51,7 @@
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
 
+#include <kelvarissdk/lists.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
