@@ -24,6 +24,11 @@ Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned co
 // adapters
 
 // lists
+void printFirewallResult(KelvarisSDK_FirewallSettingsResult const& result);
+// The proxy's switch alone; its lists and services are what streaming bypass shows.
+void printLocalProxyResult(KelvarisSDK_LocalProxySettingsResult const& result);
+void printStreamingBypass(KelvarisSDK_LocalProxySettingsResult const& result);
+void printStreamingResult(KelvarisSDK_StreamingSettingsResult const& result);
 
 // telemetry
 

@@ -16,6 +16,10 @@ int showAction(int argc, char* argv[]);
 // adapters
 
 // lists
+int localproxyAction(int argc, char* argv[]);
+int firewallAction(int argc, char* argv[]);
+int streamingbypassAction(int argc, char* argv[]);
+int streamingAction(int argc, char* argv[]);
 
 // telemetry
 

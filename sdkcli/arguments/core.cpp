@@ -36,8 +36,11 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "localproxy")) return requestLocalProxySettings();
+    if (is(word, "firewall")) return requestFirewallSettings();
+    if (is(word, "streamingbypass")) return requestStreamingBypass();
+    if (is(word, "streaming")) return requestStreamingSettings();
     // clang-format on
 
-    (void)word;
     return invalid(usage);
 }
