@@ -5,5 +5,6 @@ namespace kelvarissim {
 class Registry;
 
 void registerCore(Registry& registry);
+void registerTrafficLists(Registry& registry);
 
 } // namespace kelvarissim

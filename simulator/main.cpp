@@ -11,6 +11,7 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
+    registerTrafficLists(registry);
 }
 
 int run(const std::vector<std::string>& words) {
