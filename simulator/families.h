@@ -11,5 +11,6 @@ void registerAdapters(Registry& registry);
 void registerSession(Registry& registry);
 void registerDirectorySettings(Registry& registry);
 void registerTelemetry(Registry& registry);
+void registerTrafficLists(Registry& registry);
 
 } // namespace kelvarissim

@@ -17,6 +17,7 @@ void registerFamilies(Registry& registry) {
     registerSession(registry);
     registerDirectorySettings(registry);
     registerTelemetry(registry);
+    registerTrafficLists(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -63,6 +63,7 @@
 #include <kelvarissdk/session.h>
 #include <kelvarissdk/settings.h>
 #include <kelvarissdk/telemetry.h>
+#include <kelvarissdk/lists.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
