@@ -42,16 +42,13 @@ int processArgs(int argc, char* argv[]) {
     if (is(keyword, "daemon")) return daemonAction(argc, argv);
     if (is(keyword, "dns")) return dnsAction(argc, argv);
     if (is(keyword, "captiveportal")) return captivePortalAction(argc, argv);
-    if (is(keyword, "route")) return routeAction(argc, argv);
-    if (is(keyword, "speedtest")) return speedtestAction();
-    if (is(keyword, "streamtest")) return streamtestAction();
-    if (is(keyword, "show")) return showAction(argc, argv);
-    if (is(keyword, "version")) return versionAction(argc);
-    if (is(keyword, "daemon")) return daemonAction(argc, argv);
     if (is(keyword, "localproxy")) return localproxyAction(argc, argv);
     if (is(keyword, "firewall")) return firewallAction(argc, argv);
+    if (is(keyword, "route")) return routeAction(argc, argv);
     if (is(keyword, "streamingbypass")) return streamingbypassAction(argc, argv);
     if (is(keyword, "streaming")) return streamingAction(argc, argv);
+    if (is(keyword, "speedtest")) return speedtestAction();
+    if (is(keyword, "streamtest")) return streamtestAction();
     // clang-format on
 
     showUsage(1);

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <kelvarissdk/csdkinterface.h>
-#include <kelvarissdk/session.h>
 
 // core
 int requestState();

@@ -46,12 +46,12 @@ int showAction(int argc, char* argv[]) {
     if (is(word, "user")) return requestUserData();
     if (is(word, "directory")) return requestDirectory();
     if (is(word, "connectmethod")) return requestServerSettings();
-    if (is(word, "disconnect")) return requestLastDisconnectEvent();
-    if (is(word, "speedtest")) return requestSpeedTestResults();
     if (is(word, "localproxy")) return requestLocalProxySettings();
     if (is(word, "firewall")) return requestFirewallSettings();
     if (is(word, "streamingbypass")) return requestStreamingBypass();
+    if (is(word, "disconnect")) return requestLastDisconnectEvent();
     if (is(word, "streaming")) return requestStreamingSettings();
+    if (is(word, "speedtest")) return requestSpeedTestResults();
     // clang-format on
 
     return invalid(usage);

@@ -59,11 +59,11 @@
 #define KELVARISSDK_CSDKINTERFACE_H
 
 #include <kelvarissdk/adapters.h>
+#include <kelvarissdk/lists.h>
 #include <kelvarissdk/safebrowsing.h>
 #include <kelvarissdk/session.h>
 #include <kelvarissdk/settings.h>
 #include <kelvarissdk/telemetry.h>
-#include <kelvarissdk/lists.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus
