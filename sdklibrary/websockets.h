@@ -109,6 +109,9 @@ public:
     // Erases an entry; inside one of its own deliveries, at the end of that. An unknown id is ignored.
     void removeCallback(unsigned long long id);
 
+    // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
+    void handle_message(std::string const& text);
+
     static thread_local bool isInReaderThread;
 
 private:
@@ -122,7 +125,6 @@ private:
     void waitForEnd(int milliseconds);
     bool sweepAndGoOn();
     void sweepTimeouts();
-    void handle_message(std::string const& text);
     bool deliver(EventDescription& entry, Message& message);
     template <class Visit> void visitEntries(Visit visit);
 
