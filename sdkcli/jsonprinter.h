@@ -34,6 +34,11 @@ void printCaptivePortalLoginResult(KelvarisSDK_CaptivePortalLoginResult const& r
 void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);
 
 // lists
+void printFirewallResult(KelvarisSDK_FirewallSettingsResult const& result);
+// The proxy's switch alone; its lists and services are what streaming bypass shows.
+void printLocalProxyResult(KelvarisSDK_LocalProxySettingsResult const& result);
+void printStreamingBypass(KelvarisSDK_LocalProxySettingsResult const& result);
+void printStreamingResult(KelvarisSDK_StreamingSettingsResult const& result);
 
 // telemetry
 // The brief form leaves out addresses, sockets, single directions, estimates, jitter and score.

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "arguments.h"
@@ -65,7 +66,12 @@ int runAction(int argc, char* argv[]) {
     copyWord(settings.appName, "Kelvaris");
     takeOptions(argc, argv, settings);
 
-    sdk = KelvarisSDK_CreateWithSettings(settings);
+    try {
+        sdk = KelvarisSDK_CreateWithSettings(settings);
+    } catch (std::system_error const& failure) {
+        std::fprintf(stderr, "%s: %s\n", binName, failure.what());
+        return 1;
+    }
     int const status = processArgs(argc, argv);
     KelvarisSDK_Destroy(sdk);
     sdk = nullptr;

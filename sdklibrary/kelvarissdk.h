@@ -4,8 +4,8 @@
 
 #include <condition_variable>
 #include <memory>
-#include <string>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include <kelvarissdk/csdkinterface.h>
@@ -157,6 +157,59 @@ public:
                                                  void* userData);
 
     // lists
+    KelvarisSDK_FirewallSettingsResult getFirewallSettings(KelvarisSDK_FirewallSettingsCallback callback,
+                                                           void* userData);
+    KelvarisSDK_FirewallSettingsResult setFirewallMode(KelvarisSDK_FirewallMode mode,
+                                                       KelvarisSDK_FirewallSettingsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_FirewallSettingsResult setFirewallDomains(unsigned short count, char (*domains)[50],
+                                                          KelvarisSDK_FirewallSettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_FirewallSettingsResult setFirewallIPv4(unsigned short count, in_addr* addresses,
+                                                       KelvarisSDK_FirewallSettingsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_FirewallSettingsResult setFirewallIPv6(unsigned short count, in6_addr* addresses,
+                                                       KelvarisSDK_FirewallSettingsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_FirewallSettingsResult setFirewallPorts(unsigned short count,
+                                                        KelvarisSDK_ProtocolPortPair* ports,
+                                                        KelvarisSDK_FirewallSettingsCallback callback,
+                                                        void* userData);
+    KelvarisSDK_LocalProxySettingsResult
+    getLocalProxySettings(KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
+    KelvarisSDK_LocalProxySettingsResult
+    setLocalProxyEnabled(bool enabled, KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
+    KelvarisSDK_LocalProxySettingsResult setLocalProxyDomains(unsigned short count, char (*domains)[50],
+                                                              KelvarisSDK_LocalProxySettingsCallback callback,
+                                                              void* userData);
+    KelvarisSDK_LocalProxySettingsResult setLocalProxyIPv4(unsigned short count, in_addr* addresses,
+                                                           KelvarisSDK_LocalProxySettingsCallback callback,
+                                                           void* userData);
+    KelvarisSDK_LocalProxySettingsResult setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
+                                                           KelvarisSDK_LocalProxySettingsCallback callback,
+                                                           void* userData);
+    KelvarisSDK_LocalProxySettingsResult setLocalProxyPorts(unsigned short count,
+                                                            KelvarisSDK_ProtocolPortPair* ports,
+                                                            KelvarisSDK_LocalProxySettingsCallback callback,
+                                                            void* userData);
+    KelvarisSDK_LocalProxySettingsResult
+    setLocalProxyDomainWatchlistEnable(char const* title, bool enabled,
+                                       KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
+    KelvarisSDK_StreamingSettingsResult getStreamingSettings(KelvarisSDK_StreamingSettingsCallback callback,
+                                                             void* userData);
+    KelvarisSDK_StreamingSettingsResult setStreamingDomains(unsigned short count, char (*domains)[50],
+                                                            KelvarisSDK_StreamingSettingsCallback callback,
+                                                            void* userData);
+    KelvarisSDK_StreamingSettingsResult setStreamingIPv4(unsigned short count, in_addr* addresses,
+                                                         KelvarisSDK_StreamingSettingsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_StreamingSettingsResult setStreamingIPv6(unsigned short count, in6_addr* addresses,
+                                                         KelvarisSDK_StreamingSettingsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_StreamingSettingsResult setStreamingPorts(unsigned short count,
+                                                          KelvarisSDK_ProtocolPortPair* ports,
+                                                          KelvarisSDK_StreamingSettingsCallback callback,
+                                                          void* userData);
 
     // telemetry
     KelvarisSDK_BaseResult enableStatUpdates(bool enable, unsigned char periodCount,

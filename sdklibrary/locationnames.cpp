@@ -34,7 +34,11 @@ std::string translateLocation(const char* prefix, std::string code) {
         return code;
     }
     static std::once_flag filled;
-    std::call_once(filled, fillTable);
+    // The names don't need a library object: whoever asks first registers the table too.
+    std::call_once(filled, [] {
+        fillTable();
+        kelvaris::localization::load_sdklibraryTranslationTable();
+    });
     return kelvaris::localization::translate(prefix + std::move(code) + "}}");
 }
 

@@ -251,6 +251,18 @@ const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriori
 
 // lists
 
+const char* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode) {
+    switch (mode) {
+    case KelvarisSDK_FirewallMode_OFF:
+        return "off";
+    case KelvarisSDK_FirewallMode_ALLOWLIST:
+        return "allowlist";
+    case KelvarisSDK_FirewallMode_DENYLIST:
+        return "denylist";
+    }
+    return "Unknown mode";
+}
+
 // telemetry
 
 const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {

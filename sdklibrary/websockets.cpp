@@ -336,8 +336,10 @@ void WebsocketImpl::sendLast() {
     sendOutgoing();
     ws->poll(0);
     uint64_t const start = getTimeMillis();
-    for (uint64_t waited = 0; ws->unsentBytes() > 0 && waited < pollMs; waited = getTimeMillis() - start) {
+    uint64_t waited = 0;
+    while (ws->getReadyState() == easywsclient::WebSocket::OPEN && ws->unsentBytes() > 0 && waited < pollMs) {
         ws->poll(pollMs - static_cast<int>(waited));
+        waited = getTimeMillis() - start;
     }
 }
 

@@ -138,10 +138,11 @@ struct AwaitedReport {
 struct Exchange {
     std::vector<Request> requests = {};
     std::vector<AwaitedReport> awaited = {};
-    std::vector<std::string> subscribed = {}; // reports that come without being asked for
+    std::vector<std::string> subscribed = {}; // reports that come without being asked for; a RecordParser
+                                              // tells them from those that finish the record
     uint64_t timeoutMs = 5000;                // 0: none
-    std::string settingName = {};
-    bool failedUntilReported = false; // the record's `error` is set until a report clears it
+    std::string settingName = {};             // of one-shot calls only
+    bool failedUntilReported = false; // a synchronous record's `error` is set until a report clears it
 };
 
 // Asks for a report.

@@ -11,12 +11,13 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
-    registerSafeBrowsing(registry);
-    registerSettings(registry);
-    registerAdapters(registry);
     registerSession(registry);
     registerDirectorySettings(registry);
+    registerSettings(registry);
+    registerAdapters(registry);
+    registerTrafficLists(registry);
     registerTelemetry(registry);
+    registerSafeBrowsing(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -10,6 +10,11 @@ void Registry::on(const std::string& requestName, Handler handler) {
     }
 }
 
+std::string Registry::foreignLock(const std::string& requestName) const {
+    const auto lock = foreignLocks.find(requestName);
+    return lock == foreignLocks.end() ? "" : lock->second;
+}
+
 const Handler* Registry::find(const std::string& requestName) const {
     const auto handler = handlers.find(requestName);
     return handler == handlers.end() ? nullptr : &handler->second;

@@ -55,7 +55,8 @@ namespace kelvarissim {
 //
 // What another family needs too goes into World. A timer keeps the daemon and client ids, never the Request.
 // Options are read after the families have registered and before the first request. Locks, delays and the
-// other faults of the command line are dealt with before a handler runs: no family thinks of them.
+// other faults of the command line are dealt with before a handler runs: no family thinks of them, but for
+// a request that another one's lock locks too, see alsoLockedBy().
 
 struct Request {
     Daemon& daemon;
@@ -84,6 +85,13 @@ public:
         goneHooks.push_back(std::move(hook));
     }
 
+    // The request is locked with that setting too, and then answered under that setting's name.
+    void alsoLockedBy(const std::string& requestName, const std::string& settingName) {
+        foreignLocks[requestName] = settingName;
+    }
+
+    // The other setting that locks the request; empty when there is none.
+    std::string foreignLock(const std::string& requestName) const;
     // Null when no family knows the request.
     const Handler* find(const std::string& requestName) const;
     const std::vector<ClientGoneHook>& clientGoneHooks() const {
@@ -92,6 +100,7 @@ public:
 
 private:
     std::map<std::string, Handler> handlers;
+    std::map<std::string, std::string> foreignLocks; // request name -> setting name
     std::vector<ClientGoneHook> goneHooks;
 };
 

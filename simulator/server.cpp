@@ -143,10 +143,13 @@ void Server::runDelayed() {
 
 void Server::handle(ClientId client, const Json::Value& request) {
     const std::string name = request[0].asString();
-    const auto lock = settings.locks.find(name);
+    auto lock = settings.locks.find(name);
+    if (lock == settings.locks.end()) {
+        lock = settings.locks.find(registry.foreignLock(name));
+    }
     if (lock != settings.locks.end()) {
         Json::Value payload;
-        payload["setting"] = name;
+        payload["setting"] = lock->first;
         payload["reason"] = lock->second;
         send(client, "report_setting_locked", payload);
         return;

@@ -274,6 +274,20 @@ TEST(Engine, TimeOuts) {
         rejecting.send(R"(["report_setting_locked",{"setting":"set","reason":2}])");
         EXPECT_EQ(locked.get().base.errorCode, 3848);
     });
+    // A subscription gets one time-out and no second; what awaits nothing gets none.
+    threads.emplace_back([&] {
+        WebsocketImpl link("127.0.0.1", absent.port());
+        Inbox asked;
+        Inbox listening;
+        subscriptionCall(&link, Inbox::keep, &asked, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
+        subscriptionCall(&link, Inbox::keep, &listening, {.subscribed = {"never"}, .timeoutMs = 100},
+                         fillState);
+        oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr,
+                                             {.awaited = {{"never"}}, .timeoutMs = 900}, fillState);
+        EXPECT_EQ(asked.take().base.errorCode, 3845);
+        EXPECT_TRUE(asked.empty());
+        EXPECT_TRUE(listening.empty());
+    });
     for (std::thread& thread : threads) {
         thread.join();
     }
@@ -371,6 +385,7 @@ TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
         Handle handle(daemon.port());
         KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
         KelvarisSDK_UnregisterCallback(handle.sdk, 1ULL << 60);
+        daemon.waitForRequest("request_current_state"); // so that the next one has to leave in the last pass
         EXPECT_FALSE(KelvarisSDK_DaemonExit(handle.sdk).error);
     }
     EXPECT_TRUE(inbox.empty());

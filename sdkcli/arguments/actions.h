@@ -39,6 +39,10 @@ int captivePortalAction(int argc, char* argv[]);
 int adapterAction(int argc, char* argv[]);
 
 // lists
+int localproxyAction(int argc, char* argv[]);
+int firewallAction(int argc, char* argv[]);
+int streamingbypassAction(int argc, char* argv[]);
+int streamingAction(int argc, char* argv[]);
 
 // telemetry
 int statsAction(int argc, char* argv[]);

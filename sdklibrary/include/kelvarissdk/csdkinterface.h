@@ -3,58 +3,66 @@
  *
  * CONVENTIONS
  *
- * 1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's threads and begins to connect; it
- *    doesn't wait for the connection. Calls may follow at once: they wait for the link as they wait for the
- *    daemon. A lost link is made again, every 250 ms, for as long as the handle lives. KelvarisSDK_Destroy
- * ends the threads and returns when they have ended. A process may hold any number of handles.
+ *  1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's threads and begins to
+ *     connect; it doesn't wait for the connection. Calls may follow at once: they wait for the link as
+ *     they wait for the daemon. A lost link is made again, every 250 ms, for as long as the handle
+ *     lives; only a daemon that closes the WebSocket properly, or breaks its protocol, is not tried
+ *     again. KelvarisSDK_Destroy ends the threads and returns when they have ended. A process may hold
+ *     any number of handles.
  *
- * 2. Arguments. The handle comes first, then what is the call's own, then the callback, then the user data.
- * The handle must be valid (only KelvarisSDK_Destroy takes null); texts are zero-terminated UTF-8 and copied
- * before the call returns. Arrays go in as a count and a pointer.
+ *  2. Arguments. The handle comes first, then what is the call's own, then the callback, then the user
+ *     data. The handle must be valid (only KelvarisSDK_Destroy takes null); texts are zero-terminated
+ *     UTF-8 and copied before the call returns. Arrays go in as a count and a pointer.
  *
- * 3. Records come back by value and hold everything in fixed arrays: the caller frees nothing, and one memory
- * copy copies a record. Every record begins with KelvarisSDK_BaseResult. A field that the daemon's report
- * left out is false, 0, empty, or what the note at the field says.
+ *  3. Records come back by value and hold everything in fixed arrays: the caller frees nothing, and
+ *     one memory copy copies a record. Every record begins with KelvarisSDK_BaseResult. A field that
+ *     the daemon's report left out is false, 0, empty, or what the note at the field says.
  *
- * 4. Texts in records fill their field over its full width. A text as long as the field has NO terminator:
- * read with a bound (strnlen, "%.*s"), never with strlen. A longer one is cut.
+ *  4. Texts in records fill their field over its full width. A text as long as the field has NO
+ *     terminator: read with a bound (strnlen, "%.*s"), never with strlen. A longer one is cut,
+ *     possibly within a character.
  *
- * 5. Lists in records are an array of fixed capacity and a count of the elements in use. What a report holds
- * beyond the capacity is dropped.
+ *  5. Lists in records are an array of fixed capacity and a count of the elements in use. What a
+ *     report holds beyond the capacity is dropped.
  *
- * 6. Errors. A call never throws and has no status: `error` in the record's head says that it failed,
- * `errorCode` (a KelvarisSDK_ErrorType) and `errorMessage` say why. Where a block below names no errors, the
- * call can end with TIMEOUT (3841) or NOT_CONNECTED (3845) after its time-out, with SDK (3840) when a report
- * can't be read, and with SYNCHRONOUS_IN_CALLBACK (3847). A call that changes a setting can also end with
- * LOCKED_BY_SERVER (3846) or LOCKED_BY_ACCOUNT (3848). The time-out is 5 seconds where a block names no
- * other; it guards the wait for the first report only. KelvarisSDK_CreateWithSettings is the one function
- * that a C++ exception can leave: std::system_error when a thread can't be started.
+ *  6. Errors. A call never throws and has no status: `error` in the record's head says that it failed,
+ *     `errorCode` (a KelvarisSDK_ErrorType) and `errorMessage` say why. Where a block below names no
+ *     errors, the call can end with TIMEOUT (3841) or NOT_CONNECTED (3845) after its time-out, with
+ *     SDK (3840) when a report can't be read, and with SYNCHRONOUS_IN_CALLBACK (3847). A call that
+ *     changes a setting can also end with LOCKED_BY_SERVER (3846) or LOCKED_BY_ACCOUNT (3848). The
+ *     time-out is 5 seconds where a block names no other; it guards the wait for the first report
+ *     only. KelvarisSDK_CreateWithSettings is the one function that a C++ exception can leave:
+ *     std::system_error when a thread can't be started.
  *
- * 7. Synchronous and asynchronous. With a null callback a call waits and returns the finished record. With a
- *    callback it returns at once: `error` false, `errorCode` 3584, `callbackId` the id of the call; the
- * callback gets the finished record later. That record's `errorCode` may still be 3584: look at `error` only.
+ *  7. Synchronous and asynchronous. With a null callback a call waits and returns the finished record.
+ *     With a callback it returns at once: `error` false, `errorCode` 3584, `callbackId` the id of the
+ *     call; the callback gets the finished record later. That record's `errorCode` may still be 3584:
+ *     look at `error` only.
  *
- * 8. Callbacks run on the library's reader thread, one at a time per handle, with the user data of the call.
- * They may make asynchronous calls, unregister any call, and use everything that takes no handle. They must
- * not wait: while one runs, nothing is sent or received. A synchronous call is refused there with 3847, and
- *    KelvarisSDK_Destroy must not be called.
+ *  8. Callbacks run on the library's reader thread, one at a time per handle, with the user data of
+ *     the call. On their own handle they may make asynchronous calls and unregister any call; they may
+ *     use everything that takes no handle. They must not wait: while one runs, nothing is sent or
+ *     received, and calls of other threads on that handle wait. So a callback must not take a lock
+ *     that such a thread holds, and callbacks of two handles must not call into each other's handle. A
+ *     synchronous call is refused there with 3847, and KelvarisSDK_Destroy must not be called.
  *
- * 9. Subscriptions. Calls marked "subscription" go on delivering each later report while their callback
- * returns true; false ends them. All others end with their first result, whatever their callback returns.
- * From outside, KelvarisSDK_UnregisterCallback ends either. An error record (a time-out, say) doesn't end a
- * subscription whose callback returns true.
+ *  9. Subscriptions. Calls marked "subscription" go on delivering each later report while their
+ *     callback returns true; false ends them. All others end with their first result, whatever their
+ *     callback returns. From outside, KelvarisSDK_UnregisterCallback ends either. An error record (a
+ *     time-out, say) doesn't end a subscription whose callback returns true.
  *
- * 10. Threads. Any thread may use a handle, also several at once. Who destroys it must know that no other
- * thread is inside a call on it: such a call would never return. Functions that return text from a static
- * buffer say so; one thread at a time may use them.
+ * 10. Threads. Any thread may use a handle, also several at once. Who destroys it must know that no
+ *     other thread is inside a call on it: such a call would never return. Functions that return text
+ *     from a static buffer say so; one thread at a time may use them.
  */
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
 
-#include <kelvarissdk/safebrowsing.h>
 #include <kelvarissdk/adapters.h>
-#include <kelvarissdk/settings.h>
+#include <kelvarissdk/lists.h>
+#include <kelvarissdk/safebrowsing.h>
 #include <kelvarissdk/session.h>
+#include <kelvarissdk/settings.h>
 #include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
 

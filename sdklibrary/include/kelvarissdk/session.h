@@ -155,9 +155,9 @@ typedef bool (*KelvarisSDK_ConnectCallback)(KelvarisSDK_ConnectResult result, vo
 /**
  * Connects to a server that the daemon picks. Ends when the session is CONNECTED, with the server reported
  * last before that; or with the daemon's own error type and message, from report_connect_error or
- * report_login_error. The time-out is 60 seconds, up to the first report of a server; the daemon may go on after it.
- * COUNTRY fails with SDK (3840). PROXY and any other number are sent as AUTO: for the proxy there is
- * KelvarisSDK_ConnectProxy.
+ * report_login_error. The time-out is 60 seconds, up to the first report of a server; the daemon may go on
+ * after it. COUNTRY fails with SDK (3840). PROXY and any other number are sent as AUTO: for the proxy there
+ * is KelvarisSDK_ConnectProxy.
  */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectAuto(KelvarisSDK_Handle* sdk,
                                                                   KelvarisSDK_AutoConnectMethod method,

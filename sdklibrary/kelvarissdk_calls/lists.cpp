@@ -1,0 +1,264 @@
+// The families whose settings are lists of traffic: firewall, local proxy, streaming.
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <cstring>
+#include <string>
+
+#include "core.h"
+#include "fields.h"
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr unsigned mostItems = 100;
+
+// A text that isn't an address of that family leaves zeroes, and still counts as an item.
+template <int family, class Address> void setAddress(Address& address, Json::Value const& text) {
+    address = {};
+    inet_pton(family, text.asString().c_str(), &address);
+}
+
+void setListBlock(KelvarisSDK_ListBlock& lists, Json::Value const& report) {
+    fillSlots(lists.domainCount, lists.domains, report[Keys::_domains], copyText<50>);
+    fillSlots(lists.ipv4Count, lists.ipv4, report[Keys::_ipv4], setAddress<AF_INET, in_addr>);
+    fillSlots(lists.ipv6Count, lists.ipv6, report[Keys::_ipv6], setAddress<AF_INET6, in6_addr>);
+    fillSlots(lists.portCount, lists.ports, report[Keys::_ports], setPortPair);
+}
+
+KelvarisSDK_FirewallMode firewallModeFrom(Json::Value const& text) {
+    std::string const mode = text.asString();
+    if (mode == "denylist") {
+        return KelvarisSDK_FirewallMode_DENYLIST;
+    }
+    return mode == "allowlist" ? KelvarisSDK_FirewallMode_ALLOWLIST : KelvarisSDK_FirewallMode_OFF;
+}
+
+void setFirewallResult(KelvarisSDK_FirewallSettingsResult& result, Json::Value const& report) {
+    result.mode = firewallModeFrom(report[Keys::_mode]);
+    setListBlock(result.lists, report);
+}
+
+void setService(KelvarisSDK_LocalProxyService& service, Json::Value const& object) {
+    copyText(service.title, object[Keys::_title]);
+    service.enabled = object[Keys::_enabled].asBool();
+    fillSlots(service.watchedDomainCount, service.watchedDomains, object[Keys::_watchedDomains],
+              copyText<50>);
+    fillSlots(service.proxiedDomainCount, service.proxiedDomains, object[Keys::_proxiedDomains],
+              copyText<50>);
+}
+
+void setLocalProxyResult(KelvarisSDK_LocalProxySettingsResult& result, Json::Value const& report) {
+    result.enabled = report[Keys::_enabled].asBool();
+    result.matchMode = report[Keys::_matchMode].asString() == "denylist"
+                           ? KelvarisSDK_LocalProxyMatchMode_DENYLIST
+                           : KelvarisSDK_LocalProxyMatchMode_ALLOWLIST;
+    setListBlock(result.lists, report);
+    fillSlots(result.watchlistCount, result.watchlist, report[Keys::_domain_watchlist], setService);
+}
+
+void setStreamingResult(KelvarisSDK_StreamingSettingsResult& result, Json::Value const& report) {
+    setListBlock(result.lists, report);
+}
+
+unsigned sent(unsigned short count) {
+    return std::min<unsigned>(count, mostItems);
+}
+
+Json::Value domainsPayload(unsigned short count, char (*domains)[50]) {
+    Json::Value payload;
+    Json::Value& list = payload[Keys::_domains] = Json::Value(Json::arrayValue);
+    for (unsigned i = 0; i < sent(count); ++i) {
+        list.append(std::string(domains[i], strnlen(domains[i], sizeof(domains[i]))));
+    }
+    return payload;
+}
+
+template <int family, class Address>
+Json::Value addressesPayload(Json::StaticString const& key, unsigned short count, Address const* addresses) {
+    Json::Value payload;
+    Json::Value& list = payload[key] = Json::Value(Json::arrayValue);
+    for (unsigned i = 0; i < sent(count); ++i) {
+        char text[INET6_ADDRSTRLEN];
+        list.append(inet_ntop(family, &addresses[i], text, sizeof(text)));
+    }
+    return payload;
+}
+
+Json::Value ipv4Payload(unsigned short count, in_addr const* addresses) {
+    return addressesPayload<AF_INET>(Keys::_ipv4, count, addresses);
+}
+
+Json::Value ipv6Payload(unsigned short count, in6_addr const* addresses) {
+    return addressesPayload<AF_INET6>(Keys::_ipv6, count, addresses);
+}
+
+Json::Value portsPayload(unsigned short count, KelvarisSDK_ProtocolPortPair const* ports) {
+    Json::Value payload;
+    payload[Keys::_ports] = portPairs(ports, sent(count));
+    return payload;
+}
+
+} // namespace
+
+KelvarisSDK_FirewallSettingsResult
+KelvarisSDK::getFirewallSettings(KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_firewall_settings", "report_firewall_settings"), setFirewallResult);
+}
+
+KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallMode(KelvarisSDK_FirewallMode mode,
+                                                                KelvarisSDK_FirewallSettingsCallback callback,
+                                                                void* userData) {
+    Json::Value payload;
+    payload[Keys::_mode] = KelvarisSDK_FirewallMode_toString(mode);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_firewall_mode", payload, "report_firewall_settings"), setFirewallResult);
+}
+
+KelvarisSDK_FirewallSettingsResult
+KelvarisSDK::setFirewallDomains(unsigned short count, char (*domains)[50],
+                                KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_firewall_domains", domainsPayload(count, domains), "report_firewall_settings"),
+        setFirewallResult);
+}
+
+KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv4(unsigned short count, in_addr* addresses,
+                                                                KelvarisSDK_FirewallSettingsCallback callback,
+                                                                void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_firewall_ipv4", ipv4Payload(count, addresses), "report_firewall_settings"),
+                       setFirewallResult);
+}
+
+KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv6(unsigned short count, in6_addr* addresses,
+                                                                KelvarisSDK_FirewallSettingsCallback callback,
+                                                                void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_firewall_ipv6", ipv6Payload(count, addresses), "report_firewall_settings"),
+                       setFirewallResult);
+}
+
+KelvarisSDK_FirewallSettingsResult
+KelvarisSDK::setFirewallPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
+                              KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_firewall_ports", portsPayload(count, ports), "report_firewall_settings"),
+                       setFirewallResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::getLocalProxySettings(KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_localproxy_settings", "report_localproxy_settings"),
+                            setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::setLocalProxyEnabled(bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
+                                  void* userData) {
+    Json::Value payload;
+    payload[Keys::_enabled] = enabled;
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_localproxy_enabled", payload, "report_localproxy_settings"),
+                       setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::setLocalProxyDomains(unsigned short count, char (*domains)[50],
+                                  KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_localproxy_domains", domainsPayload(count, domains), "report_localproxy_settings"),
+        setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::setLocalProxyIPv4(unsigned short count, in_addr* addresses,
+                               KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_localproxy_ipv4", ipv4Payload(count, addresses), "report_localproxy_settings"),
+        setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
+                               KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_localproxy_ipv6", ipv6Payload(count, addresses), "report_localproxy_settings"),
+        setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult
+KelvarisSDK::setLocalProxyPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
+                                KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    // The daemon locks these ports together with the firewall's, under the name of those.
+    return oneShotCall(websocket.get(), callback, userData,
+                       {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
+                        .awaited = {{"report_localproxy_settings"}},
+                        .settingName = "set_firewall_ports"},
+                       setLocalProxyResult);
+}
+
+KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEnable(
+    char const* title, bool enabled, KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
+    Json::Value payload;
+    payload[Keys::_title] = title;
+    payload[Keys::_enabled] = enabled;
+    // Services can't be locked.
+    return oneShotCall(websocket.get(), callback, userData,
+                       order("set_localproxy_domainwatchlist_enable", payload, "report_localproxy_settings"),
+                       setLocalProxyResult);
+}
+
+KelvarisSDK_StreamingSettingsResult
+KelvarisSDK::getStreamingSettings(KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_streaming_settings", "report_streaming_settings"),
+                            setStreamingResult);
+}
+
+KelvarisSDK_StreamingSettingsResult
+KelvarisSDK::setStreamingDomains(unsigned short count, char (*domains)[50],
+                                 KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_streaming_domains", domainsPayload(count, domains), "report_streaming_settings"),
+        setStreamingResult);
+}
+
+KelvarisSDK_StreamingSettingsResult
+KelvarisSDK::setStreamingIPv4(unsigned short count, in_addr* addresses,
+                              KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_streaming_ipv4", ipv4Payload(count, addresses), "report_streaming_settings"),
+        setStreamingResult);
+}
+
+KelvarisSDK_StreamingSettingsResult
+KelvarisSDK::setStreamingIPv6(unsigned short count, in6_addr* addresses,
+                              KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        change("set_streaming_ipv6", ipv6Payload(count, addresses), "report_streaming_settings"),
+        setStreamingResult);
+}
+
+KelvarisSDK_StreamingSettingsResult
+KelvarisSDK::setStreamingPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
+                               KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_streaming_ports", portsPayload(count, ports), "report_streaming_settings"),
+                       setStreamingResult);
+}
+
+} // namespace kelvarissdk
