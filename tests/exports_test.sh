@@ -12,8 +12,9 @@ if ! difference=$(diff <(echo "$exported") <(echo "$declared")); then
     echo "$difference"
     exit 1
 fi
-undocumented=$(awk '/^(KELVARISSDK_API|typedef struct|enum) / && above !~ /\*\/$/ { print FILENAME ": " $0 } { above = $0 }' \
-    "$2"/kelvarissdk/*.h)
+undocumented=$(awk '
+    /^(KELVARISSDK_API|typedef struct|enum) / && above !~ /\*\/$/ { print FILENAME ": " $0 }
+    { above = $0 }' "$2"/kelvarissdk/*.h)
 if [ -n "$undocumented" ]; then
     echo "No block stands above:"
     echo "$undocumented"
