@@ -131,6 +131,7 @@ KELVARISSDK_API KelvarisSDK_SessionStatsResult KelvarisSDK_GetSessionStats(
 
 /* ---- Streams ---- */
 
+/** How a stream is doing. */
 enum KelvarisSDK_StreamHealth KELVARISSDK_UINT32 {
     KelvarisSDK_StreamHealth_STOPPED = 0, /* also what any other number of the daemon is read as */
     KelvarisSDK_StreamHealth_POOR = 1,
@@ -179,6 +180,7 @@ KELVARISSDK_API KelvarisSDK_StreamingStatsResult KelvarisSDK_GetStreamingStats(
 
 /* ---- The end of the last session ---- */
 
+/** Why a session ended. */
 enum KelvarisSDK_DisconnectReason KELVARISSDK_UINT32 {
     KelvarisSDK_DisconnectReason_UNKNOWN = 0, /* also what any other text of the daemon is read as */
     KelvarisSDK_DisconnectReason_CONNECTIVITY = 1,
@@ -219,6 +221,7 @@ KELVARISSDK_API KelvarisSDK_DisconnectEventResult KelvarisSDK_GetLastDisconnectE
 
 /* ---- Speed and stream tests ---- */
 
+/** What a test measured. */
 enum KelvarisSDK_SpeedTestType KELVARISSDK_UINT32 {
     KelvarisSDK_SpeedTestType_SPEED = 0,
     KelvarisSDK_SpeedTestType_STREAMING = 1, /* 2 in the report */
