@@ -16,8 +16,36 @@ int processArgs(int argc, char* argv[]) {
 
     // clang-format off
     if (is(keyword, "state")) return stateAction(argc);
+    if (is(keyword, "safebrowsing")) return safeBrowsingAction(argc, argv);
+    if (is(keyword, "headercompression")) return headerCompressionAction(argc, argv);
+    if (is(keyword, "encryption")) return encryptionAction(argc, argv);
+    if (is(keyword, "jumbo")) return jumboAction(argc, argv);
+    if (is(keyword, "mode")) return modeAction(argc, argv);
+    if (is(keyword, "overflow")) return overflowAction(argc, argv);
+    if (is(keyword, "packetaggr")) return packetAggregationAction(argc, argv);
+    if (is(keyword, "ports")) return portsAction(argc, argv);
+    if (is(keyword, "show")) return showAction(argc, argv);
+    if (is(keyword, "startupconnect")) return startupConnectAction(argc, argv);
+    if (is(keyword, "stats")) return statsAction(argc, argv);
+    if (is(keyword, "adapter")) return adapterAction(argc, argv);
+    if (is(keyword, "transport")) return transportAction(argc, argv);
+    if (is(keyword, "privacy")) return privacyAction(argc);
+    if (is(keyword, "connect")) return connectAction(argc, argv);
+    if (is(keyword, "connectmethod")) return connectMethodAction(argc, argv);
+    if (is(keyword, "disconnect")) return disconnectAction(argc);
+    if (is(keyword, "login")) return loginAction(argc, argv);
+    if (is(keyword, "directory")) return directoryAction(argc, argv);
+    if (is(keyword, "gateway")) return gatewayAction(argc, argv);
+    if (is(keyword, "esni")) return esniAction(argc, argv);
+    if (is(keyword, "logout")) return logoutAction(argc);
+    if (is(keyword, "show")) return showAction(argc, argv);
     if (is(keyword, "version")) return versionAction(argc);
     if (is(keyword, "daemon")) return daemonAction(argc, argv);
+    if (is(keyword, "dns")) return dnsAction(argc, argv);
+    if (is(keyword, "captiveportal")) return captivePortalAction(argc, argv);
+    if (is(keyword, "route")) return routeAction(argc, argv);
+    if (is(keyword, "speedtest")) return speedtestAction();
+    if (is(keyword, "streamtest")) return streamtestAction();
     // clang-format on
 
     showUsage(1);

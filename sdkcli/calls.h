@@ -3,19 +3,95 @@
 
 #pragma once
 
+#include <kelvarissdk/csdkinterface.h>
+#include <kelvarissdk/session.h>
+
 // core
 int requestState();
 int requestVersion();
 int requestExit();
 
 // session
+int requestLogin(char const* username, char const* password);
+int loginOAuth(char const* token);
+int loginAutoAccount();
+int requestLogout();
+int requestUserData();
+int requestServers();
+int requestConnectAuto(KelvarisSDK_AutoConnectMethod method);
+int requestConnectCountry(char const* country);
+int requestConnectCity(char const* country, char const* city);
+int requestConnectServer(char const* country, char const* city, int num);
+int requestConnectProxy();
+int requestDisconnect();
+int requestCurrentServer();
+int requestServerSettings();
+int setConnectMethodAuto(KelvarisSDK_AutoConnectMethod method);
+int setConnectMethodCountry(char const* country);
+int setConnectMethodCity(char const* country, char const* city);
+int setConnectMethodServer(char const* country, char const* city, int num);
+int requestDirectory();
+int setEsniEnabled(bool enabled);
+int setDirectory(char const* domain);
+int resetDirectory();
+int setGateway(char const* uri);
+int resetGateway();
 
 // settings
+int requestConnectionSettings();
+int setMode(KelvarisSDK_BondingMode mode);
+int setTransportMode(KelvarisSDK_TransportMode mode);
+int setEncryption(bool enable);
+int setJumboMtu(bool enable);
+int setPacketAggregation(bool enable);
+int setHeaderCompression(bool enable);
+int setStartupConnect(bool connect);
+int setOverflowThreshold(double speed);
+int enableDefaultRoute(bool enable);
+int setForwardPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports);
+int setConnectionEncryption(char const* adapterID, bool enable);
+int requestPrivacySettings();
+int setDnsServers(unsigned short count, char (*addresses)[46]);
+int requestCaptivePortalCheck();
+int setCaptivePortalLoginOn(char const* adapterID);
+int setCaptivePortalLoginOff();
 
 // adapters
+int requestAdapters();
+int setAdapterPriority(char const* adapterID, KelvarisSDK_ConnectionPriority priority);
+int setAdapterRateLimit(char const* adapterID, long long bitsPerSecond);
+int resetConnectionRateLimit(char const* adapterID);
+int setAdapterMonthlyDataLimit(char const* adapterID, long long bytes, long long resetDay);
+int disableAdapterMonthlyDataLimit(char const* adapterID);
+int setAdapterDailyDataLimit(char const* adapterID, long long bytes);
+int disableAdapterDailyDataLimit(char const* adapterID);
+int addAdapterDailyDataLimitBoost(char const* adapterID, long long bytes);
+int setAdapterOverlimitRatelimit(char const* adapterID, long long bitsPerSecond);
+int resetAdapterUsage(char const* adapterID);
 
 // lists
 
 // telemetry
+int requestStats(int duration, unsigned char count, unsigned int const* periods);
+int requestLastDisconnectEvent();
+int startSpeedtest();
+int startStreamtest();
+int requestSpeedTestResults();
 
 // safebrowsing
+int startSafeBrowsing(char const* config);
+int stopSafeBrowsing();
+int initSafeBrowsing(char const* config);
+int setSafeBrowsingConfig(char const* config);
+int setSafeBrowsingEnabled(bool enable);
+int setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level);
+int setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value);
+int refreshSafeBrowsingToken(char const* token);
+// The connect errors 0 and 17 are successes of this call.
+int reportSafeBrowsingHomeNetwork(unsigned int retries, unsigned long long delay, unsigned long long timeout);
+int updateSafeBrowsingExtraInfo(char const* info);
+int getSafeBrowsingSettings();
+// Both print events as a stream until `duration` seconds after the first one; without end for 0 and -1.
+int listenForSafeBrowsingErrors(int duration);
+int listenForSafeBrowsingBlocks(int duration);
+int getSafeBrowsingStats();

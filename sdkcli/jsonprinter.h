@@ -18,13 +18,34 @@ void printVersionResult(KelvarisSDK_VersionResult const& result);
 Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned count);
 
 // session
+void printAccountingResult(KelvarisSDK_AccountingResult const& result);
+void printDirectoryResult(KelvarisSDK_DirectoryResult const& result);
+void printConnectResult(KelvarisSDK_ConnectResult const& result);
+void printServerSettingsResult(KelvarisSDK_ServerSettingsResult const& result);
+void printDirectorySettingsResult(KelvarisSDK_DirectorySettingsResult const& result);
 
 // settings
+void printSettingsResult(KelvarisSDK_SettingsResult const& result);
+void printPrivacySettingsResult(KelvarisSDK_PrivacySettingsResult const& result);
+void printCaptivePortalResult(KelvarisSDK_CaptivePortalCheckResult const& result);
+void printCaptivePortalLoginResult(KelvarisSDK_CaptivePortalLoginResult const& result);
 
 // adapters
+void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);
 
 // lists
 
 // telemetry
+// The brief form leaves out addresses, sockets, single directions, estimates, jitter and score.
+void printConnectionStatsResult(KelvarisSDK_ConnectionStatsResult const& result, bool briefOutput);
+void printSessionStatsResult(KelvarisSDK_SessionStatsResult const& result);
+void printStreamingStatsResult(KelvarisSDK_StreamingStatsResult const& result);
+void printDisconnectEvent(KelvarisSDK_DisconnectEventResult const& result);
+void printSpeedTestResult(KelvarisSDK_SpeedTestResult const& result);
 
 // safebrowsing
+void printSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult const& result);
+void printSafeBrowsingConnectError(KelvarisSDK_SafeBrowsingResult const& result);
+void printSafeBrowsingErrorResult(KelvarisSDK_SafeBrowsingErrorResult const& result);
+void printSafeBrowsingBlockResult(KelvarisSDK_SafeBrowsingBlockResult const& result);
+void printSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult const& result);

@@ -44,7 +44,7 @@ void takeOptions(int& argc, char**& argv, KelvarisSDK_CreateSettings& settings) 
         return;
     }
     if (isOption(argv[1], "-i", "--ip")) {
-        std::strncpy(settings.address, argv[2], sizeof(settings.address));
+        copyWord(settings.address, argv[2]);
         bool const portMayFollow = argc >= 5;
         argc -= 2;
         argv += 2;
@@ -62,7 +62,7 @@ void takeOptions(int& argc, char**& argv, KelvarisSDK_CreateSettings& settings) 
 int runAction(int argc, char* argv[]) {
     KelvarisSDK_CreateSettings settings;
     KelvarisSDK_InitializeCreateSettings(&settings);
-    std::strncpy(settings.appName, "Kelvaris", sizeof(settings.appName));
+    copyWord(settings.appName, "Kelvaris");
     takeOptions(argc, argv, settings);
 
     sdk = KelvarisSDK_CreateWithSettings(settings);

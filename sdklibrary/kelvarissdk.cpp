@@ -1,6 +1,8 @@
 #include "kelvarissdk.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -10,6 +12,9 @@
 namespace kelvarissdk {
 
 namespace {
+
+constexpr std::chrono::milliseconds statsTick(250);
+constexpr uint64_t statsRepeatMs = 45001;
 
 // The address as C callers see it: a full field runs on to the record's end.
 std::string addressOf(KelvarisSDK_CreateSettings const& settings) {
@@ -28,8 +33,33 @@ KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
     if (!name.empty()) {
         setAppName(name.c_str());
     }
+    statsRunnerActive = true;
+    statsThread = startThread([this] { statsEnabledRunner(); });
 }
 
-KelvarisSDK::~KelvarisSDK() = default;
+KelvarisSDK::~KelvarisSDK() {
+    {
+        std::lock_guard const lock(statsLock);
+        statsRunnerActive = false;
+    }
+    statsRunnerEnds.notify_all();
+    statsThread.join();
+}
+
+// The first tick that finds the subscription wanted repeats it, and so may the first after a pause.
+void KelvarisSDK::statsEnabledRunner() {
+    uint64_t lastRepeat = 0;
+    std::unique_lock lock(statsLock);
+    while (statsRunnerActive) {
+        if (statsEnabled) {
+            uint64_t const now = getTimeMillis();
+            if (now - lastRepeat >= statsRepeatMs) {
+                enableStatUpdates(true, 0, nullptr);
+                lastRepeat = now;
+            }
+        }
+        statsRunnerEnds.wait_for(lock, statsTick, [this] { return !statsRunnerActive; });
+    }
+}
 
 } // namespace kelvarissdk

@@ -2,7 +2,11 @@
 
 #pragma once
 
+#include <condition_variable>
 #include <memory>
+#include <string>
+#include <mutex>
+#include <thread>
 
 #include <kelvarissdk/csdkinterface.h>
 
@@ -29,21 +33,189 @@ public:
     KelvarisSDK_BaseResult daemonExit();
 
     // session
+    KelvarisSDK_StateResult login(char const* username, char const* password,
+                                  KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult loginOAuth(char const* token, KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_StateResult logout(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_AccountingResult getAccountingData(KelvarisSDK_AccountingCallback callback, void* userData);
+
+    KelvarisSDK_DirectoryResult getDirectory(KelvarisSDK_DirectoryCallback callback, void* userData);
+
+    KelvarisSDK_ConnectResult connectAuto(KelvarisSDK_AutoConnectMethod method,
+                                          KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectCountry(char const* country, KelvarisSDK_ConnectCallback callback,
+                                             void* userData);
+    KelvarisSDK_ConnectResult connectCity(char const* country, char const* city,
+                                          KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectServer(char const* country, char const* city, int num,
+                                            KelvarisSDK_ConnectCallback callback, void* userData);
+    KelvarisSDK_ConnectResult connectProxy(KelvarisSDK_ConnectCallback callback, void* userData);
+    // By the text that names a server or a way to choose one.
+    KelvarisSDK_ConnectResult connectCombined(std::string const& server, KelvarisSDK_ConnectCallback callback,
+                                              void* userData);
+    KelvarisSDK_StateResult disconnect(KelvarisSDK_StateCallback callback, void* userData);
+    KelvarisSDK_ConnectResult getConnectedServer(KelvarisSDK_ConnectCallback callback, void* userData);
+
+    KelvarisSDK_ServerSettingsResult getServerSettings(KelvarisSDK_ServerSettingsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodAuto(KelvarisSDK_AutoConnectMethod method,
+                                                          KelvarisSDK_ServerSettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_ServerSettingsResult
+    setConnectMethodCountry(char const* country, KelvarisSDK_ServerSettingsCallback callback, void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodCity(char const* country, char const* city,
+                                                          KelvarisSDK_ServerSettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_ServerSettingsResult setConnectMethodServer(char const* country, char const* city, int num,
+                                                            KelvarisSDK_ServerSettingsCallback callback,
+                                                            void* userData);
+    // By the texts of the request.
+    KelvarisSDK_ServerSettingsResult setConnectMethodCombined(std::string const& method,
+                                                              std::string const& countryCode,
+                                                              KelvarisSDK_ServerSettingsCallback callback,
+                                                              void* userData);
+
+    KelvarisSDK_DirectorySettingsResult getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback,
+                                                             void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback,
+                                                             void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_DirectorySettingsResult
+    resetDirectoryGatewayURI(KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
     // settings
+    KelvarisSDK_SettingsResult getSettings(KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_SettingsResult setMode(KelvarisSDK_BondingMode mode, KelvarisSDK_SettingsCallback callback,
+                                       void* userData);
+    KelvarisSDK_SettingsResult setConnectionTransportMode(KelvarisSDK_TransportMode mode,
+                                                          KelvarisSDK_SettingsCallback callback,
+                                                          void* userData);
+    KelvarisSDK_SettingsResult setTunnelEncrypted(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                  void* userData);
+    KelvarisSDK_SettingsResult setJumboPackets(bool enable, KelvarisSDK_SettingsCallback callback,
+                                               void* userData);
+    KelvarisSDK_SettingsResult setPacketAggregation(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setHeaderCompression(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setStartupConnect(bool connect, KelvarisSDK_SettingsCallback callback,
+                                                 void* userData);
+    KelvarisSDK_SettingsResult setOverflowThreshold(double speed, KelvarisSDK_SettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_SettingsResult setEnableDefaultRoute(bool enable, KelvarisSDK_SettingsCallback callback,
+                                                     void* userData);
+    KelvarisSDK_SettingsResult setForwardPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
+                                               KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_SettingsResult setConnectionEncryption(char const* adapterID, bool enable,
+                                                       KelvarisSDK_SettingsCallback callback, void* userData);
+    KelvarisSDK_PrivacySettingsResult getPrivacySettings(KelvarisSDK_PrivacySettingsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_PrivacySettingsResult setDNSServers(unsigned short count, char (*addresses)[46],
+                                                    KelvarisSDK_PrivacySettingsCallback callback,
+                                                    void* userData);
+    KelvarisSDK_CaptivePortalCheckResult
+    checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callback, void* userData);
+    KelvarisSDK_CaptivePortalLoginResult
+    setCaptivePortalLoginMode(bool enable, char const* adapterID,
+                              KelvarisSDK_CaptivePortalLoginCallback callback, void* userData);
 
     // adapters
+    KelvarisSDK_AdaptersResult getAdapters(KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setConnectionPriorities(char const* adapterID,
+                                                       KelvarisSDK_ConnectionPriority priority,
+                                                       KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setConnectionRateLimit(char const* adapterID, long long bitsPerSecond,
+                                                      KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult
+    resetConnectionRateLimit(char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_AdaptersResult setAdapterMonthlyDataLimit(char const* adapterID, long long bytes,
+                                                          long long resetDay,
+                                                          KelvarisSDK_AdaptersCallback callback,
+                                                          void* userData);
+    KelvarisSDK_AdaptersResult disableAdapterMonthlyDataLimit(char const* adapterID,
+                                                              KelvarisSDK_AdaptersCallback callback,
+                                                              void* userData);
+    KelvarisSDK_AdaptersResult setAdapterDailyDataLimit(char const* adapterID, long long bytes,
+                                                        KelvarisSDK_AdaptersCallback callback,
+                                                        void* userData);
+    KelvarisSDK_AdaptersResult disableAdapterDailyDataLimit(char const* adapterID,
+                                                            KelvarisSDK_AdaptersCallback callback,
+                                                            void* userData);
+    KelvarisSDK_AdaptersResult addAdapterDailyDataLimitBoost(char const* adapterID, long long bytes,
+                                                             KelvarisSDK_AdaptersCallback callback,
+                                                             void* userData);
+    KelvarisSDK_AdaptersResult setAdapterOverlimitRatelimit(char const* adapterID, long long bitsPerSecond,
+                                                            KelvarisSDK_AdaptersCallback callback,
+                                                            void* userData);
+    KelvarisSDK_AdaptersResult resetAdapterUsage(char const* adapterID, KelvarisSDK_AdaptersCallback callback,
+                                                 void* userData);
 
     // lists
 
     // telemetry
+    KelvarisSDK_BaseResult enableStatUpdates(bool enable, unsigned char periodCount,
+                                             unsigned int const* periods);
+    KelvarisSDK_ConnectionStatsResult getConnectionStats(KelvarisSDK_ConnectionStatsCallback callback,
+                                                         void* userData);
+    KelvarisSDK_SessionStatsResult getSessionStats(KelvarisSDK_SessionStatsCallback callback, void* userData);
+    KelvarisSDK_StreamingStatsResult getStreamingStats(KelvarisSDK_StreamingStatsCallback callback,
+                                                       void* userData);
+    KelvarisSDK_DisconnectEventResult getLastDisconnectEvent(KelvarisSDK_DisconnectEventCallback callback,
+                                                             void* userData);
+    KelvarisSDK_SpeedTestResult getSpeedTestResults(KelvarisSDK_SpeedTestCallback callback, void* userData);
+    KelvarisSDK_SpeedTestResult startSpeedTest(KelvarisSDK_SpeedTestCallback callback, void* userData);
+    KelvarisSDK_SpeedTestResult startStreamTest(KelvarisSDK_SpeedTestCallback callback, void* userData);
 
     // safebrowsing
+    KelvarisSDK_SafeBrowsingResult
+    initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingConfig(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingEnabled(bool enable, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level,
+                                                           KelvarisSDK_SafeBrowsingCallback callback,
+                                                           void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
+                                       KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult
+    refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    // Unlike the others, with its own arguments last.
+    KelvarisSDK_SafeBrowsingResult reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback,
+                                                                 void* userData, unsigned int retries,
+                                                                 unsigned long long delay,
+                                                                 unsigned long long timeout);
+    KelvarisSDK_SafeBrowsingResult
+    updateSafeBrowsingExtraInfo(char const* info, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingResult getSafeBrowsing(KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingErrorResult
+    listenForSafeBrowsingError(KelvarisSDK_SafeBrowsingErrorCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingBlockResult
+    listenForSafeBrowsingBlock(KelvarisSDK_SafeBrowsingBlockCallback callback, void* userData);
+    KelvarisSDK_SafeBrowsingStatsResult getSafeBrowsingStats(KelvarisSDK_SafeBrowsingStatsCallback callback,
+                                                             void* userData);
 
 protected:
+    // Repeats the subscription to statistics while it is wanted; the body of statsThread.
+    void statsEnabledRunner();
+
+    std::recursive_mutex statsLock; // recursive: the runner calls enableStatUpdates. Held while that sends
+    bool statsEnabled = false;      // guarded by statsLock, as is the next; the subscription is wanted
+    bool statsRunnerActive = false; // the runner shall go on
+    std::condition_variable_any statsRunnerEnds;
+
     // Constant after construction.
     char appName[32];
     std::unique_ptr<WebsocketImpl> websocket; // no method starts a call without it
+
+    std::thread statsThread; // last: it uses all of the above
 };
 
 } // namespace kelvarissdk

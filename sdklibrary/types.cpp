@@ -1,6 +1,13 @@
-// The texts of the enumerations.
+// The texts of the enumerations, and the names of servers.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
 
 #include <kelvarissdk/csdkinterface.h>
+
+#include "locationnames.h"
 
 // core
 
@@ -106,12 +113,229 @@ const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol)
 
 // session
 
+const char* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type) {
+    switch (type) {
+    case KelvarisSDK_AccountPaymentType_FREE:
+        return "free";
+    case KelvarisSDK_AccountPaymentType_MONTHLY:
+        return "monthly";
+    case KelvarisSDK_AccountPaymentType_YEARLY:
+        return "yearly";
+    }
+    return "Unknown payment type";
+}
+
+const char* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method) {
+    switch (method) {
+    case KelvarisSDK_AutoConnectMethod_CLOSEST:
+        break;
+    case KelvarisSDK_AutoConnectMethod_PRIVATE:
+        return "private";
+    case KelvarisSDK_AutoConnectMethod_PUBLIC:
+        return "public";
+    case KelvarisSDK_AutoConnectMethod_LAST:
+        return "last";
+    case KelvarisSDK_AutoConnectMethod_P2P:
+        return "p2p";
+    case KelvarisSDK_AutoConnectMethod_AUTO:
+        return "auto";
+    case KelvarisSDK_AutoConnectMethod_COUNTRY:
+        return "country";
+    case KelvarisSDK_AutoConnectMethod_PROXY:
+        return "proxy";
+    }
+    return "closest";
+}
+
+namespace {
+
+// A static result: 100 bytes of text, and a zero byte behind them that nothing overwrites.
+class NameBuffer {
+public:
+    char const* set(std::string const& name) {
+        std::strncpy(bytes, name.c_str(), sizeof(bytes) - 1);
+        return bytes;
+    }
+
+private:
+    char bytes[100 + 1];
+};
+
+NameBuffer serverInfo_buffer_country;
+NameBuffer serverInfo_buffer_city;
+NameBuffer serverInfo_buffer_fullName;
+
+// A code up to its first zero byte: a full field runs on into the next, but never past the record.
+std::string codeIn(KelvarisSDK_ServerInformation const& info, char const* field) {
+    char const* const end = reinterpret_cast<char const*>(&info + 1);
+    return {field, std::find(field, end, '\0')};
+}
+
+} // namespace
+
+const char* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
+    return serverInfo_buffer_country.set(kelvarissdk::getCountry(codeIn(info, info.country)));
+}
+
+const char* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
+    return serverInfo_buffer_city.set(kelvarissdk::getCity(codeIn(info, info.city)));
+}
+
+const char* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
+    std::string name = KelvarisSDK_ServerInformation_GetCountryName(info);
+    std::string const city = KelvarisSDK_ServerInformation_GetCityName(info);
+    if (!city.empty()) {
+        name += " - " + city;
+    }
+    if (info.num > 0) {
+        name += " #" + std::to_string(info.num);
+    }
+    return serverInfo_buffer_fullName.set(name);
+}
+
+const char* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info) {
+    KelvarisSDK_ServerInformation leading{};
+    std::memcpy(&leading, &info, offsetof(KelvarisSDK_ServerInformationDetailed, torrentAllowed));
+    return KelvarisSDK_ServerInformation_toString(leading);
+}
+
 // settings
 
 // adapters
+
+const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state) {
+    switch (state) {
+    case KelvarisSDK_ConnectionState_DISCONNECTED:
+        break;
+    case KelvarisSDK_ConnectionState_CONNECTING:
+        return "connecting";
+    case KelvarisSDK_ConnectionState_CONNECTED:
+        return "connected";
+    }
+    return "disconnected";
+}
+
+const char* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type) {
+    switch (type) {
+    case KelvarisSDK_NetworkType_WIFI:
+        break;
+    case KelvarisSDK_NetworkType_ETHERNET:
+        return "Ethernet";
+    case KelvarisSDK_NetworkType_CELLULAR:
+        return "Cellular";
+    case KelvarisSDK_NetworkType_VPN:
+        return "VPN";
+    case KelvarisSDK_NetworkType_LOOPBACK:
+        return "Loopback";
+    case KelvarisSDK_NetworkType_BLUETOOTH:
+        return "Bluetooth";
+    case KelvarisSDK_NetworkType_UNKNOWN:
+        return "Unknown";
+    }
+    return "Wi-Fi";
+}
+
+const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority) {
+    switch (priority) {
+    case KelvarisSDK_ConnectionPriority_ALWAYS:
+        break;
+    case KelvarisSDK_ConnectionPriority_SECONDARY:
+        return "secondary";
+    case KelvarisSDK_ConnectionPriority_BACKUP:
+        return "backup";
+    case KelvarisSDK_ConnectionPriority_NEVER:
+        return "never";
+    }
+    return "always";
+}
 
 // lists
 
 // telemetry
 
+const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {
+    switch (health) {
+    case KelvarisSDK_StreamHealth_STOPPED:
+        break;
+    case KelvarisSDK_StreamHealth_POOR:
+        return "poor";
+    case KelvarisSDK_StreamHealth_GOOD:
+        return "good";
+    }
+    return "stopped";
+}
+
+const char* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason) {
+    switch (reason) {
+    case KelvarisSDK_DisconnectReason_UNKNOWN:
+        break;
+    case KelvarisSDK_DisconnectReason_CONNECTIVITY:
+        return "CONNECTIVITY";
+    case KelvarisSDK_DisconnectReason_AIRPLANE:
+        return "AIRPLANE";
+    case KelvarisSDK_DisconnectReason_REBOOT:
+        return "REBOOT";
+    case KelvarisSDK_DisconnectReason_UPDATE:
+        return "UPDATE";
+    case KelvarisSDK_DisconnectReason_CRASH:
+        return "CRASH";
+    case KelvarisSDK_DisconnectReason_SLEEP:
+        return "SLEEP";
+    case KelvarisSDK_DisconnectReason_USERINITIATED:
+        return "USERINITIATED";
+    case KelvarisSDK_DisconnectReason_TORRENT:
+        return "TORRENT";
+    case KelvarisSDK_DisconnectReason_SERVICESTOP:
+        return "SERVICESTOP";
+    case KelvarisSDK_DisconnectReason_STARTTIMEOUT:
+        return "STARTTIMEOUT";
+    case KelvarisSDK_DisconnectReason_INACTIVETIMEOUT:
+        return "INACTIVETIMEOUT";
+    case KelvarisSDK_DisconnectReason_SETTINGCHANGERECONNECT:
+        return "SETTINGCHANGERECONNECT";
+    case KelvarisSDK_DisconnectReason_DNSTIMEOUT:
+        return "DNSTIMEOUT";
+    case KelvarisSDK_DisconnectReason_TUNNELTIMEOUT:
+        return "TUNNELTIMEOUT";
+    case KelvarisSDK_DisconnectReason_OVERQUOTA:
+        return "OVERQUOTA";
+    case KelvarisSDK_DisconnectReason_SAFENETWORK:
+        return "SAFENETWORK";
+    }
+    return "UNKNOWN";
+}
+
+const char* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type) {
+    return type == KelvarisSDK_SpeedTestType_STREAMING ? "streaming" : "speed";
+}
+
 // safebrowsing
+
+const char* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level) {
+    switch (level) {
+    case KelvarisSDK_SafeBrowsingLogLevel_DEBUG:
+        break;
+    case KelvarisSDK_SafeBrowsingLogLevel_INFO:
+        return "info";
+    case KelvarisSDK_SafeBrowsingLogLevel_ERROR:
+        return "error";
+    case KelvarisSDK_SafeBrowsingLogLevel_TRACE:
+        return "trace";
+    case KelvarisSDK_SafeBrowsingLogLevel_WARNING:
+        return "warning";
+    }
+    return "debug";
+}
+
+const char*
+KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(KelvarisSDK_SafeBrowsingSafeNetworkOverride value) {
+    switch (value) {
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_NONE:
+        break;
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_UNSAFE:
+        return "unsafe";
+    case KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE:
+        return "safe";
+    }
+    return "none";
+}

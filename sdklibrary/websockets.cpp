@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <iterator>
+#include <string_view>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -51,7 +52,7 @@ bool passesFilter(Json::Value const& members, Json::Value const& payload) {
 bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* begin = nullptr;
     char const* end = nullptr;
-    return awaited["event"].getString(&begin, &end) && name.compare(0, name.npos, begin, end - begin) == 0;
+    return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
 
 } // namespace

@@ -11,6 +11,12 @@ namespace {
 
 void registerFamilies(Registry& registry) {
     registerCore(registry);
+    registerSafeBrowsing(registry);
+    registerSettings(registry);
+    registerAdapters(registry);
+    registerSession(registry);
+    registerDirectorySettings(registry);
+    registerTelemetry(registry);
 }
 
 int run(const std::vector<std::string>& words) {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "daemonoptions.h"
 #include "link.h"
 #include "registry.h"
-#include "settings.h"
 
 #include <deque>
 #include <map>

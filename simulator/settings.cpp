@@ -1,46 +1,142 @@
-#include "settings.h"
+#include "families.h"
+#include "registry.h"
 
-#include <limits>
+#include <memory>
 
 namespace kelvarissim {
 
 namespace {
 
-constexpr int longestMs = 3'600'000;
-constexpr unsigned mostRequests = std::numeric_limits<unsigned>::max();
+constexpr Json::ArrayIndex mostDnsServers = 3;
 
-// "REQUEST=REASON"
-bool addLock(std::map<std::string, int>& locks, const std::string& word) {
-    const std::size_t equals = word.rfind('=');
-    if (equals == std::string::npos || equals == 0) {
-        return false;
+// What is set, as it is reported.
+struct Tunnel {
+    Json::Value connection;
+    Json::Value privacy;
+};
+
+// A request that replaces one setting. Many settings have a key of their own in the report.
+struct PlainSetting {
+    const char* request;
+    const char* sentKey;
+    const char* reportedKey;
+};
+
+constexpr PlainSetting plainSettings[] = {
+    {"set_connection_algorithm", "algorithm", "algorithm"},
+    {"set_connection_transport", "transport_mode", "transport_mode"},
+    {"set_dev_jumbo_packets", "enable", "jumbo_packets"},
+    {"set_packet_aggregation", "enable", "packet_aggregation"},
+    {"set_header_compression", "enable", "header_compress"},
+    {"set_startup_connect", "connect", "startup_connect"},
+    {"set_overflow_threshold", "speed", "connection_secondary_speed_activation"},
+    {"set_connection_enable_default_route", "enabled", "enable_default_route"},
+    {"set_connection_forward_ports", "forward_ports", "forward_ports"},
+};
+
+Json::Value firstConnectionSettings() {
+    Json::Value settings;
+    settings["algorithm"] = "SP";
+    settings["transport_mode"] = "auto";
+    settings["encrypted"] = true;
+    settings["allow_chacha_encryption"] = true;
+    settings["jumbo_packets"] = false;
+    settings["packet_aggregation"] = true;
+    settings["header_compress"] = true;
+    settings["startup_connect"] = false;
+    settings["enable_default_route"] = true;
+    settings["connection_secondary_speed_activation"] = 2.5;
+    settings["connection_priority_overflow_treshold"] = 0.5;
+    settings["forward_ports"] = Json::Value(Json::arrayValue);
+    settings["perconn_encryption"] = false;
+    settings["perconn_encryption_settings"] = Json::Value(Json::objectValue);
+    settings["parallel_sockets"]["eth0"] = 4;
+    settings["parallel_sockets"]["wlan0"] = 2;
+    settings["language"] = "en";
+    return settings;
+}
+
+Json::Value firstPrivacySettings() {
+    Json::Value settings;
+    settings["killswitch"] = false;
+    settings["dnsleak"] = true;
+    settings["ipleak"] = true;
+    settings["dns_addresses"] = Json::Value(Json::arrayValue);
+    settings["do_not_store_credentials"] = false;
+    return settings;
+}
+
+void reportConnection(const Tunnel& tunnel, Daemon& daemon) {
+    daemon.broadcast("report_connection_settings", tunnel.connection);
+}
+
+// For one adapter when the request names it; for the whole tunnel, which ends the adapters' own settings,
+// when it names none.
+void setEncryption(Tunnel& tunnel, const Request& request) {
+    const bool enable = request.payload["enable"].asBool();
+    Json::Value& settings = tunnel.connection;
+    if (request.payload.isMember("guid")) {
+        settings["perconn_encryption"] = true;
+        settings["perconn_encryption_settings"][request.payload["guid"].asString()] = enable;
+    } else {
+        settings["encrypted"] = enable;
+        settings["perconn_encryption"] = false;
+        settings["perconn_encryption_settings"].clear();
     }
-    const auto reason = readNumber<int>(std::string_view(word).substr(equals + 1),
-                                        std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    if (reason) {
-        locks[word.substr(0, equals)] = *reason;
+    reportConnection(tunnel, request.daemon);
+}
+
+void setDnsServers(Tunnel& tunnel, const Request& request) {
+    Json::Value& addresses = tunnel.privacy["dns_addresses"];
+    addresses = request.payload["dns_addresses"];
+    if (addresses.size() > mostDnsServers) {
+        addresses.resize(mostDnsServers);
     }
-    return reason.has_value();
+    request.daemon.broadcast("report_privacy_settings", tunnel.privacy);
+}
+
+// The wireless network of this world is always captive.
+Json::Value captiveNetworks() {
+    Json::Value report;
+    report["networks"].append("wlan0");
+    return report;
+}
+
+void setPortalLogin(const Request& request) {
+    const bool enable = request.payload["enable"].asBool();
+    Json::Value report;
+    report["enabled"] = enable;
+    report["network"] = enable ? request.payload["network"] : Json::Value("");
+    request.daemon.broadcast("report_cplogin_network", report);
 }
 
 } // namespace
 
-void addDaemonOptions(OptionTable& options, Settings& settings) {
-    options.number<std::uint16_t>("--port", "N", "listens on this port (9330); 0 picks a free one", 0, 65535,
-                                  settings.port);
-    options.flag("--verbose", "logs each request (<-) and each report (->) on standard error",
-                 settings.verbose);
-    options.number("--interval", "MS", "time between two periodic reports (1000)", 1, longestMs,
-                   settings.intervalMs);
-    options.flag("--silent", "upgrades and obeys, but reports nothing", settings.silent);
-    options.number("--delay", "MS", "handles each request that much later, in order", 0, longestMs,
-                   settings.delayMs);
-    options.text("--lock", "REQUEST=REASON", "answers that request with a locked setting; repeatable",
-                 [&settings](const std::string& word) { return addLock(settings.locks, word); });
-    options.number("--drop-after", "N", "drops each link after N requests on it, set_app_name included", 1U,
-                   mostRequests, settings.dropAfter);
-    options.number("--close-frame-after", "N", "sends a WebSocket close frame after N requests instead", 1U,
-                   mostRequests, settings.closeFrameAfter);
+void registerSettings(Registry& registry) {
+    auto tunnel = std::make_shared<Tunnel>();
+    tunnel->connection = firstConnectionSettings();
+    tunnel->privacy = firstPrivacySettings();
+
+    registry.on("request_connection_settings", [tunnel](const Request& request) {
+        request.answer("report_connection_settings", tunnel->connection);
+    });
+    for (const PlainSetting& setting : plainSettings) {
+        registry.on(setting.request, [tunnel, setting](const Request& request) {
+            tunnel->connection[setting.reportedKey] = request.payload[setting.sentKey];
+            reportConnection(*tunnel, request.daemon);
+        });
+    }
+    registry.on("set_encryption_enabled",
+                [tunnel](const Request& request) { setEncryption(*tunnel, request); });
+
+    registry.on("request_privacy_settings", [tunnel](const Request& request) {
+        request.answer("report_privacy_settings", tunnel->privacy);
+    });
+    registry.on("set_dns_servers", [tunnel](const Request& request) { setDnsServers(*tunnel, request); });
+
+    registry.on("check_captive_networks",
+                [](const Request& request) { request.answer("report_captive_networks", captiveNetworks()); });
+    registry.on("set_cplogin_enable", setPortalLogin);
 }
 
 } // namespace kelvarissim

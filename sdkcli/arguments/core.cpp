@@ -36,8 +36,19 @@ int showAction(int argc, char* argv[]) {
     char const* const word = argv[2];
 
     // clang-format off
+    if (is(word, "settings")) return requestConnectionSettings();
+    if (is(word, "privacy")) return requestPrivacySettings();
+    if (is(word, "adapters")) return requestAdapters();
+    if (is(word, "countries")) return requestServers();
+    if (is(word, "cities")) return requestServers();
+    if (is(word, "servers")) return requestServers();
+    if (is(word, "currentserver")) return requestCurrentServer();
+    if (is(word, "user")) return requestUserData();
+    if (is(word, "directory")) return requestDirectory();
+    if (is(word, "connectmethod")) return requestServerSettings();
+    if (is(word, "disconnect")) return requestLastDisconnectEvent();
+    if (is(word, "speedtest")) return requestSpeedTestResults();
     // clang-format on
 
-    (void)word;
     return invalid(usage);
 }

@@ -3,7 +3,9 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 
 #include <kelvarissdk/types.h>
@@ -29,3 +31,10 @@ std::optional<unsigned long long> readUnsigned(char const* word);
 // A port, 1 to 65535, with "/tcp" or "/udp" behind it; tcp without. What follows those three letters isn't
 // looked at.
 std::optional<KelvarisSDK_ProtocolPortPair> readPortPair(char const* word);
+
+// Fills a field with a word over its full width; a word as long as the field leaves no terminator.
+template <std::size_t N> void copyWord(char (&field)[N], char const* word) {
+    std::size_t const length = strnlen(word, N);
+    std::memcpy(field, word, length);
+    std::memset(field + length, 0, N - length);
+}

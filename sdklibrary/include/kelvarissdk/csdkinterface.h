@@ -51,6 +51,11 @@
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
 
+#include <kelvarissdk/safebrowsing.h>
+#include <kelvarissdk/adapters.h>
+#include <kelvarissdk/settings.h>
+#include <kelvarissdk/session.h>
+#include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
 
 #ifdef __cplusplus

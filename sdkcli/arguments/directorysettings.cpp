@@ -1,0 +1,28 @@
+// The grammar of the directory settings. A domain or a URI may be any word, an empty one too.
+
+#include "../calls.h"
+#include "actions.h"
+#include "readers.h"
+
+int directoryAction(int argc, char* argv[]) {
+    if (argc > 3) {
+        return invalid("directory [directory server domain]");
+    }
+    return argc == 3 ? setDirectory(argv[2]) : resetDirectory();
+}
+
+int gatewayAction(int argc, char* argv[]) {
+    if (argc > 3) {
+        return invalid("gateway [directory gateway uri]");
+    }
+    return argc == 3 ? setGateway(argv[2]) : resetGateway();
+}
+
+int esniAction(int argc, char* argv[]) {
+    char const* const usage = "esni <on|off>";
+    if (argc == 2) {
+        return missing(usage);
+    }
+    std::optional<bool> const enabled = argc == 3 ? readOnOff(argv[2]) : std::nullopt;
+    return enabled ? setEsniEnabled(*enabled) : invalid(usage);
+}

@@ -1,0 +1,98 @@
+#include "../calls.h"
+
+#include "../arguments.h"
+#include "finish.h"
+#include "stream.h"
+
+namespace {
+
+// Like finish(), but for a connect error, which is a result with a document and a status of its own.
+int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int connectErrorStatus) {
+    if (!result.base.error && result.connectErrorSet) {
+        printSafeBrowsingConnectError(result);
+        return connectErrorStatus;
+    }
+    return finish(result, printSafeBrowsingResult);
+}
+
+bool safeBrowsingErrorCb(KelvarisSDK_SafeBrowsingErrorResult result, void* userData) {
+    return streamDocument("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
+}
+
+bool safeBrowsingBlockCb(KelvarisSDK_SafeBrowsingBlockResult result, void* userData) {
+    return streamDocument("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
+}
+
+} // namespace
+
+// A connect error of the second step isn't looked at here: the settings are printed as far as they are known.
+int startSafeBrowsing(char const* config) {
+    return finish(KelvarisSDK_StartSafeBrowsing(sdk, config, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int stopSafeBrowsing() {
+    return finish(KelvarisSDK_StopSafeBrowsing(sdk, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int initSafeBrowsing(char const* config) {
+    return finishOrConnectError(KelvarisSDK_InitSafeBrowsing(sdk, config, nullptr, nullptr), 1);
+}
+
+int setSafeBrowsingConfig(char const* config) {
+    return finish(KelvarisSDK_SetSafeBrowsingConfig(sdk, config, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int setSafeBrowsingEnabled(bool enable) {
+    return finish(KelvarisSDK_SetSafeBrowsingEnabled(sdk, enable, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level) {
+    return finish(KelvarisSDK_SetSafeBrowsingLogLevel(sdk, level, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value) {
+    return finish(KelvarisSDK_SetSafeBrowsingSafeNetworkOverride(sdk, value, nullptr, nullptr),
+                  printSafeBrowsingResult);
+}
+
+int refreshSafeBrowsingToken(char const* token) {
+    return finishOrConnectError(KelvarisSDK_RefreshSafeBrowsingToken(sdk, token, nullptr, nullptr), 1);
+}
+
+int reportSafeBrowsingHomeNetwork(unsigned int retries, unsigned long long delay,
+                                  unsigned long long timeout) {
+    KelvarisSDK_SafeBrowsingResult const result = KelvarisSDK_ReportSafeBrowsingHomeNetworkWithParameters(
+        sdk, retries, delay, timeout, nullptr, nullptr);
+    bool const isHarmless = result.connectErrorCode == 0 || result.connectErrorCode == 17;
+    return finishOrConnectError(result, isHarmless ? 0 : 1);
+}
+
+int updateSafeBrowsingExtraInfo(char const* info) {
+    return finishOrConnectError(KelvarisSDK_UpdateSafeBrowsingExtraInfo(sdk, info, nullptr, nullptr), 1);
+}
+
+int getSafeBrowsingSettings() {
+    return finish(KelvarisSDK_GetSafeBrowsing(sdk, nullptr, nullptr), printSafeBrowsingResult);
+}
+
+int listenForSafeBrowsingErrors(int duration) {
+    FirstReportTime firstReportTime = 0;
+    KelvarisSDK_SafeBrowsingErrorResult const call =
+        KelvarisSDK_ListenForSafeBrowsingError(sdk, safeBrowsingErrorCb, &firstReportTime);
+    waitForEndOfStream(duration, firstReportTime);
+    KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
+    return 0;
+}
+
+int listenForSafeBrowsingBlocks(int duration) {
+    FirstReportTime firstReportTime = 0;
+    KelvarisSDK_SafeBrowsingBlockResult const call =
+        KelvarisSDK_ListenForSafeBrowsingBlock(sdk, safeBrowsingBlockCb, &firstReportTime);
+    waitForEndOfStream(duration, firstReportTime);
+    KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
+    return 0;
+}
+
+int getSafeBrowsingStats() {
+    return finish(KelvarisSDK_GetSafeBrowsingStats(sdk, nullptr, nullptr), printSafeBrowsingStatsResult);
+}

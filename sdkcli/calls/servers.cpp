@@ -1,0 +1,8 @@
+#include "../calls.h"
+
+#include "../arguments.h"
+#include "finish.h"
+
+int requestServers() {
+    return finish(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr), printDirectoryResult);
+}

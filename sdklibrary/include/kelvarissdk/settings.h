@@ -1,0 +1,178 @@
+/*
+ * How the daemon's tunnel is set up: connection settings, privacy and DNS, captive portals.
+ */
+#ifndef KELVARISSDK_SETTINGS_H
+#define KELVARISSDK_SETTINGS_H
+
+#include <kelvarissdk/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Connection settings ---- */
+
+/** Whether an adapter's part of the tunnel is encrypted. */
+typedef struct KelvarisSDK_ConnectionEncryption {
+    char adapterID[100];
+    bool encrypted;
+} KelvarisSDK_ConnectionEncryption;
+
+/** How many sockets an adapter's part of the tunnel uses. */
+typedef struct KelvarisSDK_ConnectionParallelSockets {
+    char adapterID[100];
+    uint16_t sockets;
+} KelvarisSDK_ConnectionParallelSockets;
+
+/** The connection settings, from report_connection_settings. */
+typedef struct KelvarisSDK_SettingsResult {
+    KelvarisSDK_BaseResult base;
+    bool jumboPackets;
+    bool encrypted; /* the whole tunnel */
+    bool allowChaChaEncryption;
+    KelvarisSDK_BondingMode bondingMode;
+    bool startupConnect; /* connects when the daemon starts */
+    KelvarisSDK_TransportMode transportMode;
+    uint16_t forwardedPortCount;
+    KelvarisSDK_ProtocolPortPair forwardedPorts[20];
+    bool perConnectionEncryptionEnabled;   /* the adapters' own settings are in force */
+    uint16_t perConnectionEncryptionCount; /* 0 while they are not */
+    KelvarisSDK_ConnectionEncryption perConnectionEncryptionSettings[25];
+    uint16_t perConnectionParallelSocketsCount;
+    KelvarisSDK_ConnectionParallelSockets perConnectionParallelSockets[25];
+    double overflowThreshold;         /* Mbps */
+    double priorityOverflowThreshold; /* Mbps */
+    bool packetAggregation;
+    bool enableDefaultRoute;
+    bool headerCompression;
+    char language[3]; /* the daemon's language code */
+} KelvarisSDK_SettingsResult;
+
+typedef bool (*KelvarisSDK_SettingsCallback)(KelvarisSDK_SettingsResult result, void* userData);
+
+/* All calls bring all settings, as they are after the change. */
+
+/** The connection settings. Subscription: every later change. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_GetSettings(KelvarisSDK_Handle* sdk,
+                                                                   KelvarisSDK_SettingsCallback callback,
+                                                                   void* userData);
+
+/** How several adapters are used at once. A mode without a name is sent as speed. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetMode(KelvarisSDK_Handle* sdk,
+                                                               KelvarisSDK_BondingMode mode,
+                                                               KelvarisSDK_SettingsCallback callback,
+                                                               void* userData);
+
+/** How the packets travel. A mode without a name is sent as auto. */
+KELVARISSDK_API KelvarisSDK_SettingsResult
+KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk, KelvarisSDK_TransportMode mode,
+                                       KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Encrypts the whole tunnel. One lock holds for this and KelvarisSDK_SetConnectionEncryption. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetTunnelEncrypted(
+    KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Uses packets above the usual size on the tunnel's device. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisSDK_Handle* sdk, bool enable,
+                                                                       KelvarisSDK_SettingsCallback callback,
+                                                                       void* userData);
+
+/** Sends several small packets as one. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetPacketAggregation(
+    KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Compresses the headers of the tunnel's packets. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetHeaderCompression(
+    KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Connects when the daemon starts. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetStartupConnect(
+    KelvarisSDK_Handle* sdk, bool connect, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** The speed in Mbps below which secondary adapters are used too. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(
+    KelvarisSDK_Handle* sdk, double speed, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Makes the tunnel the system's default route. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(
+    KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
+
+/** Replaces the forwarded ports by the first 20 of `ports`; count 0 clears the list. */
+KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk,
+                                                                       unsigned short count,
+                                                                       KelvarisSDK_ProtocolPortPair* ports,
+                                                                       KelvarisSDK_SettingsCallback callback,
+                                                                       void* userData);
+
+/** Encrypts one adapter's part of the tunnel. */
+KELVARISSDK_API KelvarisSDK_SettingsResult
+KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, const char* adapterID, bool enable,
+                                    KelvarisSDK_SettingsCallback callback, void* userData);
+
+/* ---- Privacy and DNS ---- */
+
+/** The privacy settings, from report_privacy_settings. */
+typedef struct KelvarisSDK_PrivacySettingsResult {
+    KelvarisSDK_BaseResult base;
+    bool killswitch; /* no traffic while the tunnel is down */
+    bool dnsleak;    /* protection against DNS queries beside the tunnel */
+    bool ipleak;     /* protection against IP traffic beside the tunnel */
+    uint16_t dnsAddressCount;
+    char dnsAddresses[3][46]; /* address texts */
+    bool doNotStoreCredentials;
+} KelvarisSDK_PrivacySettingsResult;
+
+typedef bool (*KelvarisSDK_PrivacySettingsCallback)(KelvarisSDK_PrivacySettingsResult result, void* userData);
+
+/** The privacy settings. Subscription: every later change. */
+KELVARISSDK_API KelvarisSDK_PrivacySettingsResult KelvarisSDK_GetPrivacySettings(
+    KelvarisSDK_Handle* sdk, KelvarisSDK_PrivacySettingsCallback callback, void* userData);
+
+/**
+ * Replaces the DNS servers by the first 3 of `addresses`; count 0 clears the list. The daemon judges whether
+ * they are addresses. A text of 46 bytes runs on into the element behind it.
+ */
+KELVARISSDK_API KelvarisSDK_PrivacySettingsResult
+KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count, char (*addresses)[46],
+                          KelvarisSDK_PrivacySettingsCallback callback, void* userData);
+
+/* ---- Captive portals ---- */
+
+/** The networks behind a captive portal, from report_captive_networks. */
+typedef struct KelvarisSDK_CaptivePortalCheckResult {
+    KelvarisSDK_BaseResult base;
+    uint32_t networkCount;
+    char networks[25][100];
+} KelvarisSDK_CaptivePortalCheckResult;
+
+typedef bool (*KelvarisSDK_CaptivePortalCheckCallback)(KelvarisSDK_CaptivePortalCheckResult result,
+                                                       void* userData);
+
+/** The adapter that is left out of the tunnel for a portal's login, from report_cplogin_network. */
+typedef struct KelvarisSDK_CaptivePortalLoginResult {
+    KelvarisSDK_BaseResult base;
+    bool enabled;
+    char adapterID[100];
+} KelvarisSDK_CaptivePortalLoginResult;
+
+typedef bool (*KelvarisSDK_CaptivePortalLoginCallback)(KelvarisSDK_CaptivePortalLoginResult result,
+                                                       void* userData);
+
+/** Lets the daemon test the networks. Time-out: 30 seconds. */
+KELVARISSDK_API KelvarisSDK_CaptivePortalCheckResult KelvarisSDK_CheckForCaptivePortals(
+    KelvarisSDK_Handle* sdk, KelvarisSDK_CaptivePortalCheckCallback callback, void* userData);
+
+/**
+ * Leaves an adapter out of the tunnel, so that somebody can log in through the portal, or ends that. No lock
+ * concerns it. `adapterID` may be null when `enable` is false; INVALID_ARGUMENT (3842) when it is null and
+ * `enable` is true.
+ */
+KELVARISSDK_API KelvarisSDK_CaptivePortalLoginResult
+KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, const char* adapterID,
+                                      KelvarisSDK_CaptivePortalLoginCallback callback, void* userData);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

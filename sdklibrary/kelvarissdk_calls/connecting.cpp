@@ -1,0 +1,111 @@
+#include <string>
+
+#include "core.h"
+#include "fields.h"
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "session.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr uint64_t connectTimeoutMs = 60000;
+
+// The record holds the server that was reported last when the session is connected.
+bool connectCallback(KelvarisSDK_ConnectResult& result, std::string const& event, Json::Value const& report) {
+    if (event == "report_connected_server") {
+        setServerDetailedData(result.server, report);
+        return false;
+    }
+    if (event == "report_current_state") {
+        result.base.error = false;
+        return true;
+    }
+    if (event == "report_connect_error" || event == "report_login_error") {
+        setReportedError(result.base, report);
+        return true;
+    }
+    return false;
+}
+
+void setConnectResult(KelvarisSDK_ConnectResult& result, Json::Value const& server) {
+    setServerDetailedData(result.server, server);
+}
+
+} // namespace
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectAuto(KelvarisSDK_AutoConnectMethod method,
+                                                   KelvarisSDK_ConnectCallback callback, void* userData) {
+    switch (method) {
+    case KelvarisSDK_AutoConnectMethod_CLOSEST:
+        return connectCombined("user", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_PRIVATE:
+        return connectCombined("userprivate", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_PUBLIC:
+        return connectCombined("userpublic", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_LAST:
+        return connectCombined("last", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_P2P:
+        return connectCombined("p2p", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_COUNTRY:
+        // No country came with it. Callers know this refusal by the code of a missing link.
+        return refused<KelvarisSDK_ConnectResult>(noWebsocketImplementation);
+    case KelvarisSDK_AutoConnectMethod_AUTO:
+    case KelvarisSDK_AutoConnectMethod_PROXY: // connectProxy leads there
+        break;
+    }
+    return connectCombined("auto", callback, userData);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectCountry(char const* country,
+                                                      KelvarisSDK_ConnectCallback callback, void* userData) {
+    return connectCombined(country, callback, userData);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectCity(char const* country, char const* city,
+                                                   KelvarisSDK_ConnectCallback callback, void* userData) {
+    return connectCombined(placeText(country, city), callback, userData);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectServer(char const* country, char const* city, int num,
+                                                     KelvarisSDK_ConnectCallback callback, void* userData) {
+    return connectCombined(placeText(country, city, num), callback, userData);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectProxy(KelvarisSDK_ConnectCallback callback, void* userData) {
+    return connectCombined("proxy", callback, userData);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::connectCombined(std::string const& server,
+                                                       KelvarisSDK_ConnectCallback callback, void* userData) {
+    Json::Value payload;
+    payload[Keys::_server] = server;
+    return oneShotCall(websocket.get(), callback, userData,
+                       {.requests = {{"server_auto_connect", payload}},
+                        .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
+                                    {"report_connect_error"},
+                                    {"report_login_error"}},
+                        .subscribed = {"report_connected_server"},
+                        .timeoutMs = connectTimeoutMs,
+                        .settingName = "server_auto_connect"},
+                       connectCallback);
+}
+
+// The session may be logged out in the meantime.
+KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callback, void* userData) {
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        {.requests = {{"server_disconnect"}},
+         .awaited = {stateReached(KelvarisSDK_State_LOGGED_IN), stateReached(KelvarisSDK_State_LOGGED_OUT)}},
+        setStateResult);
+}
+
+KelvarisSDK_ConnectResult KelvarisSDK::getConnectedServer(KelvarisSDK_ConnectCallback callback,
+                                                          void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_connected_server", "report_connected_server"), setConnectResult);
+}
+
+} // namespace kelvarissdk

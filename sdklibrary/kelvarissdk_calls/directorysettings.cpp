@@ -1,0 +1,78 @@
+#include "fields.h"
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+// These records count as failed until a report has reached them.
+Exchange failedUntilReported(Exchange exchange) {
+    exchange.failedUntilReported = true;
+    return exchange;
+}
+
+void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value const& settings) {
+    copyText(result.domain, settings[Keys::_domain]);
+    result.enableEsni = settings[Keys::_enableEsni].asBool();
+    copyText(result.gatewayUri, settings[Keys::_gatewayUri]);
+}
+
+} // namespace
+
+// The request speaks of the URL, the report has all three settings.
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            failedUntilReported(read("request_directory_url", "report_directory_settings")),
+                            setDirectoryResult);
+}
+
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
+    Json::Value payload;
+    payload[Keys::_enableEsni] = enabled;
+    return oneShotCall(websocket.get(), callback, userData,
+                       failedUntilReported(change("set_esni_enabled", payload, "report_directory_settings")),
+                       setDirectoryResult);
+}
+
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySettingsCallback callback,
+                                void* userData) {
+    Json::Value payload; // null resets the domain
+    if (domain != nullptr) {
+        payload[Keys::_domain] = domain;
+    }
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        failedUntilReported(order("set_directory_domain", payload, "report_directory_settings")),
+        setDirectoryResult);
+}
+
+// The resets hand no user data on: callers rely on a null pointer in their callback.
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback, void* /*userData*/) {
+    return setDirectoryDomain(nullptr, callback, nullptr);
+}
+
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettingsCallback callback,
+                                    void* userData) {
+    Json::Value payload; // null resets the URI
+    if (uri != nullptr) {
+        payload[Keys::_url] = uri; // the report spells this key differently
+    }
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        failedUntilReported(order("set_directory_gateway_uri", payload, "report_directory_settings")),
+        setDirectoryResult);
+}
+
+KelvarisSDK_DirectorySettingsResult
+KelvarisSDK::resetDirectoryGatewayURI(KelvarisSDK_DirectorySettingsCallback callback, void* /*userData*/) {
+    return setDirectoryGatewayURI(nullptr, callback, nullptr);
+}
+
+} // namespace kelvarissdk

@@ -1,0 +1,202 @@
+#include <string>
+
+#include "fields.h"
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr char settingsReport[] = "report_safe_browsing_settings";
+constexpr char connectErrorReport[] = "report_safe_browsing_connect_error";
+
+// A text that stands for none of the numbers up to `last` leaves the field as it was.
+template <class Enum>
+void setByText(Enum& field, Json::Value const& value, Enum last, char const* (*textOf)(Enum)) {
+    std::string const text = value.asString();
+    for (uint32_t number = 0; number <= last; ++number) {
+        if (text == textOf(static_cast<Enum>(number))) {
+            field = static_cast<Enum>(number);
+        }
+    }
+}
+
+void setSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult& result, Json::Value const& settings) {
+    result.initialized = settings[Keys::_initialized].asBool();
+    result.enabled = settings[Keys::_enabled].asBool();
+    result.configSet = settings[Keys::_config_set].asBool();
+    setByText(result.logLevel, settings[Keys::_log_level], KelvarisSDK_SafeBrowsingLogLevel_WARNING,
+              KelvarisSDK_SafeBrowsing_LogLevel_toString);
+    setByText(result.networkOverride, settings[Keys::_network_override],
+              KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE,
+              KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString);
+}
+
+// The calls that the service has a say in: a connect error finishes the record without failing the call.
+bool settingsOrConnectError(KelvarisSDK_SafeBrowsingResult& result, std::string const& event,
+                            Json::Value const& payload) {
+    if (event == connectErrorReport) {
+        result.connectErrorSet = true;
+        result.connectErrorCode = payload[Keys::_error].asInt();
+        copyText(result.connectErrorMessage, payload[Keys::_safebro_msg]);
+        return true;
+    }
+    result.base.error = false;
+    setSafeBrowsingResult(result, payload);
+    return true;
+}
+
+void setSafeBrowsingErrorResult(KelvarisSDK_SafeBrowsingErrorResult& result, Json::Value const& event) {
+    copyText(result.host, event[Keys::_host]);
+    result.error = event[Keys::_error].asInt();
+    copyText(result.message, event[Keys::_safebro_msg]);
+}
+
+void setSafeBrowsingBlockResult(KelvarisSDK_SafeBrowsingBlockResult& result, Json::Value const& event) {
+    copyText(result.host, event[Keys::_host]);
+    result.redirected = event[Keys::_redirected].asBool();
+}
+
+void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Json::Value const& stats) {
+    result.min = stats[Keys::_min].asUInt();
+    result.max = stats[Keys::_max].asUInt();
+    result.average = stats[Keys::_average].asUInt();
+    result.num_errors = stats[Keys::_num_errors].asUInt();
+    result.num_blocks = stats[Keys::_num_blocks].asUInt();
+    result.failure_rate = stats[Keys::_failure_rate].asDouble();
+    result.num_block_responses = stats[Keys::_num_block_responses].asUInt();
+    result.num_lookups = stats[Keys::_num_safe_browsing_lookups].asUInt64();
+    result.num_packets_filtered = stats[Keys::_num_safe_browsing_packets_filtered].asUInt64();
+}
+
+Json::Value object(Json::StaticString const& key, Json::Value const& value) {
+    Json::Value payload;
+    payload[key] = value;
+    return payload;
+}
+
+// Settings from before the initialization say nothing about the request: they don't end the call.
+Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
+    return {.requests = {{request, payload}},
+            .awaited = {{settingsReport, object(Keys::_initialized, true)}, {connectErrorReport}},
+            .settingName = settingName};
+}
+
+} // namespace
+
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       {.requests = {{"initialize_safe_browsing", object(Keys::_config, config)}},
+                        .awaited = {{settingsReport}, {connectErrorReport}},
+                        .settingName = "initialize_safe_browsing"},
+                       settingsOrConnectError);
+}
+
+// The daemon locks the configuration under the name of the initialization, which also sets it.
+KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* config,
+                                                                  KelvarisSDK_SafeBrowsingCallback callback,
+                                                                  void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       {.requests = {{"set_safe_browsing_config", object(Keys::_config, config)}},
+                        .awaited = {{settingsReport}},
+                        .settingName = "initialize_safe_browsing"},
+                       setSafeBrowsingResult);
+}
+
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::setSafeBrowsingEnabled(bool enable, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("enable_safe_browsing", object(Keys::_enable, enable), settingsReport),
+                       setSafeBrowsingResult);
+}
+
+KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level,
+                                                                    KelvarisSDK_SafeBrowsingCallback callback,
+                                                                    void* userData) {
+    char const* const text = KelvarisSDK_SafeBrowsing_LogLevel_toString(level);
+    return oneShotCall(websocket.get(), callback, userData,
+                       order("set_safe_browsing_log_level", object(Keys::_log_level, text), settingsReport),
+                       setSafeBrowsingResult);
+}
+
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
+                                                KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
+    char const* const text = KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(value);
+    return oneShotCall(websocket.get(), callback, userData,
+                       order("set_safe_browsing_safe_network_override", object(Keys::_network_override, text),
+                             settingsReport),
+                       setSafeBrowsingResult);
+}
+
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback,
+                                      void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       untilInitialized("safe_browsing_token_refresh", object(Keys::_token, token),
+                                        "safe_browsing_token_refresh"),
+                       settingsOrConnectError);
+}
+
+// The daemon locks this report together with the token, under the token's name.
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback, void* userData,
+                                           unsigned int retries, unsigned long long delay,
+                                           unsigned long long timeout) {
+    Json::Value payload;
+    payload[Keys::_retries] = retries;
+    payload[Keys::_delay] = static_cast<Json::UInt64>(delay);
+    payload[Keys::_timeout] = static_cast<Json::UInt64>(timeout);
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        untilInitialized("safe_browsing_report_home_network", payload, "safe_browsing_token_refresh"),
+        settingsOrConnectError);
+}
+
+KelvarisSDK_SafeBrowsingResult
+KelvarisSDK::updateSafeBrowsingExtraInfo(char const* info, KelvarisSDK_SafeBrowsingCallback callback,
+                                         void* userData) {
+    return oneShotCall(websocket.get(), callback, userData,
+                       untilInitialized("set_safe_browsing_extra_info", object(Keys::_info, info),
+                                        "set_safe_browsing_extra_info"),
+                       settingsOrConnectError);
+}
+
+KelvarisSDK_SafeBrowsingResult KelvarisSDK::getSafeBrowsing(KelvarisSDK_SafeBrowsingCallback callback,
+                                                            void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_safe_browsing_settings", settingsReport), setSafeBrowsingResult);
+}
+
+// The two listeners ask for nothing, so nothing bounds the wait for an event: only a callback can take one.
+KelvarisSDK_SafeBrowsingErrorResult
+KelvarisSDK::listenForSafeBrowsingError(KelvarisSDK_SafeBrowsingErrorCallback callback, void* userData) {
+    if (callback == nullptr) {
+        return refused<KelvarisSDK_SafeBrowsingErrorResult>(callbackRequired);
+    }
+    return subscriptionCall(websocket.get(), callback, userData,
+                            {.subscribed = {"report_safe_browsing_lookup_error"}, .timeoutMs = 0},
+                            setSafeBrowsingErrorResult);
+}
+
+KelvarisSDK_SafeBrowsingBlockResult
+KelvarisSDK::listenForSafeBrowsingBlock(KelvarisSDK_SafeBrowsingBlockCallback callback, void* userData) {
+    if (callback == nullptr) {
+        return refused<KelvarisSDK_SafeBrowsingBlockResult>(callbackRequired);
+    }
+    return subscriptionCall(websocket.get(), callback, userData,
+                            {.subscribed = {"report_safe_browsing_block"}, .timeoutMs = 0},
+                            setSafeBrowsingBlockResult);
+}
+
+KelvarisSDK_SafeBrowsingStatsResult
+KelvarisSDK::getSafeBrowsingStats(KelvarisSDK_SafeBrowsingStatsCallback callback, void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_safe_browsing_stats", "report_safe_browsing_stats"),
+                            setSafeBrowsingStatsResult);
+}
+
+} // namespace kelvarissdk

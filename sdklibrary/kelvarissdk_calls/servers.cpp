@@ -1,0 +1,50 @@
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "fields.h"
+#include "kelvarissdk.h"
+#include "keys.h"
+#include "session.h"
+#include "wswrapper.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+constexpr std::string_view privatePrefix = "private";
+
+// The fields with which both records of a server begin.
+template <class Server> void setPlace(Server& info, Json::Value const& server) {
+    std::string const country = server[Keys::_country].asString();
+    info.isPrivate = server[Keys::_private].asString() == "yes";
+    bool const prefixed = info.isPrivate && country.starts_with(privatePrefix);
+    setText(info.country, std::string_view(country).substr(prefixed ? privatePrefix.size() : 0));
+    copyText(info.city, server[Keys::_city]);
+    info.num = std::atoi(server[Keys::_num].asString().c_str()); // comes as a number or as a text
+}
+
+} // namespace
+
+void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& server) {
+    setPlace(info, server);
+}
+
+void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server) {
+    setPlace(info, server);
+    info.torrentAllowed = server[Keys::_torrent].asString() != "no";
+    fillSlots(info.publicIPCount, info.publicIP, server[Keys::_publicIP],
+              [](char(&slot)[46], Json::Value const& address) { copyText(slot, address); });
+}
+
+void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list) {
+    fillSlots(result.serverCount, result.servers, list, setServerData);
+}
+
+KelvarisSDK_DirectoryResult KelvarisSDK::getDirectory(KelvarisSDK_DirectoryCallback callback,
+                                                      void* userData) {
+    return subscriptionCall(websocket.get(), callback, userData,
+                            read("request_directory", "report_directory"), setDirectoryListResult);
+}
+
+} // namespace kelvarissdk

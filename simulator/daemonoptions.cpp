@@ -1,0 +1,46 @@
+#include "daemonoptions.h"
+
+#include <limits>
+
+namespace kelvarissim {
+
+namespace {
+
+constexpr int longestMs = 3'600'000;
+constexpr unsigned mostRequests = std::numeric_limits<unsigned>::max();
+
+// "REQUEST=REASON"
+bool addLock(std::map<std::string, int>& locks, const std::string& word) {
+    const std::size_t equals = word.rfind('=');
+    if (equals == std::string::npos || equals == 0) {
+        return false;
+    }
+    const auto reason = readNumber<int>(std::string_view(word).substr(equals + 1),
+                                        std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    if (reason) {
+        locks[word.substr(0, equals)] = *reason;
+    }
+    return reason.has_value();
+}
+
+} // namespace
+
+void addDaemonOptions(OptionTable& options, Settings& settings) {
+    options.number<std::uint16_t>("--port", "N", "listens on this port (9330); 0 picks a free one", 0, 65535,
+                                  settings.port);
+    options.flag("--verbose", "logs each request (<-) and each report (->) on standard error",
+                 settings.verbose);
+    options.number("--interval", "MS", "time between two periodic reports (1000)", 1, longestMs,
+                   settings.intervalMs);
+    options.flag("--silent", "upgrades and obeys, but reports nothing", settings.silent);
+    options.number("--delay", "MS", "handles each request that much later, in order", 0, longestMs,
+                   settings.delayMs);
+    options.text("--lock", "REQUEST=REASON", "answers that request with a locked setting; repeatable",
+                 [&settings](const std::string& word) { return addLock(settings.locks, word); });
+    options.number("--drop-after", "N", "drops each link after N requests on it, set_app_name included", 1U,
+                   mostRequests, settings.dropAfter);
+    options.number("--close-frame-after", "N", "sends a WebSocket close frame after N requests instead", 1U,
+                   mostRequests, settings.closeFrameAfter);
+}
+
+} // namespace kelvarissim

@@ -1,0 +1,193 @@
+#include "families.h"
+#include "registry.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kelvarissim {
+
+namespace {
+
+constexpr const char* settingsReport = "report_safe_browsing_settings";
+
+struct SafeBrowsing {
+    bool isInitialized = false;
+    bool isConfigSet = false;
+    bool isEnabled = false;
+    std::string logLevel = "info";
+    std::string networkOverride = "none";
+
+    std::optional<int> connectError; // of the service, from the command line
+    TimerId traffic = 0;             // runs while enabled
+
+    // Since the start of the daemon.
+    unsigned rounds = 0;
+    unsigned lookups = 0;
+    unsigned shortestMs = 0;
+    unsigned longestMs = 0;
+    unsigned totalMs = 0;
+    unsigned errors = 0;
+    unsigned blocks = 0;
+    unsigned redirects = 0;
+    unsigned packets = 0;
+};
+
+Json::Value settings(const SafeBrowsing& filter) {
+    Json::Value report;
+    report["initialized"] = filter.isInitialized;
+    report["config_set"] = filter.isConfigSet;
+    report["enabled"] = filter.isEnabled;
+    report["log_level"] = filter.logLevel;
+    report["network_override"] = filter.networkOverride;
+    return report;
+}
+
+Json::Value stats(const SafeBrowsing& filter) {
+    const unsigned lookups = std::max(filter.lookups, 1U);
+    Json::Value report;
+    report["min"] = filter.shortestMs;
+    report["max"] = filter.longestMs;
+    report["average"] = filter.totalMs / lookups;
+    report["num_errors"] = filter.errors;
+    report["num_blocks"] = filter.blocks;
+    report["failure_rate"] = static_cast<double>(filter.errors) / lookups;
+    report["num_block_responses"] = filter.redirects;
+    report["num_safe_browsing_lookups"] = filter.lookups;
+    report["num_safe_browsing_packets_filtered"] = filter.packets;
+    return report;
+}
+
+void countLookup(SafeBrowsing& filter, unsigned ms) {
+    filter.shortestMs = filter.lookups == 0 ? ms : std::min(filter.shortestMs, ms);
+    filter.longestMs = std::max(filter.longestMs, ms);
+    filter.totalMs += ms;
+    ++filter.lookups;
+}
+
+// What users of the network do in one interval: some pages that are fine, one that is blocked, and one whose
+// look-up fails.
+void browse(SafeBrowsing& filter, Daemon& daemon) {
+    constexpr std::array blocked{"malware.example", "phishing.example", "tracker.example"};
+    constexpr std::array unknown{"slow.example", "nowhere.example"};
+    constexpr unsigned pages = 5;
+    constexpr unsigned timeoutMs = 400;
+    const unsigned round = filter.rounds++;
+
+    for (unsigned page = 0; page < pages; ++page) {
+        countLookup(filter, 12 + (round * pages + page) * 7 % 50);
+    }
+    filter.packets += 40 * pages;
+
+    Json::Value block;
+    block["host"] = blocked[round % blocked.size()];
+    block["redirected"] = round % 2 == 0;
+    countLookup(filter, 20);
+    ++filter.blocks;
+    filter.redirects += block["redirected"].asBool() ? 1 : 0;
+    daemon.broadcast("report_safe_browsing_block", block);
+
+    Json::Value error;
+    error["host"] = unknown[round % unknown.size()];
+    error["error"] = 28;
+    error["safebro_msg"] = "The look-up timed out";
+    countLookup(filter, timeoutMs);
+    ++filter.errors;
+    daemon.broadcast("report_safe_browsing_lookup_error", error);
+}
+
+void reportSettings(const SafeBrowsing& filter, const Request& request) {
+    request.daemon.broadcast(settingsReport, settings(filter));
+}
+
+// Whether the service can be reached; if not, the client is told so.
+bool reachService(const SafeBrowsing& filter, const Request& request) {
+    if (filter.connectError) {
+        Json::Value report;
+        report["error"] = *filter.connectError;
+        report["safebro_msg"] = "The service refused the token";
+        request.answer("report_safe_browsing_connect_error", report);
+    }
+    return !filter.connectError;
+}
+
+// An empty configuration ends the service, which needs nobody's consent.
+void initialize(SafeBrowsing& filter, const Request& request) {
+    const bool starts = !request.payload["config"].asString().empty();
+    if (starts && !reachService(filter, request)) {
+        return;
+    }
+    filter.isInitialized = starts;
+    filter.isConfigSet = starts;
+    reportSettings(filter, request);
+}
+
+void setConfig(SafeBrowsing& filter, const Request& request) {
+    filter.isConfigSet = !request.payload["config"].asString().empty();
+    reportSettings(filter, request);
+}
+
+// A token, a home network or extra information: the service takes each of them as a start, so that the
+// settings that follow are initialized.
+void contactService(SafeBrowsing& filter, const Request& request) {
+    if (reachService(filter, request)) {
+        filter.isInitialized = true;
+        reportSettings(filter, request);
+    }
+}
+
+void enable(const std::shared_ptr<SafeBrowsing>& filter, const Request& request) {
+    Daemon& daemon = request.daemon;
+    const bool enabled = request.payload["enable"].asBool();
+    if (enabled && !filter->isEnabled) {
+        filter->traffic = daemon.every(daemon.interval(), [filter, &daemon] {
+            browse(*filter, daemon);
+            return true;
+        });
+    } else if (!enabled) {
+        daemon.cancel(filter->traffic);
+    }
+    filter->isEnabled = enabled;
+    reportSettings(*filter, request);
+}
+
+void setText(std::string SafeBrowsing::*setting, const char* key, SafeBrowsing& filter,
+             const Request& request) {
+    filter.*setting = request.payload[key].asString();
+    reportSettings(filter, request);
+}
+
+} // namespace
+
+void registerSafeBrowsing(Registry& registry) {
+    auto filter = std::make_shared<SafeBrowsing>();
+    registry.options.number(
+        "--safebrowsing-error", "CODE", "the safe browsing service refuses with this code",
+        std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), filter->connectError);
+
+    registry.on("initialize_safe_browsing",
+                [filter](const Request& request) { initialize(*filter, request); });
+    registry.on("set_safe_browsing_config",
+                [filter](const Request& request) { setConfig(*filter, request); });
+    registry.on("enable_safe_browsing", [filter](const Request& request) { enable(filter, request); });
+    registry.on("set_safe_browsing_log_level", [filter](const Request& request) {
+        setText(&SafeBrowsing::logLevel, "log_level", *filter, request);
+    });
+    registry.on("set_safe_browsing_safe_network_override", [filter](const Request& request) {
+        setText(&SafeBrowsing::networkOverride, "network_override", *filter, request);
+    });
+    for (const char* request : {"safe_browsing_token_refresh", "safe_browsing_report_home_network",
+                                "set_safe_browsing_extra_info"}) {
+        registry.on(request, [filter](const Request& each) { contactService(*filter, each); });
+    }
+    registry.on("request_safe_browsing_settings",
+                [filter](const Request& request) { request.answer(settingsReport, settings(*filter)); });
+    registry.on("request_safe_browsing_stats", [filter](const Request& request) {
+        request.answer("report_safe_browsing_stats", stats(*filter));
+    });
+}
+
+} // namespace kelvarissim

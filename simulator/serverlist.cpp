@@ -1,0 +1,136 @@
+#include "serverlist.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace kelvarissim {
+
+namespace {
+
+struct Location {
+    const char* country;
+    const char* city;
+    int count;
+    int privateCount;
+    bool permitsTorrents;
+};
+
+// clang-format off
+constexpr Location locations[] = {
+    {"us", "nyc",        5, 2, false},
+    {"us", "chicago",    3, 0, false},
+    {"us", "la",         4, 0, false},
+    {"us", "sf",         2, 1, false},
+    {"us", "nova",       2, 0, false},
+    {"ca", "toronto",    3, 0, true},
+    {"ca", "bhs",        2, 0, true},
+    {"mx", "mexicocity", 1, 0, true},
+    {"br", "saopaulo",   2, 0, true},
+    {"gb", "london",     4, 1, false},
+    {"ie", "dublin",     1, 0, false},
+    {"fr", "paris",      2, 0, false},
+    {"nl", "amsterdam",  3, 0, true},
+    {"de", "frankfurt",  3, 0, false},
+    {"de", "dusseldorf", 1, 0, false},
+    {"ch", "zurich",     2, 0, true},
+    {"es", "madrid",     1, 0, true},
+    {"it", "milano",     1, 0, false},
+    {"se", "stockholm",  2, 0, true},
+    {"ro", "bucharest",  2, 0, true},
+    {"tr", "izmir",      1, 0, false},
+    {"za", "johannesburg", 1, 0, true},
+    {"in", "mumbai",     1, 0, false},
+    {"sg", "singapore",  2, 0, false},
+    {"jp", "tokyo",      3, 0, false},
+    {"au", "sydney",     2, 0, false},
+};
+// clang-format on
+
+std::vector<ListedServer> makeServers() {
+    std::vector<ListedServer> list;
+    for (const Location& location : locations) {
+        const std::string country = location.country;
+        const auto add = [&](int num, bool isPrivate) {
+            list.push_back({isPrivate ? "private" + country : country, location.city, num, isPrivate,
+                            location.permitsTorrents && !isPrivate, static_cast<int>(list.size()) + 1});
+        };
+        for (int num = 1; num <= location.count; ++num) {
+            add(num, false);
+        }
+        for (int num = 1; num <= location.privateCount; ++num) {
+            add(num, true);
+        }
+    }
+    return list;
+}
+
+Json::Value serverReport(const ListedServer& server) {
+    Json::Value report;
+    report["country"] = server.country;
+    report["city"] = server.city;
+    report["num"] = server.num;
+    report["private"] = server.isPrivate ? "yes" : "no";
+    report["torrent"] = server.permitsTorrents ? "yes" : "no";
+    return report;
+}
+
+template <typename Matches> std::optional<ListedServer> firstOf(Matches matches) {
+    const auto server = std::find_if(servers().begin(), servers().end(), matches);
+    return server == servers().end() ? std::nullopt : std::optional(*server);
+}
+
+std::optional<ListedServer> findPlace(const std::string& text) {
+    std::istringstream pieces(text);
+    std::string country;
+    std::string city;
+    std::string num;
+    std::getline(pieces, country, '|');
+    std::getline(pieces, city, '|');
+    std::getline(pieces, num);
+    return firstOf([&](const ListedServer& server) {
+        return server.country == country && (city.empty() || server.city == city) &&
+               (num.empty() || std::to_string(server.num) == num);
+    });
+}
+
+} // namespace
+
+const std::vector<ListedServer>& servers() {
+    static const std::vector<ListedServer> list = makeServers();
+    return list;
+}
+
+ListedServer proxyServer() {
+    return {"proxy", "", 0, false, false, 0};
+}
+
+std::optional<ListedServer> findServer(const std::string& text) {
+    if (text == "user" || text == "userpublic") {
+        return firstOf([](const ListedServer& server) { return !server.isPrivate; });
+    }
+    if (text == "userprivate") {
+        return firstOf([](const ListedServer& server) { return server.isPrivate; });
+    }
+    if (text == "p2p") {
+        return firstOf([](const ListedServer& server) { return server.permitsTorrents; });
+    }
+    return text == "proxy" ? proxyServer() : findPlace(text);
+}
+
+Json::Value directoryReport() {
+    Json::Value report(Json::arrayValue);
+    for (const ListedServer& server : servers()) {
+        report.append(serverReport(server));
+    }
+    return report;
+}
+
+// The addresses are from the blocks for documentation.
+Json::Value connectedServerReport(const ListedServer& server) {
+    Json::Value report = serverReport(server);
+    report["publicIP"].append("203.0.113." + std::to_string(100 + server.place));
+    report["publicIP"].append("2001:db8::" + std::to_string(100 + server.place));
+    return report;
+}
+
+} // namespace kelvarissim

@@ -1,0 +1,212 @@
+#include "families.h"
+#include "registry.h"
+#include "serverlist.h"
+
+#include <functional>
+#include <memory>
+
+namespace kelvarissim {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds step{100}; // between two states
+
+struct Account {
+    std::string email;
+    bool isAuto = false;
+};
+
+struct Session {
+    std::optional<Account> account = Account{"demo@example.com"};
+    bool autoAccountAllowed = false;
+    std::optional<ListedServer> server; // connected to it
+    std::optional<ListedServer> lastServer;
+    std::string connectMethod = "user";
+    std::string connectCountry;
+    std::optional<int> connectError; // from --connect-error
+    TimerId nextStep = 0;
+};
+
+using SessionPtr = std::shared_ptr<Session>;
+
+Json::Value errorReport(int type, const std::string& message) {
+    Json::Value report;
+    report["type"] = type;
+    report["msg"] = message;
+    return report;
+}
+
+// What comes next happens after a while, unless another request changes the course of the session.
+void setNextStep(const SessionPtr& session, Daemon& daemon, std::function<void()> action) {
+    daemon.cancel(session->nextStep);
+    session->nextStep = daemon.after(step, std::move(action));
+}
+
+SessionState restingState(const Session& session) {
+    return session.account ? SessionState::loggedIn : SessionState::loggedOut;
+}
+
+// A login ends any connection. Without an account it has failed, and the client learns why.
+void logIn(const SessionPtr& session, const Request& request, const std::optional<Account>& account,
+           const Json::Value& error = {}) {
+    Daemon& daemon = request.daemon;
+    session->account.reset();
+    session->server.reset();
+    enterState(daemon, SessionState::loggingIn);
+    setNextStep(session, daemon, [session, &daemon, client = request.client, account, error] {
+        session->account = account;
+        enterState(daemon, restingState(*session));
+        if (!account) {
+            daemon.send(client, "report_login_error", error);
+        }
+    });
+}
+
+void logInWithPassword(const SessionPtr& session, const Request& request) {
+    if (request.payload["username"] == "demo" && request.payload["password"] == "demo") {
+        logIn(session, request, Account{"demo@example.com"});
+    } else {
+        logIn(session, request, std::nullopt, errorReport(3, "Invalid credentials"));
+    }
+}
+
+void logInWithToken(const SessionPtr& session, const Request& request) {
+    if (request.payload["oauth"] == "expired") {
+        logIn(session, request, std::nullopt, errorReport(7, "The provided OAUTH token is expired"));
+    } else {
+        logIn(session, request, Account{"oauth@example.com"});
+    }
+}
+
+void logInAutomatically(const SessionPtr& session, const Request& request) {
+    if (session->autoAccountAllowed) {
+        logIn(session, request, Account{"", true});
+    } else {
+        logIn(session, request, std::nullopt, errorReport(5, "Automatic accounts are not allowed"));
+    }
+}
+
+void logOut(Session& session, Daemon& daemon) {
+    daemon.cancel(session.nextStep);
+    session.account.reset();
+    session.server.reset();
+    enterState(daemon, SessionState::loggedOut);
+}
+
+Json::Value accountingReport(const Account& account) {
+    Json::Value report;
+    report["email"] = account.email;
+    report["isAutoAccount"] = account.isAuto;
+    report["isTeam"] = false;
+    report["bytesAvail"] = account.isAuto ? Json::Int64(2'147'483'648) : Json::Int64(322'122'547'200);
+    report["bytesUsed"] = account.isAuto ? Json::Int64(104'857'600) : Json::Int64(48'318'382'080);
+    report["minutesAvail"] = 44640;
+    report["minutesUsed"] = account.isAuto ? 95 : 6120;
+    report["payTier"] = account.isAuto ? 0 : 3;
+    report["periodEndDate"] = "2030-01-31 23:59:59";
+    return report;
+}
+
+// "auto" is what the connect method says.
+std::optional<ListedServer> serverFor(const Session& session, const std::string& text) {
+    if (text == "last") {
+        return session.lastServer ? session.lastServer : findServer("user");
+    }
+    if (text != "auto") {
+        return findServer(text);
+    }
+    return findServer(session.connectMethod == "country" ? session.connectCountry : session.connectMethod);
+}
+
+void failToConnect(const Session& session, Daemon& daemon, const Json::Value& error) {
+    daemon.broadcast("report_connect_error", error);
+    enterState(daemon, restingState(session));
+}
+
+void arrive(Session& session, Daemon& daemon, const ListedServer& server) {
+    session.server = session.lastServer = server;
+    daemon.broadcast("report_connected_server", connectedServerReport(server));
+    enterState(daemon, SessionState::connected);
+}
+
+void connect(const SessionPtr& session, const Request& request) {
+    Daemon& daemon = request.daemon;
+    if (!session->account) {
+        request.answer("report_login_error", errorReport(3, "Not logged in"));
+        return;
+    }
+    session->server.reset();
+    enterState(daemon, SessionState::autoConnecting);
+    setNextStep(session, daemon, [session, &daemon, text = request.payload["server"].asString()] {
+        const std::optional<ListedServer> server = serverFor(*session, text);
+        if (session->connectError) {
+            failToConnect(*session, daemon, errorReport(*session->connectError, "Unable to connect"));
+        } else if (!server) {
+            failToConnect(*session, daemon, errorReport(4, "No server matches " + text));
+        } else {
+            enterState(daemon, SessionState::connecting);
+            setNextStep(session, daemon,
+                        [session, &daemon, server = *server] { arrive(*session, daemon, server); });
+        }
+    });
+}
+
+void disconnect(const SessionPtr& session, Daemon& daemon) {
+    session->server.reset();
+    enterState(daemon, SessionState::disconnecting);
+    setNextStep(session, daemon, [session, &daemon] { enterState(daemon, restingState(*session)); });
+}
+
+Json::Value serverSettingsReport(const Session& session) {
+    Json::Value report;
+    report["connect_to_best_method"] = session.connectMethod;
+    report["connect_country"] = session.connectCountry;
+    return report;
+}
+
+// Without a payload it is the default again.
+void setConnectMethod(Session& session, const Request& request) {
+    const Json::Value& method = request.payload["connect_to_best_method"];
+    session.connectMethod = method.isNull() ? "user" : method.asString();
+    session.connectCountry = request.payload["countryCode"].asString();
+    request.daemon.broadcast("report_server_settings", serverSettingsReport(session));
+}
+
+void registerAccount(Registry& registry, const SessionPtr& session) {
+    registry.on("login", [session](const Request& request) { logInWithPassword(session, request); });
+    registry.on("login_oauth", [session](const Request& request) { logInWithToken(session, request); });
+    registry.on("allow_auto_account", [session](const Request&) { session->autoAccountAllowed = true; });
+    registry.on("login_auto", [session](const Request& request) { logInAutomatically(session, request); });
+    registry.on("logout", [session](const Request& request) { logOut(*session, request.daemon); });
+    registry.on("request_accounting_data", [session](const Request& request) {
+        request.answer("report_accounting_data",
+                       session->account ? accountingReport(*session->account) : Json::Value());
+    });
+}
+
+} // namespace
+
+void registerSession(Registry& registry) {
+    auto session = std::make_shared<Session>();
+    registry.options.number("--connect-error", "TYPE", "makes every connect fail with this error type", 1, 8,
+                            session->connectError);
+    registerAccount(registry, session);
+    registry.on("request_directory",
+                [](const Request& request) { request.answer("report_directory", directoryReport()); });
+    registry.on("server_auto_connect", [session](const Request& request) { connect(session, request); });
+    registry.on("server_disconnect",
+                [session](const Request& request) { disconnect(session, request.daemon); });
+    registry.on("request_connected_server", [session](const Request& request) {
+        request.answer("report_connected_server",
+                       session->server ? connectedServerReport(*session->server) : Json::Value());
+    });
+    registry.on("set_server_connectbest",
+                [session](const Request& request) { setConnectMethod(*session, request); });
+    registry.on("request_server_settings", [session](const Request& request) {
+        request.answer("report_server_settings", serverSettingsReport(*session));
+    });
+}
+
+} // namespace kelvarissim

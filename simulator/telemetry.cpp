@@ -1,0 +1,165 @@
+#include "families.h"
+#include "registry.h"
+#include "traffic.h"
+
+#include <array>
+#include <ctime>
+#include <map>
+#include <memory>
+
+namespace kelvarissim {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds subscriptionTime(60); // without a repeat
+constexpr std::chrono::seconds testTime(2);
+constexpr unsigned testsKept = 8;
+
+struct Subscription {
+    Clock::time_point end;
+    std::set<Period> periods;
+};
+
+struct Telemetry {
+    Traffic traffic;
+    std::map<ClientId, Subscription> subscriptions;
+    bool isReporting = false;
+    Json::Value tests{Json::arrayValue}; // the newest first
+    std::string disconnectReason = "USERINITIATED";
+    std::time_t sessionEnd = std::time(nullptr) - 3600;
+};
+
+// Clients that have named no period hear of this session.
+std::set<Period> periodsOf(const Telemetry& telemetry, ClientId client) {
+    const auto subscription = telemetry.subscriptions.find(client);
+    if (subscription == telemetry.subscriptions.end() || subscription->second.periods.empty()) {
+        return {0};
+    }
+    return subscription->second.periods;
+}
+
+bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
+    std::erase_if(telemetry.subscriptions, [&daemon](const auto& entry) {
+        const bool lapsed = entry.second.end <= Clock::now();
+        if (lapsed) {
+            daemon.log(clientText(entry.first) + " has not repeated its subscription");
+        }
+        return lapsed;
+    });
+    telemetry.traffic.advance(daemon.interval());
+    for (const auto& [client, subscription] : telemetry.subscriptions) {
+        daemon.send(client, "report_connection_stats", telemetry.traffic.connectionReport());
+        daemon.send(client, "report_session_stats",
+                    telemetry.traffic.sessionReport(periodsOf(telemetry, client)));
+        daemon.send(client, "report_streaming_stats", telemetry.traffic.streamingReport());
+    }
+    return telemetry.isReporting = !telemetry.subscriptions.empty();
+}
+
+// A repeat without periods keeps those of before.
+void subscribe(const std::shared_ptr<Telemetry>& telemetry, const Request& request) {
+    if (!request.payload["enable"].asBool()) {
+        telemetry->subscriptions.erase(request.client);
+        return;
+    }
+    Subscription& subscription = telemetry->subscriptions[request.client];
+    subscription.end = Clock::now() + subscriptionTime;
+    if (request.payload.isMember("periods")) {
+        subscription.periods.clear();
+        for (const Json::Value& hours : request.payload["periods"]) {
+            subscription.periods.insert(hours.asUInt());
+        }
+    }
+    if (!telemetry->isReporting) {
+        telemetry->isReporting = true;
+        Daemon& daemon = request.daemon;
+        daemon.every(daemon.interval(),
+                     [telemetry, &daemon] { return reportStatistics(*telemetry, daemon); });
+    }
+}
+
+std::string localTime() {
+    const std::time_t now = std::time(nullptr);
+    std::array<char, 32> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", std::localtime(&now));
+    return text.data();
+}
+
+// Each test comes out a little different from the one before.
+Json::Value finishedTest(bool ofStream, unsigned earlier) {
+    const double variation = 1 + 0.05 * (earlier % 5);
+    Json::Value test;
+    test["time"] = localTime();
+    test["country"] = "us";
+    test["city"] = "nyc";
+    test["num_connections"] = 2;
+    test["download"] = 74.5 * variation;
+    test["upload"] = 24.25 * variation;
+    test["error"] = false;
+    test["msg"] = "";
+    test["latency"] = 19 + earlier % 5;
+    test["type"] = ofStream ? 2 : 1;
+    if (ofStream) {
+        test["resolution"] = "1080p";
+        test["fps"] = 60;
+        test["jitter"] = 2 + earlier % 3;
+        test["loss"] = 0.001 * variation;
+    }
+    return test;
+}
+
+void finishTest(Telemetry& telemetry, Daemon& daemon, bool ofStream) {
+    telemetry.tests.insert(0, finishedTest(ofStream, telemetry.tests.size()));
+    if (telemetry.tests.size() > testsKept) {
+        telemetry.tests.resize(testsKept);
+    }
+    daemon.broadcast("report_speedtest_results", telemetry.tests);
+}
+
+Json::Value disconnectReport(const Telemetry& telemetry) {
+    Json::Value report;
+    report["disconnectReason"] = telemetry.disconnectReason;
+    report["sessionEnd"] = Json::Int64(telemetry.sessionEnd);
+    report["sessionLength"] = 5400;
+    return report;
+}
+
+} // namespace
+
+void registerTelemetry(Registry& registry) {
+    auto telemetry = std::make_shared<Telemetry>();
+    registry.options.text("--disconnect-reason", "REASON", "why the last session ended (USERINITIATED)",
+                          [telemetry](const std::string& word) {
+                              telemetry->disconnectReason = word;
+                              return true;
+                          });
+    registry.on("stat_subscribe", [telemetry](const Request& request) { subscribe(telemetry, request); });
+    registry.onClientGone([telemetry](Daemon&, ClientId client) { telemetry->subscriptions.erase(client); });
+    registry.on("request_connection_stats", [telemetry](const Request& request) {
+        request.answer("report_connection_stats", telemetry->traffic.connectionReport());
+    });
+    registry.on("request_session_stats", [telemetry](const Request& request) {
+        request.answer("report_session_stats",
+                       telemetry->traffic.sessionReport(periodsOf(*telemetry, request.client)));
+    });
+    registry.on("request_streaming_stats", [telemetry](const Request& request) {
+        request.answer("report_streaming_stats", telemetry->traffic.streamingReport());
+    });
+    registry.on("request_disconnect_reason", [telemetry](const Request& request) {
+        request.answer("report_disconnect_reason", disconnectReport(*telemetry));
+    });
+    registry.on("request_speedtest_results", [telemetry](const Request& request) {
+        request.answer("report_speedtest_results", telemetry->tests);
+    });
+    for (const bool ofStream : {false, true}) {
+        registry.on(ofStream ? "streamtest" : "speedtest", [telemetry, ofStream](const Request& request) {
+            Daemon& daemon = request.daemon;
+            daemon.after(testTime,
+                         [telemetry, &daemon, ofStream] { finishTest(*telemetry, daemon, ofStream); });
+        });
+    }
+}
+
+} // namespace kelvarissim

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <json/value.h>
+#include <random>
+#include <set>
+#include <string>
+
+namespace kelvarissim {
+
+using Period = std::uint32_t; // hours; 0: this session
+constexpr Period allTime = UINT32_MAX;
+
+// The traffic of a bonded session. Its Wi-Fi fades, drops and comes back every twenty steps; meanwhile the
+// cellular link, with three times the latency, carries everything, and the health of the stream suffers. The
+// noise is the same in every run.
+class Traffic {
+public:
+    Traffic();
+
+    // One step: new values for the links, and counters that have grown by what passed in that time.
+    void advance(std::chrono::milliseconds time);
+
+    Json::Value connectionReport() const;
+    Json::Value sessionReport(const std::set<Period>& periods) const;
+    Json::Value streamingReport() const;
+
+private:
+    struct Link {
+        std::string adapter;
+        std::string localIp;
+        std::string protocol;
+        double usualLatencyMs;
+        double downMbps; // when nothing disturbs it
+        double upMbps;
+        double quality = 1; // 0: down
+        double latencyMs = 0;
+        double jitterMs = 0;
+        double loss = 0;
+        std::int64_t receiveBps = 0;
+        std::int64_t sendBps = 0;
+    };
+
+    struct Counters {
+        std::int64_t received = 0;
+        std::int64_t sent = 0;
+        std::int64_t resent = 0;
+        std::int64_t failovers = 0;
+        double fastestDownMbps = 0;
+        double fastestUpMbps = 0;
+    };
+
+    double noise(double spread); // around 1
+    void advanceLink(Link& link, double quality);
+    void count(std::chrono::milliseconds time);
+    Json::Value connection(const Link& link) const;
+    Json::Value period(Period hours) const;
+    Json::Value benefit(double Link::*mbps) const;
+
+    std::minstd_rand random;
+    const std::int64_t start; // milliseconds since the epoch, as are the reports' times
+    std::int64_t now;
+    unsigned step = 0;
+    std::array<Link, 2> links; // Wi-Fi, cellular
+    Counters counters;
+};
+
+} // namespace kelvarissim

@@ -1,0 +1,70 @@
+// Command lines, words separated by zero bytes, without a daemon: the library object has no link, so that
+// every call fails at once.
+
+#include "arguments.h"
+#include "kelvarissdk.h"
+#include "websockets.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+class Unlinked : public kelvarissdk::KelvarisSDK {
+public:
+    Unlinked() : KelvarisSDK(settings()) {
+        websocket.reset();
+    }
+
+private:
+    static KelvarisSDK_CreateSettings settings() {
+        KelvarisSDK_CreateSettings settings;
+        KelvarisSDK_InitializeCreateSettings(&settings);
+        settings.port = 0;
+        return settings;
+    }
+};
+
+// A standard output in error ends the streams, which would have no end. The fuzzer keeps its own standard
+// error.
+void makeOutputFail() {
+    stderr = std::fopen("/dev/null", "w");
+    if (std::freopen("/dev/full", "w", stdout) == nullptr ||
+        std::freopen("/dev/null", "r", stdin) == nullptr) {
+        std::abort();
+    }
+    std::fputs("x", stdout);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    static Unlinked library;
+    makeOutputFail();
+    sdk = reinterpret_cast<KelvarisSDK_Handle*>(static_cast<kelvarissdk::KelvarisSDK*>(&library));
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    std::vector<std::string> words = {"sdkcli"};
+    std::string rest(reinterpret_cast<char const*>(data), size);
+    for (std::size_t end = 0; !rest.empty();
+         rest.erase(0, end == std::string::npos ? rest.size() : end + 1)) {
+        end = rest.find('\0');
+        words.push_back(rest.substr(0, end));
+    }
+    std::vector<char*> argv;
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    int const status = processArgs(static_cast<int>(words.size()), argv.data());
+    if (status < 0 || status > 4) {
+        std::abort();
+    }
+    return 0;
+}
