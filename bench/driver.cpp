@@ -266,6 +266,10 @@ private:
                                                       inProcess("parse/state", "median")});
         table.add("a report of 100,000, delivered", Unit::seconds, delivered[0],
                   {{"one of 1,000", delivered[1], {.most = 1.2}}, {"jsoncpp's parse", delivered[2]}});
+        auto const costs = interleave<double>(
+            7, {inProcess("delivered/100000", "cpuPerReport"), inProcess("delivered/1000", "cpuPerReport")});
+        table.add("the same, processor time of the reader", Unit::seconds, costs[0],
+                  {{"one of 1,000", costs[1]}});
     }
 
     void messages() {

@@ -86,9 +86,9 @@ template <auto get> bool read(KelvarisSDK_Handle* handle) {
 }
 
 // Reads that await different reports, so each report ends one call.
-constexpr std::array<Read, 2> reads{
-    read<KelvarisSDK_GetState>,
-    read<KelvarisSDK_GetVersion>,
+constexpr std::array<Read, 5> reads{
+    read<KelvarisSDK_GetState>,    read<KelvarisSDK_GetVersion>,           read<KelvarisSDK_GetSettings>,
+    read<KelvarisSDK_GetAdapters>, read<KelvarisSDK_GetDirectorySettings>,
 };
 
 void mustSucceed(bool success, char const* what) {
@@ -253,15 +253,22 @@ public:
         return seconds / intervals;
     }
 
+    // Of the reader thread.
+    double cpuSecondsAReport() const {
+        return cpu / intervals;
+    }
+
 private:
     static bool onReport(T result, void* userData) {
         Burst& burst = *static_cast<Burst*>(userData);
         burst.intact = burst.intact && !result.base.error;
         if (burst.left-- == burst.intervals + 1) {
             burst.first = Clock::now();
+            burst.firstCpu = cpuSeconds(CLOCK_THREAD_CPUTIME_ID);
         }
         if (burst.left == 0 || !burst.intact) {
             burst.seconds = secondsSince(burst.first);
+            burst.cpu = cpuSeconds(CLOCK_THREAD_CPUTIME_ID) - burst.firstCpu;
             burst.last.set_value();
             return false;
         }
@@ -272,7 +279,9 @@ private:
     int const intervals;
     bool intact = true;
     Clock::time_point first;
+    double firstCpu = 0;
     double seconds = 0;
+    double cpu = 0;
     std::promise<void> last;
 };
 
@@ -281,11 +290,15 @@ template <class T> void deliver(benchmark::State& state, Getter<T> get) {
     Handle const handle = makeHandle(portFrom("LOAD_PORT"), loadName(count));
     Burst<T>(get, handle.get(), count);
     std::vector<double> times;
+    std::vector<double> cpuTimes;
     for (auto _ : state) {
-        times.push_back(Burst<T>(get, handle.get(), count).secondsAReport());
+        Burst<T> const burst(get, handle.get(), count);
+        times.push_back(burst.secondsAReport());
+        cpuTimes.push_back(burst.cpuSecondsAReport());
         state.SetIterationTime(times.back());
     }
     state.counters["median"] = median(times);
+    state.counters["cpuPerReport"] = median(cpuTimes);
 }
 
 void delivered(benchmark::State& state) {
@@ -293,6 +306,11 @@ void delivered(benchmark::State& state) {
 }
 BENCHMARK(delivered)->Arg(1000)->UseManualTime()->Iterations(100);
 BENCHMARK(delivered)->Arg(100000)->UseManualTime()->Iterations(3);
+
+void deliveredDirectory(benchmark::State& state) {
+    deliver(state, KelvarisSDK_GetDirectory);
+}
+BENCHMARK(deliveredDirectory)->Arg(200)->UseManualTime()->Iterations(3);
 
 // What jsoncpp alone takes for such a report, by the reader that the library has.
 #pragma GCC diagnostic push
