@@ -102,7 +102,7 @@ public:
                                        Json::Value const& members);
     static void subscribeToEvent(EventDescription& description, std::string const& event);
 
-    // Registers the entry, then queues its requests. Returns the entry's id; where `assignedId` is given, the
+    // Moves the description into the table, then queues its requests. Returns the entry's id; where `assignedId` is given, the
     // id stands there before the first delivery can come.
     uint64_t getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId = nullptr);
 
