@@ -332,6 +332,7 @@ TEST(CaptivePortal, CheckAndLogin) {
                      .out = styled(R"({"enabled":false,"adapterID":""})")};
     runRowsInParallel(
         {check("{}", "[]", 6000), // beyond the time-out of other calls
+         check(R"({"networks":{"a":"b"}})", "[]"),
          check(R"({"networks":)" + numbered("\"%d\"", 30, '[', ']') + "}", numbered("\"%d\"", 25, '[', ']')),
          on, off});
     runRefusals({{{"captiveportal"}, 3, "captiveportal check|login"},
