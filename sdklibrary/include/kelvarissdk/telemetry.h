@@ -15,9 +15,9 @@ extern "C" {
 /* ---- Periodic reports ---- */
 
 /**
- * Asks the daemon to send the statistics of this header, the state and the adapters at regular intervals, or
- * no longer to do so. The reports reach those who subscribed to them. While they are wanted the library
- * repeats the request every 45 seconds, without periods, so that the daemon goes on after a lost link.
+ * Asks the daemon to send its statistics at regular intervals, or no longer to do so. The reports reach those
+ * who subscribed to them. While they are wanted the library repeats the request every 45 seconds, without
+ * periods, so that the daemon goes on after a lost link.
  *
  * `periods` are those of the session statistics, in hours: 0 is the current session, 4294967295 all time. At
  * most five are sent; a `periodCount` of five or more takes five values from the array. With `enable` false
