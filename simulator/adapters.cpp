@@ -2,10 +2,7 @@
 #include "registry.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
-#include <memory>
-#include <set>
 
 namespace kelvarissim {
 
@@ -16,13 +13,6 @@ constexpr Json::Int64 mostBoost = 1'000'000'000'000;
 constexpr int priorityNever = 100;
 
 enum ConnectionState { disconnected, connecting, connected };
-
-// The adapters as they are reported; a limit that isn't there has no key.
-struct Adapters {
-    std::array<Json::Value, 4> list;
-    std::set<ClientId> listeners;
-    bool isReporting = false;
-};
 
 Json::Value adapter(const std::string& id, const std::string& name, const std::string& type,
                     ConnectionState state) {
@@ -75,54 +65,20 @@ Json::Value nameless(const std::string& id) {
     return value;
 }
 
-// What is in use has carried a little more with every report.
-Json::Value networksReport(Adapters& adapters) {
-    Json::Value report(Json::arrayValue);
-    for (Json::Value& each : adapters.list) {
-        if (each["connectionState"] == connected && each["priority"] != priorityNever) {
-            for (const char* usage : {"usage", "usageDaily"}) {
-                each["limits"][usage] = each["limits"][usage].asInt64() + bytesPerReport;
-            }
-        }
-        report.append(each);
-    }
-    return report;
-}
-
-bool reportToListeners(Adapters& adapters, Daemon& daemon) {
-    if (!adapters.listeners.empty()) {
-        const Json::Value report = networksReport(adapters);
-        for (ClientId client : adapters.listeners) {
-            daemon.send(client, "report_networks", report);
-        }
-    }
-    return adapters.isReporting = !adapters.listeners.empty();
-}
-
-// Who has asked once hears of the usage from then on.
-void requestNetworks(const std::shared_ptr<Adapters>& adapters, const Request& request) {
-    Daemon& daemon = request.daemon;
-    request.answer("report_networks", networksReport(*adapters));
-    adapters->listeners.insert(request.client);
-    if (!adapters->isReporting) {
-        adapters->isReporting = true;
-        daemon.every(daemon.interval(), [adapters, &daemon] { return reportToListeners(*adapters, daemon); });
-    }
-}
-
 using Change = void (*)(Json::Value& adapter, const Json::Value& payload);
 
 // Nothing happens, and nothing is reported, when no adapter has that id.
-void changeAdapter(Adapters& adapters, const Request& request, const char* idKey, Change change) {
+void changeAdapter(const Request& request, const char* idKey, Change change) {
+    World& world = request.daemon.world();
     const Json::Value& id = request.payload[idKey];
-    const auto found = std::find_if(adapters.list.begin(), adapters.list.end(),
-                                    [&](const Json::Value& each) { return each["guid"] == id; });
-    if (found == adapters.list.end()) {
-        request.daemon.log("no such adapter");
-        return;
+    for (Json::Value& each : world.adapters) {
+        if (each["guid"] == id) {
+            change(each, request.payload);
+            request.daemon.broadcast("report_networks", networksReport(world));
+            return;
+        }
     }
-    change(*found, request.payload);
-    request.daemon.broadcast("report_networks", networksReport(adapters));
+    request.daemon.log("no such adapter");
 }
 
 // 0 and less lift a limit.
@@ -170,17 +126,30 @@ void resetUsage(Json::Value& adapter, const Json::Value&) {
 
 } // namespace
 
-void registerAdapters(Registry& registry) {
-    auto adapters = std::make_shared<Adapters>();
-    adapters->list = {ethernet("eth0"), wifi("wlan0"), cellular("wwan0"), nameless("usb0")};
-    registry.on("request_networks",
-                [adapters](const Request& request) { requestNetworks(adapters, request); });
-    registry.onClientGone([adapters](Daemon&, ClientId client) { adapters->listeners.erase(client); });
+std::vector<Json::Value> startingAdapters() {
+    return {ethernet("eth0"), wifi("wlan0"), cellular("wwan0"), nameless("usb0")};
+}
 
+// What is in use has carried a little more with every report.
+Json::Value networksReport(World& world) {
+    Json::Value report(Json::arrayValue);
+    for (Json::Value& each : world.adapters) {
+        if (each["connectionState"] == connected && each["priority"] != priorityNever) {
+            for (const char* usage : {"usage", "usageDaily"}) {
+                each["limits"][usage] = each["limits"][usage].asInt64() + bytesPerReport;
+            }
+        }
+        report.append(each);
+    }
+    return report;
+}
+
+void registerAdapters(Registry& registry) {
+    registry.on("request_networks", [](const Request& request) {
+        request.answer("report_networks", networksReport(request.daemon.world()));
+    });
     const auto onChange = [&](const char* name, Change change, const char* idKey = "network") {
-        registry.on(name, [adapters, idKey, change](const Request& request) {
-            changeAdapter(*adapters, request, idKey, change);
-        });
+        registry.on(name, [idKey, change](const Request& request) { changeAdapter(request, idKey, change); });
     };
     onChange("set_network_priority", setPriority);
     onChange("set_network_ratelimit", setRateLimit);

@@ -50,6 +50,7 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
     });
     telemetry.traffic.advance(daemon.interval());
     for (const auto& [client, subscription] : telemetry.subscriptions) {
+        daemon.send(client, "report_networks", networksReport(daemon.world()));
         daemon.send(client, "report_connection_stats", telemetry.traffic.connectionReport());
         daemon.send(client, "report_session_stats",
                     telemetry.traffic.sessionReport(periodsOf(telemetry, client)));

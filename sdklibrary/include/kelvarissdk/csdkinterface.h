@@ -12,7 +12,8 @@
  *
  *  2. Arguments. The handle comes first, then what is the call's own, then the callback, then the user
  *     data. The handle must be valid (only KelvarisSDK_Destroy takes null); texts are zero-terminated
- *     UTF-8 and copied before the call returns. Arrays go in as a count and a pointer.
+ *     UTF-8, not null where a block doesn't say so, and copied before the call returns. Arrays go in
+ *     as a count and a pointer; what is beyond the capacity that a block names isn't sent.
  *
  *  3. Records come back by value and hold everything in fixed arrays: the caller frees nothing, and
  *     one memory copy copies a record. Every record begins with KelvarisSDK_BaseResult. A field that
