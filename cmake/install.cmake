@@ -22,6 +22,9 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVe
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVersion.cmake
     DESTINATION ${cmake_package_dir} COMPONENT dev)
+# The .pc file finds the tree from where it stands itself, so that the tree can be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+    BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pc_to_prefix)
 configure_file(cmake/kelvarissdk.pc.in kelvarissdk.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kelvarissdk.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
@@ -35,6 +38,7 @@ endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kelvaris)
 set(CPACK_PACKAGE_VENDOR Kelvaris)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # or it would stand above each package's own line
 set(CPACK_PACKAGE_CONTACT "Kelvaris maintainers <maintainers@kelvaris.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL cli lib dev)
@@ -50,7 +54,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(own_version "${PROJECT_VERSION}-${KELVARIS_BUILD}")
 set(CPACK_DEBIAN_CLI_PACKAGE_NAME kelvaris-cli)
 set(CPACK_DEBIAN_CLI_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_CLI_PACKAGE_DEPENDS "libkelvarissdk${PROJECT_VERSION_MAJOR} (= ${own_version})")
+set(CPACK_DEBIAN_CLI_PACKAGE_SUGGESTS bash-completion)
 set(CPACK_COMPONENT_CLI_DESCRIPTION "Command-line client of the Kelvaris VPN daemon")
 set(CPACK_DEBIAN_LIB_PACKAGE_NAME libkelvarissdk${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIB_PACKAGE_SECTION libs)

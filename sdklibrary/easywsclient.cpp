@@ -224,6 +224,12 @@ public:
         }
     }
 
+    void flush() override {
+        if (readyState != CLOSED) {
+            transmit();
+        }
+    }
+
     void send(std::string const& message) override {
         sendData(opcode_type::text, bytesOf(message));
     }

@@ -1,6 +1,6 @@
 // The client end of a WebSocket connection (RFC 6455) over plain TCP: upgrade, frames, whole messages.
 //
-// Nothing here starts a thread or takes a lock. Only poll() and from_url() touch the socket: the sending
+// Nothing here starts a thread or takes a lock. Only from_url(), poll() and flush() touch the socket: the sending
 // operations queue, dispatch() takes messages out of what poll() has read. All of them also work, without any
 // effect on the socket, when the connection has ended.
 
@@ -71,6 +71,9 @@ public:
     // message counts as delivered, and the next call goes on with the one behind it.
     virtual void _dispatch(Callback_Imp& callable) = 0;
     virtual void _dispatchBinary(BytesCallback_Imp& callable) = 0;
+
+    // Sends what is queued, as far as that doesn't block.
+    virtual void flush() = 0;
 
     // poll() shall also end its wait when this descriptor (-1: none) is readable. It isn't read, so it ends
     // every wait until the caller has emptied it; the caller keeps it open for as long as it is watched.

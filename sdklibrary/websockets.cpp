@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <iterator>
+#include <sstream>
 #include <string_view>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -196,7 +197,13 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     envelope.append(request);
     envelope.append(payload);
     envelope.append("kelvaris_sdk");
-    return envelope.toStyledString();
+    // What toStyledString() writes; making its writer costs more than writing a small request with it.
+    thread_local std::unique_ptr<Json::StreamWriter> const writer(
+        Json::StreamWriterBuilder().newStreamWriter());
+    std::ostringstream text;
+    writer->write(envelope, &text);
+    text << '\n';
+    return std::move(text).str();
 }
 
 void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& payload) {
@@ -236,15 +243,16 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     if (assignedId != nullptr) {
         *assignedId = id;
     }
+    std::vector<std::string> const requests = std::move(description.requests);
     // The entry stands before its first request can leave, so no answer is missed.
     {
         std::lock_guard const lock(eventsMutex);
         description.startTime = getTimeMillis();
-        events.emplace(id, description);
+        events.emplace(id, std::move(description));
     }
     {
         std::lock_guard const lock(outgoingMutex);
-        outgoing.insert(outgoing.end(), description.requests.begin(), description.requests.end());
+        outgoing.insert(outgoing.end(), requests.begin(), requests.end());
     }
     wakeup.signal();
     return id;
@@ -311,6 +319,7 @@ void WebsocketImpl::sendOutgoing() {
     for (std::string const& request : requests) {
         ws->send(request);
     }
+    ws->flush();
 }
 
 // Ended early by the destructor only.

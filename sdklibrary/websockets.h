@@ -102,12 +102,15 @@ public:
                                        Json::Value const& members);
     static void subscribeToEvent(EventDescription& description, std::string const& event);
 
-    // Registers the entry, then queues its requests. Returns the entry's id; where `assignedId` is given, the
+    // Moves the description into the table, then queues its requests. Returns the entry's id; where `assignedId` is given, the
     // id stands there before the first delivery can come.
     uint64_t getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId = nullptr);
 
     // Erases an entry; inside one of its own deliveries, at the end of that. An unknown id is ignored.
     void removeCallback(unsigned long long id);
+
+    // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
+    void handle_message(std::string const& text);
 
     static thread_local bool isInReaderThread;
 
@@ -122,7 +125,6 @@ private:
     void waitForEnd(int milliseconds);
     bool sweepAndGoOn();
     void sweepTimeouts();
-    void handle_message(std::string const& text);
     bool deliver(EventDescription& entry, Message& message);
     template <class Visit> void visitEntries(Visit visit);
 

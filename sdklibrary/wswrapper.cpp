@@ -59,8 +59,10 @@ void Completion::wait() {
 }
 
 void Completion::set() {
-    std::lock_guard const lock(mutex);
-    done = true;
+    {
+        std::lock_guard const lock(mutex);
+        done = true;
+    }
     changed.notify_one();
 }
 
@@ -69,13 +71,14 @@ EventHandler callHandler(CallRecord record, wsWrapperOptions options, EventParse
     return [record = std::move(record), options = std::move(options), parser = std::move(parser),
             asyncInvoker = std::move(asyncInvoker), completion = std::move(completion)](
                std::string const& event, std::string const& text, Json::Value const& message) {
-        std::lock_guard const lock(record.mutex);
+        std::unique_lock lock(record.mutex);
         if (!takesEvent(record.head, options.settingName, parser, event, text, message)) {
             return false;
         }
         if (options.async) {
             return !asyncInvoker() || !options.subscription;
         }
+        lock.unlock(); // so that the woken caller finds it free
         completion->set();
         return true;
     };

@@ -183,6 +183,8 @@ void registerSafeBrowsing(Registry& registry) {
                                 "set_safe_browsing_extra_info"}) {
         registry.on(request, [filter](const Request& each) { contactService(*filter, each); });
     }
+    registry.alsoLockedBy("set_safe_browsing_config", "initialize_safe_browsing");
+    registry.alsoLockedBy("safe_browsing_report_home_network", "safe_browsing_token_refresh");
     registry.on("request_safe_browsing_settings",
                 [filter](const Request& request) { request.answer(settingsReport, settings(*filter)); });
     registry.on("request_safe_browsing_stats", [filter](const Request& request) {

@@ -275,18 +275,19 @@ TEST(Privacy, DnsServers) {
 
     std::string const wide(47, '1');
     std::string const full(46, '1');
-    runChanges({{{"dns"}, "set_dns_servers", R"({"dns_addresses":[]})"},
-                {{"dns", "not-an-address"}, "set_dns_servers", R"({"dns_addresses":["not-an-address"]})"},
-                {{"dns", "1.1.1.1", "8.8.8.8", "9.9.9.9", "8.8.4.4"},
-                 "set_dns_servers",
-                 R"({"dns_addresses":["1.1.1.1","8.8.8.8","9.9.9.9"]})"},
-                // A full text runs on into the next one, and ends with the last.
-                {{"dns", wide, wide},
-                 "set_dns_servers",
-                 R"({"dns_addresses":[")" + full + full + R"(",")" + full + "\"]}"},
-                // Far more words than an array of fixed size would hold; the call's count has 16 bits.
-                {followed("dns", Words(65538, "1")), "set_dns_servers", R"({"dns_addresses":["1","1"]})"}},
-               report(privacy, R"({"dns_addresses":["7.7.7.7"]})"), document(R"(["7.7.7.7"])"));
+    runChanges(
+        {{{"dns"}, "set_dns_servers", R"({"dns_addresses":[]})"},
+         {{"dns", "not-an-address"}, "set_dns_servers", R"({"dns_addresses":["not-an-address"]})"},
+         {{"dns", "1.1.1.1", "8.8.8.8", "9.9.9.9", "8.8.4.4"},
+          "set_dns_servers",
+          R"({"dns_addresses":["1.1.1.1","8.8.8.8","9.9.9.9"]})"},
+         // A full text runs on into the next one, and ends with the last.
+         {{"dns", wide, wide},
+          "set_dns_servers",
+          R"({"dns_addresses":[")" + full + full + R"(",")" + full + "\"]}"},
+         // Far more words than an array of fixed size would hold; the call's count has 16 bits.
+         {followed("dns", Words(65536, "1")), "set_dns_servers", R"({"dns_addresses":["1","1","1"]})"}},
+        report(privacy, R"({"dns_addresses":["7.7.7.7"]})"), document(R"(["7.7.7.7"])"));
     runRefusals({{{"privacy"}, 3, "privacy"}, {{"privacy", "on"}, 2, "privacy"}});
 }
 
@@ -332,6 +333,7 @@ TEST(CaptivePortal, CheckAndLogin) {
                      .out = styled(R"({"enabled":false,"adapterID":""})")};
     runRowsInParallel(
         {check("{}", "[]", 6000), // beyond the time-out of other calls
+         check(R"({"networks":{"a":"b"}})", "[]"),
          check(R"({"networks":)" + numbered("\"%d\"", 30, '[', ']') + "}", numbered("\"%d\"", 25, '[', ']')),
          on, off});
     runRefusals({{{"captiveportal"}, 3, "captiveportal check|login"},

@@ -205,11 +205,11 @@ TEST(Stats, Connections) {
         connectionRow(
             "what stood in the slot",
             {R"({"time":3,"connections":[{"protocol":"no"},{"protocol":"https"},{}]})",
-             R"({"time":4,"connections":[{"protocol":"tcp"},{"protocol":"TCP"},{"protocol":null}]})",
-             R"({"time":5,"connections":[{}]})"},
+             R"({"time":4,"connections":[{"protocol":"udp"},{"protocol":null},{}]})",
+             R"({"time":5,"connections":[{"protocol":"TCP"}]})"},
             connections("3", connection("tcp") + "," + connection("https") + "," + connection("auto")) +
-                connections("4", connection("tcp") + "," + connection("https") + "," + connection("auto")) +
-                connections("5", connection("auto"))),
+                connections("4", connection("udp") + "," + connection("https") + "," + connection("auto")) +
+                connections("5", connection("udp"))),
         connectionRow(
             "nothing", {R"({"connections":[{}]})", R"({"time":6})", "null", R"({"time":7,"connections":[]})"},
             connections("0", "") + connections("0", "") + connections("0", "") + connections("7", "")),
@@ -283,18 +283,22 @@ TEST(Stats, FullDiskEndsAnEndlessRun) {
     EXPECT_EQ(outcome.err, "sdkcli: can't write to standard output\n");
 }
 
-// The runner repeats the subscription within a tick, without periods; not again when it ends and begins anew.
+// The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
+// pause. The answers give it the time of two ticks in the pause and of two behind it.
 TEST(Stats, SubscriptionAndItsRepeat) {
+    Step const ticks = {
+        .request = "request_disconnect_reason",
+        .answers = {report(
+            "report_disconnect_reason",
+            R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})")},
+        .delayMs = 600};
     std::vector<Step> const script = {
         {.request = "stat_subscribe", .payload = R"({"enable":true,"periods":[6,5,4,3,2]})"},
         {.request = "stat_subscribe", .payload = R"({"enable":true})"},
         {.request = "stat_subscribe", .payload = R"({"enable":false})"},
+        ticks,
         {.request = "stat_subscribe", .payload = R"({"enable":true,"periods":[6,5]})"},
-        {.request = "request_disconnect_reason",
-         .answers = {report(
-             "report_disconnect_reason",
-             R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})")},
-         .delayMs = 600}};
+        ticks};
     ScriptedDaemon daemon(script, {.appName = std::nullopt});
     KelvarisSDK_Handle* const sdk = connectTo(daemon.port());
     unsigned int const periods[] = {6, 5, 4, 3, 2, 1};
@@ -302,11 +306,12 @@ TEST(Stats, SubscriptionAndItsRepeat) {
     daemon.waitForRequest("stat_subscribe");
     daemon.waitForRequest("stat_subscribe");
     KelvarisSDK_EnableStatUpdates(sdk, false, 2, periods);
-    KelvarisSDK_EnableStatUpdates(sdk, true, 2, periods);
     KelvarisSDK_DisconnectEventResult const event = KelvarisSDK_GetLastDisconnectEvent(sdk, nullptr, nullptr);
     EXPECT_EQ(event.disconnectReason, KelvarisSDK_DisconnectReason_SLEEP);
     EXPECT_EQ(event.sessionEnd, -5);
     EXPECT_EQ(event.sessionLength, 9007199254740993);
+    KelvarisSDK_EnableStatUpdates(sdk, true, 2, periods);
+    KelvarisSDK_GetLastDisconnectEvent(sdk, nullptr, nullptr);
     KelvarisSDK_Destroy(sdk);
 }
 

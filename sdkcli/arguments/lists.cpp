@@ -2,7 +2,6 @@
 // same words behind the family's.
 
 #include <arpa/inet.h>
-#include <cstring>
 #include <string>
 
 #include "../calls.h"
@@ -79,7 +78,7 @@ std::string listUsage(ListFamily const& family, char const* kind, char const* op
 
 // Any word is a domain.
 bool readDomain(char const* word, DomainText& domain) {
-    std::memcpy(domain, word, strnlen(word, sizeof(domain)));
+    copyWord(domain, word);
     return true;
 }
 

@@ -1,8 +1,9 @@
 // The grammar of the settings. Seven take one word of a few; "overflow", "route", "ports" and
 // "adapter encryption" have grammars of their own, and so have the words of DNS and captive portals.
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -166,11 +167,11 @@ int privacyAction(int argc) {
 }
 
 int dnsAction(int argc, char* argv[]) {
-    auto const count = static_cast<std::size_t>(argc - 2); // none clears the list
+    // None clears the list. More than the call's 16 bits can count mustn't look like fewer.
+    auto const count = static_cast<std::size_t>(std::min(argc - 2, UINT16_MAX));
     auto const addresses = std::make_unique<char[][46]>(count);
     for (std::size_t i = 0; i < count; ++i) {
-        char const* const word = argv[2 + i];
-        std::memcpy(addresses[i], word, strnlen(word, sizeof(addresses[i])));
+        copyWord(addresses[i], argv[2 + i]);
     }
     return setDnsServers(static_cast<unsigned short>(count), addresses.get());
 }

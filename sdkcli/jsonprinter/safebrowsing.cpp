@@ -44,7 +44,7 @@ void printSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult const& res
     document["num_blocks"] = result.num_blocks;
     document["failure_rate"] = result.failure_rate;
     document["num_block_responses"] = result.num_block_responses;
-    document["num_lookups"] = static_cast<Json::UInt64>(result.num_lookups);
-    document["num_packets_filtered"] = static_cast<Json::UInt64>(result.num_packets_filtered);
+    document["num_lookups"] = result.num_lookups;
+    document["num_packets_filtered"] = result.num_packets_filtered;
     writeDocument(document);
 }

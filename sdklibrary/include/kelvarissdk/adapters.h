@@ -10,6 +10,7 @@
 extern "C" {
 #endif
 
+/** State of the connection over an adapter. */
 enum KelvarisSDK_ConnectionState KELVARISSDK_UINT32 {
     KelvarisSDK_ConnectionState_DISCONNECTED = 0,
     KelvarisSDK_ConnectionState_CONNECTING = 1,
@@ -21,6 +22,7 @@ KELVARISSDK_ENUM(KelvarisSDK_ConnectionState)
  * freed. */
 KELVARISSDK_API const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state);
 
+/** The kind of network that an adapter is in. */
 enum KelvarisSDK_NetworkType KELVARISSDK_UINT32 {
     KelvarisSDK_NetworkType_WIFI = 0,
     KelvarisSDK_NetworkType_ETHERNET = 1,
@@ -58,6 +60,7 @@ typedef struct KelvarisSDK_AdapterUsageData {
     int64_t overlimitRate; /* bits per second once over a limit, -1: none reported */
 } KelvarisSDK_AdapterUsageData;
 
+/** One network adapter with its limits and its usage. */
 typedef struct KelvarisSDK_AdapterData {
     char adapterID[100]; /* names the adapter in calls */
     char name[100];

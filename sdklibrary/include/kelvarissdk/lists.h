@@ -94,7 +94,7 @@ enum KelvarisSDK_LocalProxyMatchMode KELVARISSDK_UINT32 {
 };
 KELVARISSDK_ENUM(KelvarisSDK_LocalProxyMatchMode)
 
-/** A service whose domains the local proxy knows. */
+/** A service with the domains of it that the local proxy watches, and those that it proxies. */
 typedef struct KelvarisSDK_LocalProxyService {
     char title[30]; /* the service's name; no terminator when full */
     bool enabled;
@@ -125,23 +125,23 @@ KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_GetLocalProxySe
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyEnabled(
     KelvarisSDK_Handle* sdk, bool enabled, KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Replaces the domains that the local proxy takes. */
+/** Replaces the domains of the local proxy. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK_SetLocalProxyDomains(KelvarisSDK_Handle* sdk, unsigned short count, char (*domains)[50],
                                  KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Replaces the IPv4 addresses that the local proxy takes. */
+/** Replaces the IPv4 addresses of the local proxy. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK_SetLocalProxyIPv4(KelvarisSDK_Handle* sdk, unsigned short count, struct in_addr* addresses,
                               KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Replaces the IPv6 addresses that the local proxy takes. */
+/** Replaces the IPv6 addresses of the local proxy. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK_SetLocalProxyIPv6(KelvarisSDK_Handle* sdk, unsigned short count, struct in6_addr* addresses,
                               KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Replaces the ports that the local proxy takes. It is the lock of the firewall's ports that
- * ends this call; a lock of the proxy's own ports doesn't. */
+/** Replaces the ports of the local proxy. It is the lock of the firewall's ports that ends this call; a lock
+ * of the proxy's own ports ends only its time-out, and the call waits for the next report. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyPorts(
     KelvarisSDK_Handle* sdk, unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
     KelvarisSDK_LocalProxySettingsCallback callback, void* userData);

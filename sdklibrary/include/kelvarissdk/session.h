@@ -16,6 +16,7 @@ extern "C" {
 
 /* ---- Account ---- */
 
+/** How often the account is paid for. */
 enum KelvarisSDK_AccountPaymentType KELVARISSDK_UINT32 {
     KelvarisSDK_AccountPaymentType_FREE = 0,
     KelvarisSDK_AccountPaymentType_MONTHLY = 1,

@@ -33,7 +33,7 @@ typedef struct KelvarisSDK_SettingsResult {
     KelvarisSDK_BondingMode bondingMode;
     bool startupConnect; /* connects when the daemon starts */
     KelvarisSDK_TransportMode transportMode;
-    uint16_t forwardedPortCount;
+    uint16_t forwardedPortCount; /* a later report without ports leaves these as they were */
     KelvarisSDK_ProtocolPortPair forwardedPorts[20];
     bool perConnectionEncryptionEnabled;   /* the adapters' own settings are in force */
     uint16_t perConnectionEncryptionCount; /* 0 while they are not */
@@ -41,7 +41,7 @@ typedef struct KelvarisSDK_SettingsResult {
     uint16_t perConnectionParallelSocketsCount;
     KelvarisSDK_ConnectionParallelSockets perConnectionParallelSockets[25];
     double overflowThreshold;         /* Mbps */
-    double priorityOverflowThreshold; /* Mbps */
+    double priorityOverflowThreshold; /* the daemon's own; no call sets it */
     bool packetAggregation;
     bool enableDefaultRoute;
     bool headerCompression;
@@ -97,7 +97,10 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Replaces the forwarded ports by the first 20 of `ports`; count 0 clears the list. */
+/**
+ * Replaces the forwarded ports by the first 20 of `ports`; count 0 clears the list. A protocol without a
+ * name isn't sent, its port is.
+ */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk,
                                                                        unsigned short count,
                                                                        KelvarisSDK_ProtocolPortPair* ports,

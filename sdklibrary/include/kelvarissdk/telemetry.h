@@ -15,9 +15,9 @@ extern "C" {
 /* ---- Periodic reports ---- */
 
 /**
- * Asks the daemon to send the statistics of this header, the state and the adapters at regular intervals, or
- * no longer to do so. The reports reach those who subscribed to them. While they are wanted the library
- * repeats the request every 45 seconds, without periods, so that the daemon goes on after a lost link.
+ * Asks the daemon to send its statistics at regular intervals, or no longer to do so. The reports reach those
+ * who subscribed to them. While they are wanted the library repeats the request every 45 seconds, without
+ * periods, so that the daemon goes on after a lost link.
  *
  * `periods` are those of the session statistics, in hours: 0 is the current session, 4294967295 all time. At
  * most five are sent; a `periodCount` of five or more takes five values from the array. With `enable` false
@@ -131,6 +131,7 @@ KELVARISSDK_API KelvarisSDK_SessionStatsResult KelvarisSDK_GetSessionStats(
 
 /* ---- Streams ---- */
 
+/** How a stream is doing. */
 enum KelvarisSDK_StreamHealth KELVARISSDK_UINT32 {
     KelvarisSDK_StreamHealth_STOPPED = 0, /* also what any other number of the daemon is read as */
     KelvarisSDK_StreamHealth_POOR = 1,
@@ -179,6 +180,7 @@ KELVARISSDK_API KelvarisSDK_StreamingStatsResult KelvarisSDK_GetStreamingStats(
 
 /* ---- The end of the last session ---- */
 
+/** Why a session ended. */
 enum KelvarisSDK_DisconnectReason KELVARISSDK_UINT32 {
     KelvarisSDK_DisconnectReason_UNKNOWN = 0, /* also what any other text of the daemon is read as */
     KelvarisSDK_DisconnectReason_CONNECTIVITY = 1,
@@ -219,6 +221,7 @@ KELVARISSDK_API KelvarisSDK_DisconnectEventResult KelvarisSDK_GetLastDisconnectE
 
 /* ---- Speed and stream tests ---- */
 
+/** What a test measured. */
 enum KelvarisSDK_SpeedTestType KELVARISSDK_UINT32 {
     KelvarisSDK_SpeedTestType_SPEED = 0,
     KelvarisSDK_SpeedTestType_STREAMING = 1, /* 2 in the report */

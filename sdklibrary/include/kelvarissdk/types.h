@@ -118,6 +118,7 @@ KELVARISSDK_ENUM(KelvarisSDK_TransportMode)
 /** "tcp", "udp", "auto", "https" or "tcp-multi"; "auto" for any other number. A constant; never freed. */
 KELVARISSDK_API const char* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode);
 
+/** The protocol of a port. */
 enum KelvarisSDK_PortProtocol KELVARISSDK_UINT32 {
     KelvarisSDK_PortProtocol_TCP = 0,
     KelvarisSDK_PortProtocol_UDP = 1,

@@ -1,0 +1,333 @@
+// Measures the tool and the library against their yardsticks and prints the table. What is compared runs in
+// interleaved rounds, each round beginning with another contender, so that a slow minute of the machine hits
+// all alike.
+//
+//   driver BINARIES [NODE_FOLDER]
+//
+// NODE_FOLDER holds state.mjs and the package it needs; without it those columns stay out.
+
+#include "process.h"
+#include "table.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <functional>
+#include <json/json.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double mebi = 1 << 20;
+
+template <class T> using Contenders = std::vector<std::function<T()>>;
+
+// Result by contender, then by round. The first round warms up and doesn't count.
+template <class T> std::vector<std::vector<T>> interleave(int rounds, Contenders<T> const& contenders) {
+    std::vector<std::vector<T>> results(contenders.size());
+    for (int round = -1; round < rounds; ++round) {
+        for (std::size_t i = 0; i < contenders.size(); ++i) {
+            std::size_t const which = (static_cast<std::size_t>(round + 1) + i) % contenders.size();
+            T result = contenders[which]();
+            if (round >= 0) {
+                results[which].push_back(std::move(result));
+            }
+        }
+    }
+    return results;
+}
+
+Samples pick(std::vector<Run> const& runs, double Run::*member) {
+    Samples samples;
+    for (Run const& each : runs) {
+        samples.push_back(each.*member);
+    }
+    return samples;
+}
+
+class Bench {
+public:
+    Bench(std::string binaries, std::string nodeFolder)
+        : bin(std::move(binaries)), node(std::move(nodeFolder)) {
+        setenv("SIMULATOR_PORT", simulator.port().c_str(), 1);
+        setenv("CLOSING_PORT", closing.port().c_str(), 1);
+        setenv("LOAD_PORT", load.port().c_str(), 1);
+    }
+
+    bool measureAll() {
+        section("sdkcli state", [this] { stateRuns(); });
+        section("sdkcli firewall domains add x", [this] { firewallRuns(); });
+        section("sdkcli show servers, 400 servers", [this] { directoryRuns(); });
+        section("report of 400 servers, handled", [this] { directoryReports(); });
+        section("no daemon", [this] { noDaemon(); });
+        section("call on an idle link", [this] { idleCalls(); });
+        section("calls one at a time, pinned", [this] { pinnedCalls(); });
+        section("reads at once", [this] { readsAtOnce(); });
+        section("destroying an idle handle", [this] { destroying(); });
+        section("bursts", [this] { bursts(); });
+        section("messages", [this] { messages(); });
+        section("an idle handle", [this] { idleHandles(); });
+        section("growth", [this] { growth(); });
+        return table.print();
+    }
+
+private:
+    // What fails is a row of the table; the others are measured all the same.
+    void section(std::string const& what, std::function<void()> const& measure) {
+        std::fprintf(stderr, "measuring: %s\n", what.c_str());
+        try {
+            measure();
+        } catch (std::exception const& failure) {
+            table.addFailure(what, failure.what());
+        }
+    }
+
+    std::string program(std::string const& name) const {
+        return bin + '/' + name;
+    }
+
+    std::function<Run()> sdkcli(Daemon const& daemon, std::string const& words) const {
+        std::vector<std::string> argv{program("sdkcli"), "-p", daemon.port()};
+        std::istringstream stream(words);
+        for (std::string word; stream >> word;) {
+            argv.push_back(word);
+        }
+        return [argv] { return run(argv); };
+    }
+
+    std::function<Run()> yardstick(std::string const& name, std::string const& port) const {
+        return [argv = std::vector{program(name), port, std::string("run")}] { return run(argv); };
+    }
+
+    std::vector<std::string> nodeCommand(std::string const& port) const {
+        return {"node", node + "/state.mjs", port};
+    }
+
+    // The one number that a yardstick prints.
+    static double numberOf(std::vector<std::string> const& argv) {
+        return std::stod(run(argv).output);
+    }
+
+    double minimal(std::string const& port, std::string const& mode, int count, int last) const {
+        return numberOf({program("minimal"), port, mode, std::to_string(count), std::to_string(last)});
+    }
+
+    Json::Value inProcess(std::string const& benchmark) const {
+        Run const measured = run(
+            {program("engine_bench"), "--benchmark_filter=^" + benchmark + "/", "--benchmark_format=json"});
+        if (measured.output.empty()) {
+            throw std::runtime_error("no benchmark " + benchmark);
+        }
+        std::istringstream output(measured.output);
+        Json::Value document;
+        output >> document;
+        return document["benchmarks"][0];
+    }
+
+    std::function<double()> inProcess(std::string const& benchmark, std::string const& counter) const {
+        return [=, this] { return inProcess(benchmark)[counter].asDouble(); };
+    }
+
+    void stateRuns() {
+        std::string const port = simulator.port();
+        auto const runs = interleave<Run>(201, {sdkcli(simulator, "state"), yardstick("minimal", port),
+                                                [this, port] {
+                                                    return run({program("minimal_cpp"), port});
+                                                },
+                                                yardstick("beast", port)});
+        auto const row = [&](std::string const& what, double Run::*member, Limit c, Limit cpp) {
+            table.add("sdkcli state, " + what, Unit::seconds, pick(runs[0], member),
+                      {{"C", pick(runs[1], member), c},
+                       {"C++", pick(runs[2], member), cpp},
+                       {"Beast", pick(runs[3], member)}});
+        };
+        row("wall", &Run::wall, {.most = 2.5}, {.most = 1.25});
+        row("user and system time", &Run::cpu, {}, {.most = 1.5});
+        table.add("sdkcli state, peak memory", Unit::bytes, pick(runs[0], &Run::peak), {},
+                  {.most = 8 * mebi});
+        if (!node.empty()) {
+            addStateBesideNode();
+        }
+    }
+
+    void addStateBesideNode() {
+        auto const runs = interleave<Run>(15, {sdkcli(simulator, "state"), [this] {
+                                                   auto argv = nodeCommand(simulator.port());
+                                                   argv.emplace_back("run");
+                                                   return run(argv);
+                                               }});
+        table.add("the same beside Node, wall", Unit::seconds, pick(runs[0], &Run::wall),
+                  {{"Node ws", pick(runs[1], &Run::wall)}});
+    }
+
+    void firewallRuns() {
+        auto const clear = sdkcli(simulator, "firewall domains set");
+        auto const add = sdkcli(simulator, "firewall domains add x");
+        auto const runs = interleave<Run>(101, {[&] {
+                                                    clear();
+                                                    return add();
+                                                },
+                                                sdkcli(simulator, "state")});
+        table.add("sdkcli firewall domains add x, wall", Unit::seconds, pick(runs[0], &Run::wall),
+                  {{"state", pick(runs[1], &Run::wall), {.most = 1.25}}});
+    }
+
+    void directoryRuns() {
+        auto const runs = interleave<Run>(101, {sdkcli(load, "show servers"), sdkcli(load, "state")});
+        table.add("sdkcli show servers, 400 servers, wall", Unit::seconds, pick(runs[0], &Run::wall),
+                  {{"state", pick(runs[1], &Run::wall), {.most = 1.5}}});
+        table.add("sdkcli show servers, peak memory", Unit::bytes, pick(runs[0], &Run::peak), {},
+                  {.most = 8 * mebi});
+    }
+
+    void directoryReports() {
+        auto const times = interleave<double>(
+            5, {inProcess("deliveredDirectory/200", "median"), inProcess("parse/directory", "median")});
+        table.add("report of 400 servers, handled", Unit::seconds, times[0],
+                  {{"jsoncpp's parse", times[1], {.most = 1.5}}});
+    }
+
+    void noDaemon() {
+        ClosedPort const nobody;
+        std::vector<Run> runs;
+        for (int i = 0; i < 3; ++i) {
+            runs.push_back(run({program("sdkcli"), "-p", nobody.port(), "state"}, 1));
+        }
+        table.add("sdkcli state, no daemon, wall", Unit::seconds, pick(runs, &Run::wall), {},
+                  {.least = 5.0, .most = 5.4});
+        table.add("the same, user and system time", Unit::seconds, pick(runs, &Run::cpu), {}, {.most = 0.02});
+    }
+
+    void idleCalls() {
+        auto const times =
+            interleave<double>(5, {inProcess("idleCall", "median"),
+                                   [this] { return minimal(simulator.port(), "loop", 300, 2000) / 1e6; }});
+        table.add("call on an idle link", Unit::seconds, times[0], {{"C", times[1], {.most = 3}}},
+                  {.most = 0.3e-3});
+    }
+
+    // A daemon of its own, on the processor that its clients run on.
+    void pinnedCalls() {
+        Pinned const pinned;
+        Daemon const daemon({program("kelvarissim"), "--port", "0"});
+        setenv("SIMULATOR_PORT", daemon.port().c_str(), 1);
+        constexpr int count = 5000;
+        Contenders<double> contenders{
+            inProcess("calls", "items_per_second"), [&] { return minimal(daemon.port(), "loop", count, 0); },
+            [&] {
+                return numberOf({program("beast"), daemon.port(), "loop", std::to_string(count)});
+            }};
+        if (!node.empty()) {
+            contenders.push_back([&] {
+                auto argv = nodeCommand(daemon.port());
+                argv.insert(argv.end(), {"loop", std::to_string(count)});
+                return numberOf(argv);
+            });
+        }
+        auto const rates = interleave(15, contenders);
+        std::vector<Yardstick> yardsticks{{"C", rates[1], {.least = 0.4}}, {"Beast", rates[2]}};
+        if (!node.empty()) {
+            yardsticks.push_back({"Node ws", rates[3]});
+        }
+        table.add("calls one at a time, pinned", Unit::perSecond, rates[0], yardsticks);
+        addReadsAtOnce("reads at once on one handle, pinned", {.least = 1.5});
+        setenv("SIMULATOR_PORT", simulator.port().c_str(), 1);
+    }
+
+    void readsAtOnce() {
+        addReadsAtOnce("reads at once on one handle, not pinned", {});
+    }
+
+    void addReadsAtOnce(std::string const& what, Limit limit) {
+        auto const rates = interleave<double>(
+            7, {inProcess("readsAtOnce", "items_per_second"), inProcess("readsInTurn", "items_per_second")});
+        table.add(what, Unit::perSecond, rates[0], {{"one thread", rates[1], limit}});
+    }
+
+    void destroying() {
+        auto const times = interleave<double>(5, {inProcess("destroyIdle", "median")});
+        table.add("destroying an idle handle", Unit::seconds, times[0], {}, {.most = 2e-3});
+    }
+
+    void bursts() {
+        auto const times = interleave<double>(15, {inProcess("framed/10000", "median"), [this] {
+                                                       return minimal(load.port(), "receive", 10000, 0);
+                                                   }});
+        table.add("10,000 reports, framed", Unit::seconds, times[0], {{"C", times[1]}}, {.most = 3e-3});
+        auto const framed = interleave<double>(
+            7, {inProcess("framed/100000", "cpuPerReport"), inProcess("framed/1000", "cpuPerReport")});
+        table.add("a report of 100,000, framed, processor time", Unit::seconds, framed[0],
+                  {{"one of 1,000", framed[1], {.most = 1.2}}});
+        auto const delivered = interleave<double>(7, {inProcess("delivered/100000", "median"),
+                                                      inProcess("delivered/1000", "median"),
+                                                      inProcess("parse/state", "median")});
+        table.add("a report of 100,000, delivered", Unit::seconds, delivered[0],
+                  {{"one of 1,000", delivered[1], {.most = 1.2}}, {"jsoncpp's parse", delivered[2]}});
+        auto const costs = interleave<double>(
+            7, {inProcess("delivered/100000", "cpuPerReport"), inProcess("delivered/1000", "cpuPerReport")});
+        table.add("the same, processor time of the reader", Unit::seconds, costs[0],
+                  {{"one of 1,000", costs[1]}});
+    }
+
+    void messages() {
+        addMessages("messages of 64 KiB", 1000, 64 << 10);
+        addMessages("messages of 1 MiB", 64, 1 << 20);
+    }
+
+    void addMessages(std::string const& what, int count, int size) {
+        std::string const name = "message/" + std::to_string(count) + '/' + std::to_string(size);
+        auto const rates = interleave<double>(21, {inProcess(name, "bytes_per_second"), [&] {
+                                                       return count * double(size) /
+                                                              minimal(load.port(), "receive", count, size);
+                                                   }});
+        table.add(what, Unit::bytesPerSecond, rates[0], {{"C", rates[1], {.least = 0.8}}});
+    }
+
+    // The ticks: a wait on the socket lasts at most 100 ms, one between two attempts to connect 250 ms, as
+    // does a tick of the thread that repeats subscriptions.
+    void idleHandles() {
+        addIdleHandle("linked", "idleLinked", 14);
+        addIdleHandle("link closing", "idleClosing", 14);
+        addIdleHandle("no daemon", "idleWithoutDaemon", 8);
+        addIdleHandle("upgrade unanswered", "idleUnanswered", 4);
+    }
+
+    void addIdleHandle(std::string const& what, std::string const& benchmark, double ticks) {
+        Json::Value const figures = inProcess(benchmark);
+        table.add("an idle handle, " + what + ", wake-ups", Unit::perSecond, {figures["wakeUps"].asDouble()},
+                  {}, {.most = ticks + 0.5});
+        table.add("the same, processor time of a second", Unit::seconds, {figures["cpu"].asDouble()}, {},
+                  {.most = 0.01});
+    }
+
+    // Less than three bytes a report is what the buffers' sizes may differ by.
+    void growth() {
+        table.add("growth of a handle over 100,000 reports", Unit::bytes,
+                  {inProcess("growth")["KiB"].asDouble() * 1024}, {}, {.most = mebi / 4});
+    }
+
+    std::string const bin;
+    std::string const node; // empty: no Node
+    Daemon const simulator{{program("kelvarissim"), "--port", "0"}};
+    Daemon const closing{{program("kelvarissim"), "--port", "0", "--close-frame-after", "1"}};
+    Daemon const load{{program("loaddaemon")}};
+    Table table;
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    if (argc < 2) {
+        std::fputs("usage: driver BINARIES [NODE_FOLDER]\n", stderr);
+        return 2;
+    }
+    try {
+        return Bench(argv[1], argc > 2 ? argv[2] : "").measureAll() ? 0 : 1;
+    } catch (std::exception const& failure) {
+        std::fprintf(stderr, "driver: %s\n", failure.what());
+        return 2;
+    }
+}
