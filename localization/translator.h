@@ -13,8 +13,7 @@ namespace kelvaris::localization {
 // From language code to key to text.
 using TranslationTable = std::map<std::string, std::map<std::string, std::string>>;
 
-// Guards translationTables and is held during every look-up. Whoever changes a registered table holds it,
-// too.
+// Guards translationTables and is held during every look-up. Whoever changes a registered table holds it.
 extern std::mutex translationTablesMutex;
 
 // The registered tables, not owned, in order of registration.
@@ -25,8 +24,7 @@ extern std::vector<const TranslationTable*> translationTables;
 extern std::string baseLanguage;
 extern std::string usedLanguage;
 
-// Appends a table, which has to outlive every look-up. A table that is registered already is left in its
-// place.
+// Appends a table, which has to outlive every look-up. One that is registered already stays in its place.
 void registerTranslationTable(const TranslationTable* table);
 
 // The text for a template "{{KEY}}", or the argument itself when it is no template or no table has the key.

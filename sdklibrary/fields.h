@@ -30,13 +30,17 @@ template <std::size_t N> void copyText(char (&field)[N], Json::Value const& valu
     }
 }
 
-// Fills slots with the elements of a list, in order, each by `fill(slot, element)`. Elements beyond the
-// capacity are dropped, and a value that is no list has none; `count` becomes the number stored.
+// Fills slots with the elements of a list, or the members of an object, in order, each by
+// `fill(slot, element)`. What is beyond the capacity is dropped; `count` becomes the number stored.
 template <class Count, class Slot, std::size_t N, class Fill>
 void fillSlots(Count& count, Slot (&slots)[N], Json::Value const& list, Fill fill) {
-    std::size_t const used = list.isArray() ? std::min<std::size_t>(list.size(), N) : 0;
-    for (std::size_t i = 0; i < used; ++i) {
-        fill(slots[i], list[static_cast<Json::ArrayIndex>(i)]);
+    std::size_t used = 0;
+    for (Json::Value const& element : list) {
+        if (used == N) {
+            break;
+        }
+        fill(slots[used], element);
+        ++used;
     }
     count = static_cast<Count>(used);
 }

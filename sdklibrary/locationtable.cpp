@@ -7,12 +7,10 @@ namespace {
 // One row a place, one column a language, UTF-8. A line is longer than usual so that a column can be read
 // from top to bottom; a new place needs its name in all languages. These look like slips and stay:
 // - bhs, kowloon, nova, la, nyc and sf are codes of the servers and not the names of their cities; hk and
-// kowloon
-//   have the same names, and so have sg and singapore.
+//   kowloon have the same names, and so have sg and singapore.
 // - ly in tr ends in a blank, tallinn in zh is the name of the country, test in ar is in Latin letters.
 // - philadelphia in ar is in presentation forms and in visual order, hence the escapes; all other Arabic
-// names are
-//   in ordinary letters and in logical order.
+//   names are in ordinary letters and in logical order.
 // - Some names in ru carry a stress mark, U+0301 behind the vowel.
 // clang-format off
 constexpr LocationRow rows[] = {

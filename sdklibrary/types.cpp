@@ -199,8 +199,6 @@ const char* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInf
     return KelvarisSDK_ServerInformation_toString(leading);
 }
 
-// settings
-
 // adapters
 
 const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state) {

@@ -244,6 +244,11 @@ TEST(Servers, List) {
                        listed("", "", 0, false),
                    listed("us", "nyc", 3, true) + "," + listed("us", "", 0, true) + "," +
                        listed("privatefr", "", 0, true))},
+        // An object is a list of its members' values.
+        {"object",
+         {"show", "servers"},
+         asked("directory", R"({"b":{"country":"us"},"a":{"country":"de"}})"),
+         directory(listed("de", "", 0, false) + "," + listed("us", "", 0, false), "")},
         {"no server", {"show", "servers"}, asked("directory", "[1]"), "", unreadable, 1},
     });
 }

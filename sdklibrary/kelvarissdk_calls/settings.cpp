@@ -98,7 +98,10 @@ void setPrivacySettings(KelvarisSDK_PrivacySettingsResult& result, Json::Value c
 }
 
 void setCaptiveNetworksResult(KelvarisSDK_CaptivePortalCheckResult& result, Json::Value const& payload) {
-    fillSlots(result.networkCount, result.networks, payload[Keys::_networks], copyText<100>);
+    // The members of an object are no networks.
+    Json::Value const& networks = payload[Keys::_networks];
+    fillSlots(result.networkCount, result.networks,
+              networks.isArray() ? networks : Json::Value::nullSingleton(), copyText<100>);
 }
 
 void setCaptiveLoginResult(KelvarisSDK_CaptivePortalLoginResult& result, Json::Value const& payload) {

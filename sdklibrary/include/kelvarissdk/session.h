@@ -35,10 +35,10 @@ typedef struct KelvarisSDK_AccountingResult {
     int64_t bytesAvail; /* bytes that the account may use in the period */
     int64_t bytesUsed;  /* bytes used in the period */
     bool isTeam;
-    int32_t minutesAvail; /* minutes that the account may use in the period */
-    int32_t minutesUsed;  /* minutes used in the period */
-    KelvarisSDK_AccountPaymentType paymentType;
-    struct tm periodEndDate; /* the date only; all zero where the report has none */
+    int32_t minutesAvail;                       /* minutes that the account may use in the period */
+    int32_t minutesUsed;                        /* minutes used in the period */
+    KelvarisSDK_AccountPaymentType paymentType; /* FREE where the daemon's tier isn't known */
+    struct tm periodEndDate;                    /* the date only; all zero where the report has none */
 } KelvarisSDK_AccountingResult;
 
 typedef bool (*KelvarisSDK_AccountingCallback)(KelvarisSDK_AccountingResult result, void* userData);
@@ -83,11 +83,11 @@ typedef struct KelvarisSDK_ServerInformation {
 
 /** A server in use. It begins with the fields of KelvarisSDK_ServerInformation at the same places. */
 typedef struct KelvarisSDK_ServerInformationDetailed {
-    char country[10]; /* code; no terminator when full, and then it runs on into `city` */
-    char city[20];    /* code; no terminator when full */
-    int32_t num;      /* number of the server within the city */
-    bool isPrivate;   /* private to this account */
-    bool torrentAllowed;
+    char country[10];       /* code; no terminator when full, and then it runs on into `city` */
+    char city[20];          /* code; no terminator when full */
+    int32_t num;            /* number of the server within the city */
+    bool isPrivate;         /* private to this account */
+    bool torrentAllowed;    /* true where the report doesn't say */
     uint16_t publicIPCount; /* entries of `publicIP` in use */
     char publicIP[12][46];  /* IPv4 or IPv6 addresses as text; no terminator when full */
 } KelvarisSDK_ServerInformationDetailed;
@@ -155,9 +155,10 @@ typedef bool (*KelvarisSDK_ConnectCallback)(KelvarisSDK_ConnectResult result, vo
 /**
  * Connects to a server that the daemon picks. Ends when the session is CONNECTED, with the server reported
  * last before that; or with the daemon's own error type and message, from report_connect_error or
- * report_login_error. The time-out is 60 seconds, up to the first report of a server; the daemon may go on
- * after it. COUNTRY fails with SDK (3840). PROXY and any other number are sent as AUTO: for the proxy there
- * is KelvarisSDK_ConnectProxy.
+ * report_login_error. Where no server was reported, the record holds none, with false for `torrentAllowed`.
+ * It can be locked as a setting can. The time-out is 60 seconds, up to the first report of a server; the
+ * daemon may go on after it. COUNTRY fails with SDK (3840). PROXY and any other number are sent as AUTO: for
+ * the proxy there is KelvarisSDK_ConnectProxy.
  */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectAuto(KelvarisSDK_Handle* sdk,
                                                                   KelvarisSDK_AutoConnectMethod method,
@@ -200,7 +201,10 @@ KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_GetConnectedServer(Kelvari
 
 /* ---- Connect method ---- */
 
-/** The daemon's setting of how it picks a server, from report_server_settings. */
+/**
+ * The daemon's setting of how it picks a server, from report_server_settings. A method that isn't known leaves
+ * `connectMethod` as it was: CLOSEST in the first report.
+ */
 typedef struct KelvarisSDK_ServerSettingsResult {
     KelvarisSDK_BaseResult base;
     KelvarisSDK_AutoConnectMethod connectMethod; /* COUNTRY: the place below */
@@ -252,7 +256,10 @@ typedef bool (*KelvarisSDK_DirectorySettingsCallback)(KelvarisSDK_DirectorySetti
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_GetDirectorySettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
-/** Switches encrypted server name indication on or off. */
+/**
+ * Switches encrypted server name indication on or off. A lock by neither the server nor the account ends a
+ * synchronous call with `error` set and `errorCode` 0.
+ */
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_SetESNIEnabled(
     KelvarisSDK_Handle* sdk, bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
