@@ -4,11 +4,14 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 #include <json/json.h>
 #include <kelvarissdk/csdkinterface.h>
 
 void writeDocument(Json::Value const& document, std::FILE* stream = stdout);
+// The same with a document's finished text.
+void writeText(std::string const& text, std::FILE* stream = stdout);
 
 // core
 void printError(KelvarisSDK_BaseResult const& result);

@@ -232,7 +232,7 @@ TEST(Servers, List) {
         R"([{"private":"yes","country":"privateus","city":"nyc","num":3},)"
         R"({"private":"no","country":"privateus","num":"7"},{"private":"yes","country":"us","num":"x"},)"
         R"({"private":"YES","country":"usprivate","city":"abcdefghijklmnopqrstuvw","num":65},)"
-        R"({"private":"yes","country":"privateprivatefr"},null])";
+        R"({"private":"yes","country":"privateprivatefr"},null,{"country":"\\\"\u0007","city":"ö/<\u0001"}])";
     runRows({
         {"too many", {"show", "servers"}, asked("directory", many), directory(first400, "")},
         {"empty", {"show", "countries"}, asked("directory", "[]"), directory("", "")},
@@ -241,7 +241,7 @@ TEST(Servers, List) {
          asked("directory", mixed),
          directory(listed("privateus", "", 7, false) + "," +
                        listed("usprivate", "abcdefghijklmnopqrst", 65, false) + "," +
-                       listed("", "", 0, false),
+                       listed("", "", 0, false) + "," + listed(R"(\\\"\u0007)", R"(ö/<\u0001)", 0, false),
                    listed("us", "nyc", 3, true) + "," + listed("us", "", 0, true) + "," +
                        listed("privatefr", "", 0, true))},
         // An object is a list of its members' values.

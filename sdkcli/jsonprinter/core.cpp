@@ -4,7 +4,11 @@
 #include "recordtext.h"
 
 void writeDocument(Json::Value const& document, std::FILE* stream) {
-    std::fputs(document.toStyledString().c_str(), stream);
+    writeText(document.toStyledString(), stream);
+}
+
+void writeText(std::string const& text, std::FILE* stream) {
+    std::fputs(text.c_str(), stream);
     std::fflush(stream);
 }
 
