@@ -86,9 +86,13 @@ template <auto get> bool read(KelvarisSDK_Handle* handle) {
 }
 
 // Reads that await different reports, so each report ends one call.
-constexpr std::array<Read, 5> reads{
-    read<KelvarisSDK_GetState>,    read<KelvarisSDK_GetVersion>,           read<KelvarisSDK_GetSettings>,
-    read<KelvarisSDK_GetAdapters>, read<KelvarisSDK_GetDirectorySettings>,
+constexpr std::array<Read, 6> reads{
+    read<KelvarisSDK_GetState>,
+    read<KelvarisSDK_GetVersion>,
+    read<KelvarisSDK_GetSettings>,
+    read<KelvarisSDK_GetAdapters>,
+    read<KelvarisSDK_GetFirewallSettings>,
+    read<KelvarisSDK_GetDirectorySettings>,
 };
 
 void mustSucceed(bool success, char const* what) {

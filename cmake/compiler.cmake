@@ -2,6 +2,9 @@
 add_library(kelvaris_options INTERFACE)
 
 target_compile_options(kelvaris_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(kelvaris_options INTERFACE -Wno-restrict) # wrong about "literal" + std::string when optimised
+endif()
 if(KELVARIS_WERROR)
     target_compile_options(kelvaris_options INTERFACE -Werror)
 endif()

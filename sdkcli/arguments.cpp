@@ -10,6 +10,8 @@
 KelvarisSDK_Handle* sdk = nullptr;
 char binName[512 + 1];
 
+// One comparison and one call per keyword, in the order in which they are tried.
+// NOLINTNEXTLINE(readability-function-size)
 int processArgs(int argc, char* argv[]) {
     // Options without an action behind them leave no keyword.
     char const* const keyword = argc >= 2 ? argv[1] : "";

@@ -24,8 +24,8 @@ std::string usageText() {
 // FNV-1a: the usage text is long and never changes.
 uint64_t hash(std::string const& text) {
     uint64_t value = 14695981039346656037U;
-    for (unsigned char byte : text) {
-        value = (value ^ byte) * 1099511628211U;
+    for (char const byte : text) {
+        value = (value ^ static_cast<unsigned char>(byte)) * 1099511628211U;
     }
     return value;
 }

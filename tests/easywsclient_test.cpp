@@ -284,7 +284,7 @@ TEST_F(EasyWsClient, TakesBytesBehindTheAnswerAsFrames) {
 TEST_F(EasyWsClient, SendsEveryForm) {
     ASSERT_TRUE(open());
     string expected;
-    for (std::size_t const size : {0, 1, 125, 126, 65535, 65536}) {
+    for (std::size_t const size : {0U, 1U, 125U, 126U, 65535U, 65536U}) {
         client->send(pattern(size));
         expected += sent(0x81, pattern(size));
         EXPECT_EQ(expected.size(), client->unsentBytes()) << "nothing leaves before poll";
@@ -331,7 +331,7 @@ TEST_F(EasyWsClient, ReceivesEveryFormAndSize) {
     string const key = bytes({0x01, 0x80, 0xFE, 0x37});
     Messages expected;
     string stream;
-    for (std::size_t const size : {0, 125, 126, 65535, 65536, 5'000'001}) {
+    for (std::size_t const size : {0U, 125U, 126U, 65535U, 65536U, 5'000'001U}) {
         for (string const& maskKey : {string(), key}) {
             expected.push_back(pattern(size));
             stream += frame(0x82, pattern(size), maskKey);

@@ -102,7 +102,7 @@ TEST_F(LocationNames, TextsAreInTheScriptOfTheirLanguage) {
             const std::u32string points = decode(text);
             ASSERT_FALSE(points.empty()) << language << ' ' << key;
             const bool plain = std::all_of(points.begin(), points.end(),
-                                           [&](char32_t c) { return isOfLanguage(c, language); });
+                                           [&name = language](char32_t c) { return isOfLanguage(c, name); });
             const bool blanks =
                 text.front() == ' ' || text.back() == ' ' || text.find("  ") != std::string::npos;
             if (!plain || blanks) {
