@@ -102,8 +102,8 @@ public:
                                        Json::Value const& members);
     static void subscribeToEvent(EventDescription& description, std::string const& event);
 
-    // Moves the description into the table, then queues its requests. Returns the entry's id; where `assignedId` is given, the
-    // id stands there before the first delivery can come.
+    // Moves what is described into the table, then queues its requests. Returns the entry's id; where `assignedId`
+    // is given, the id stands there before the first delivery can come.
     uint64_t getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId = nullptr);
 
     // Erases an entry; inside one of its own deliveries, at the end of that. An unknown id is ignored.
