@@ -2,6 +2,7 @@
 // their own go through the wrappers; the others through the C interface.
 
 #include "kelvarissdk.h"
+#include "support/handle.h"
 #include "support/scripteddaemon.h"
 #include "websockets.h"
 #include "wswrapper.h"
@@ -28,59 +29,6 @@ Exchange stateWithin(uint64_t timeoutMs) {
             .awaited = {{"report_current_state"}},
             .timeoutMs = timeoutMs};
 }
-
-class Handle {
-public:
-    explicit Handle(uint16_t port) {
-        KelvarisSDK_CreateSettings settings;
-        KelvarisSDK_InitializeCreateSettings(&settings);
-        settings.port = port;
-        sdk = KelvarisSDK_CreateWithSettings(settings);
-    }
-    ~Handle() {
-        KelvarisSDK_Destroy(sdk);
-    }
-    Handle(Handle const&) = delete;
-    Handle& operator=(Handle const&) = delete;
-
-    KelvarisSDK_Handle* sdk;
-};
-
-// What a callback got, for the test's thread to take in order.
-class Inbox {
-public:
-    static bool keep(KelvarisSDK_StateResult result, void* userData) {
-        static_cast<Inbox*>(userData)->put(result);
-        return true;
-    }
-
-    void put(KelvarisSDK_StateResult const& result) {
-        std::lock_guard const lock(mutex);
-        results.push_back(result);
-        changed.notify_all();
-    }
-
-    KelvarisSDK_StateResult take() {
-        std::unique_lock lock(mutex);
-        if (!changed.wait_for(lock, std::chrono::seconds(20), [this] { return !results.empty(); })) {
-            ADD_FAILURE() << "no callback came";
-            return {};
-        }
-        KelvarisSDK_StateResult const first = results.front();
-        results.pop_front();
-        return first;
-    }
-
-    bool empty() {
-        std::lock_guard const lock(mutex);
-        return results.empty();
-    }
-
-private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<KelvarisSDK_StateResult> results;
-};
 
 std::string messageOf(KelvarisSDK_BaseResult const& base) {
     return std::string(base.errorMessage, strnlen(base.errorMessage, sizeof(base.errorMessage)));

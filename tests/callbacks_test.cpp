@@ -1,0 +1,133 @@
+// What the C interface promises about callbacks, threads and handles.
+
+#include "support/handle.h"
+#include "support/scripteddaemon.h"
+#include "support/simulator.h"
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace harness;
+
+namespace {
+
+constexpr char connected[] = R"(["report_current_state",{"state":6}])";
+constexpr char version[] = R"(["report_version_data",{"maj":12,"min":3,"bug":4,"build":5}])";
+
+Options const noName{.appName = std::nullopt};
+
+} // namespace
+
+// Unregistering waits for the callback that runs, and no other follows.
+TEST(Callbacks, NoneRunsAfterUnregistering) {
+    ScriptedDaemon daemon({{.request = "request_current_state", .answers = {connected}},
+                           {.request = "request_version_data", .answers = {connected, version}}},
+                          noName);
+    struct {
+        std::promise<void> entered;
+        std::promise<uint64_t> unregistered;
+        std::future<uint64_t> early = unregistered.get_future();
+        std::future_status seen = std::future_status::ready;
+        std::atomic<int> calls = 0;
+    } shared;
+    Handle const handle(daemon.port());
+    auto const callback = [](KelvarisSDK_StateResult, void* userData) {
+        auto& own = *static_cast<decltype(shared)*>(userData);
+        if (own.calls++ == 0) {
+            own.entered.set_value();
+            own.seen = own.early.wait_for(std::chrono::milliseconds(200));
+        }
+        return true;
+    };
+    uint64_t const id = KelvarisSDK_GetState(handle.sdk, callback, &shared).base.callbackId;
+    shared.entered.get_future().wait();
+    KelvarisSDK_UnregisterCallback(handle.sdk, id);
+    shared.unregistered.set_value(id);
+    EXPECT_EQ(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).maj, 12);
+    EXPECT_EQ(shared.calls, 1);
+    EXPECT_EQ(shared.seen, std::future_status::timeout);
+}
+
+// What a callback returns ends a subscription and nothing else.
+TEST(Callbacks, OneShotEndsAlwaysAndSubscriptionWithFalse) {
+    ScriptedDaemon daemon(
+        {{.request = "request_current_state"},
+         {.request = "request_version_data", .answers = {connected, connected, connected, version, version}},
+         {.request = "request_connection_settings", .answers = {R"(["report_connection_settings",{}])"}}},
+        noName);
+    std::atomic<int> states = 0;
+    std::atomic<int> versions = 0;
+    Handle const handle(daemon.port());
+    KelvarisSDK_GetState(
+        handle.sdk,
+        [](KelvarisSDK_StateResult, void* count) { return ++*static_cast<std::atomic<int>*>(count) < 2; },
+        &states);
+    auto const countVersion = [](KelvarisSDK_VersionResult, void* count) {
+        ++*static_cast<std::atomic<int>*>(count);
+        return true;
+    };
+    KelvarisSDK_GetVersion(handle.sdk, countVersion, &versions);
+    EXPECT_FALSE(KelvarisSDK_GetSettings(handle.sdk, nullptr, nullptr).base.error);
+    EXPECT_EQ(states, 2);
+    EXPECT_EQ(versions, 1);
+}
+
+// Each thread finds in its records what the first call found, whoever else asks.
+TEST(Callbacks, ManyThreadsOnOneHandle) {
+    Simulator const simulator;
+    Handle const handle(simulator.port);
+    KelvarisSDK_Handle* const sdk = handle.sdk;
+    auto const look = [sdk](int which) -> std::string {
+        switch (which % 4) {
+        case 0:
+            return std::to_string(KelvarisSDK_GetVersion(sdk, nullptr, nullptr).build);
+        case 1:
+            return std::to_string(KelvarisSDK_GetAdapters(sdk, nullptr, nullptr).adapterCount);
+        case 2:
+            return std::to_string(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).serverCount);
+        default:
+            return KelvarisSDK_GetAccountingData(sdk, nullptr, nullptr).email;
+        }
+    };
+    std::vector<std::future<bool>> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.push_back(std::async(std::launch::async, [&look, i, wanted = look(i)] {
+            bool right = !wanted.empty() && wanted != "0";
+            for (int round = 0; round < 50; ++round) {
+                right = look(i) == wanted && right;
+            }
+            return right;
+        }));
+    }
+    for (auto& thread : threads) {
+        EXPECT_TRUE(thread.get());
+    }
+}
+
+TEST(Callbacks, TenHandlesInOneProcess) {
+    struct Pair {
+        explicit Pair(int state)
+            : daemon({{.request = "request_current_state",
+                       .answers = {R"(["report_current_state",{"state":)" + std::to_string(state) + "}]"}}},
+                     noName),
+              handle(daemon.port()) {
+            KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
+        }
+        Inbox inbox;
+        ScriptedDaemon daemon;
+        Handle handle;
+    };
+    std::vector<std::unique_ptr<Pair>> pairs;
+    for (int i = 0; i < 10; ++i) {
+        pairs.push_back(std::make_unique<Pair>(i % 8));
+    }
+    for (unsigned i = 10; i-- > 0;) {
+        EXPECT_EQ(pairs[i]->inbox.take().state, i % 8);
+        pairs.pop_back();
+    }
+}

@@ -1,0 +1,254 @@
+// stress [SECONDS [ROUNDS]]: how the library keeps its feet for a long time. Eight threads make mixed calls on
+// handles they share and unregister at random, for so many seconds (30), while the daemons drop the links; then
+// handles are made and destroyed in so many rounds (10000) under the hands of a daemon that never falls silent.
+// Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
+// memory has grown. User data are freed as soon as no callback may use them any more.
+
+#include "support/handle.h"
+#include "support/simulator.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <malloc.h>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+using namespace harness;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::size_t threadCount = 8;
+constexpr std::size_t growthAllowed = 1 << 20;
+
+std::atomic<long> synchronous = 0;
+std::atomic<long> asynchronous = 0;
+std::atomic<long> deliveries = 0;
+std::atomic<long> timeOuts = 0;
+std::atomic<long> wrong = 0;
+
+void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
+    auto const reads = [&](char const* text) {
+        return std::strncmp(base.errorMessage, text, sizeof(base.errorMessage)) == 0;
+    };
+    bool right = false;
+    switch (base.errorCode) {
+    case KelvarisSDK_ErrorType_NO_ERROR:
+        right = !base.error && !insideCallback && reads("");
+        break;
+    case KelvarisSDK_ErrorType_ASYNC_CALL:
+        right = !base.error && reads("Result is an async call SDK");
+        break;
+    case KelvarisSDK_ErrorType_TIMEOUT: // a subscription keeps the code when its reports come again
+        right = reads("Timeout") && (base.error || insideCallback);
+        timeOuts += base.error ? 1 : 0;
+        break;
+    case KelvarisSDK_ErrorType_NOT_CONNECTED:
+        right = reads("Unable to connect") && (base.error || insideCallback);
+        timeOuts += base.error ? 1 : 0;
+        break;
+    case KelvarisSDK_ErrorType_LOCKED_BY_SERVER:
+        right = base.error;
+        break;
+    default:
+        break;
+    }
+    if (!right) {
+        ++wrong;
+        std::fprintf(stderr, "stress: a record with error %d, code %d, \"%.200s\"\n", base.error,
+                     base.errorCode, base.errorMessage);
+    }
+}
+
+// An asynchronous call's user data.
+struct Waiting {
+    KelvarisSDK_Handle* sdk;
+    uint64_t id = 0;
+    unsigned count = 0;
+};
+
+template <class T> bool deliver(T result, void* userData) {
+    auto& waiting = *static_cast<Waiting*>(userData);
+    ++deliveries;
+    judge(result.base, true);
+    if (++waiting.count % 16 == 0) {
+        int const code = KelvarisSDK_GetState(waiting.sdk, nullptr, nullptr).base.errorCode;
+        wrong += code == KelvarisSDK_ErrorType_SYNCHRONOUS_IN_CALLBACK ? 0 : 1;
+        KelvarisSDK_UnregisterCallback(waiting.sdk, result.base.callbackId);
+    }
+    return waiting.count % 10 != 0;
+}
+
+// One thread's calls.
+class Caller {
+public:
+    Caller(std::vector<KelvarisSDK_Handle*> handles, unsigned seed)
+        : sdks(std::move(handles)), random(seed) {}
+    ~Caller() {
+        while (!waiting.empty()) {
+            unregisterOne();
+        }
+    }
+    Caller(Caller const&) = delete;
+    Caller& operator=(Caller const&) = delete;
+
+    std::size_t below(std::size_t limit) {
+        return random() % limit;
+    }
+
+    template <class T> void make(T (*call)(KelvarisSDK_Handle*, bool (*)(T, void*), void*)) {
+        KelvarisSDK_Handle* const sdk = sdks[below(sdks.size())];
+        if (below(2) == 0) {
+            judge(call(sdk, nullptr, nullptr).base);
+            ++synchronous;
+            return;
+        }
+        waiting.push_back(std::make_unique<Waiting>(Waiting{.sdk = sdk}));
+        T const returned = call(sdk, deliver<T>, waiting.back().get());
+        judge(returned.base);
+        waiting.back()->id = returned.base.callbackId;
+        ++asynchronous;
+        while (below(3) == 0 ? !waiting.empty() : waiting.size() > 20) {
+            unregisterOne();
+        }
+    }
+
+private:
+    void unregisterOne() {
+        auto const which = waiting.begin() + static_cast<std::ptrdiff_t>(below(waiting.size()));
+        KelvarisSDK_UnregisterCallback((*which)->sdk, (*which)->id);
+        waiting.erase(which);
+    }
+
+    std::vector<KelvarisSDK_Handle*> const sdks;
+    std::mt19937 random;
+    std::vector<std::unique_ptr<Waiting>> waiting;
+};
+
+using Sdk = KelvarisSDK_Handle;
+using Callback = KelvarisSDK_SettingsCallback;
+
+KelvarisSDK_SettingsResult setJumboPackets(Sdk* sdk, Callback callback, void* userData) {
+    return KelvarisSDK_SetJumboPackets(sdk, true, callback, userData);
+}
+
+KelvarisSDK_SettingsResult setLockedMode(Sdk* sdk, Callback callback, void* userData) {
+    return KelvarisSDK_SetMode(sdk, KelvarisSDK_BondingMode_REDUNDANT, callback, userData);
+}
+
+template <auto... calls> void makeOneOf(Caller& caller) {
+    constexpr std::array<void (*)(Caller&), sizeof...(calls)> each = {
+        [](Caller& one) { one.make(calls); }...};
+    each[caller.below(each.size())](caller);
+}
+
+// The reads of every family, and some settings.
+constexpr auto makeAnyCall =
+    makeOneOf<KelvarisSDK_GetState, KelvarisSDK_GetVersion, KelvarisSDK_GetAccountingData,
+              KelvarisSDK_GetDirectory, KelvarisSDK_GetConnectedServer, KelvarisSDK_GetServerSettings,
+              KelvarisSDK_GetDirectorySettings, KelvarisSDK_GetSettings, KelvarisSDK_GetPrivacySettings,
+              KelvarisSDK_GetAdapters, KelvarisSDK_GetFirewallSettings, KelvarisSDK_GetLocalProxySettings,
+              KelvarisSDK_GetStreamingSettings, KelvarisSDK_GetConnectionStats, KelvarisSDK_GetStreamingStats,
+              KelvarisSDK_GetLastDisconnectEvent, KelvarisSDK_GetSpeedTestResults,
+              KelvarisSDK_GetSafeBrowsing, setJumboPackets, setLockedMode>;
+
+void inThreads(std::function<void(unsigned)> const& body) {
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < threadCount; ++i) {
+        threads.emplace_back(body, i);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+void mixedCalls(std::chrono::milliseconds duration) {
+    Simulator const dropping(
+        {"--interval", "5", "--drop-after", "61", "--lock", "set_connection_algorithm=1"});
+    Simulator const alsoDropping({"--interval", "7", "--drop-after", "223"});
+    Simulator const steady({"--interval", "3", "--lock", "set_connection_algorithm=1"});
+    Handle const first(dropping.port);
+    Handle const second(alsoDropping.port);
+    Handle const third(steady.port);
+    for (Handle const* handle : {&first, &second, &third}) {
+        KelvarisSDK_EnableStatUpdates(handle->sdk, true, 0, nullptr);
+    }
+    auto const end = Clock::now() + duration;
+    inThreads([&](unsigned number) {
+        Caller caller({first.sdk, second.sdk, third.sdk}, number);
+        while (Clock::now() < end) {
+            makeAnyCall(caller);
+        }
+    });
+}
+
+void createAndDestroy(long rounds) {
+    Simulator const chatty({"--interval", "1"});
+    std::atomic<long> next = 0;
+    inThreads([&](unsigned number) {
+        std::mt19937 random(number);
+        while (next++ < rounds) {
+            Waiting connections{};
+            Waiting state{};
+            Handle const handle(chatty.port);
+            connections.sdk = state.sdk = handle.sdk;
+            KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
+            KelvarisSDK_GetConnectionStats(handle.sdk, deliver<KelvarisSDK_ConnectionStatsResult>,
+                                           &connections);
+            KelvarisSDK_GetState(handle.sdk, deliver<KelvarisSDK_StateResult>, &state);
+            if (random() % 2 == 0) {
+                judge(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).base);
+            }
+        }
+    });
+}
+
+// The kernel counts a thread for a moment after it has been joined.
+struct Held {
+    std::ptrdiff_t descriptors = count("/proc/self/fd");
+    std::ptrdiff_t threads = count("/proc/self/task");
+    std::size_t memory = mallinfo2().uordblks;
+
+    static std::ptrdiff_t count(char const* folder) {
+        return std::distance(std::filesystem::directory_iterator(folder), {});
+    }
+};
+
+bool sameAs(Held const& before, char const* stage) {
+    auto const end = Clock::now() + std::chrono::seconds(5);
+    Held now;
+    while (now.threads != before.threads && Clock::now() < end) {
+        std::this_thread::yield();
+        now = Held();
+    }
+    std::printf("%s: descriptors %td to %td, threads %td to %td, memory in use %zu to %zu\n", stage,
+                before.descriptors, now.descriptors, before.threads, now.threads, before.memory, now.memory);
+    return now.descriptors == before.descriptors && now.threads == before.threads &&
+           now.memory <= before.memory + growthAllowed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    long const seconds = argc > 1 ? std::atol(argv[1]) : 30;
+    long const rounds = argc > 2 ? std::atol(argv[2]) : 10'000;
+    createAndDestroy(10); // what is made once and kept, like the table of locations
+    Held const before;
+    mixedCalls(std::chrono::seconds(seconds));
+    bool const tidy = sameAs(before, "calls");
+    createAndDestroy(rounds);
+    bool const tidyAgain = sameAs(before, "rounds");
+    std::printf("%ld synchronous and %ld asynchronous calls, %ld deliveries, %ld time-outs, %ld rounds, %ld "
+                "wrong records\n",
+                synchronous.load(), asynchronous.load(), deliveries.load(), timeOuts.load(), rounds,
+                wrong.load());
+    return tidy && tidyAgain && wrong == 0 ? 0 : 1;
+}
