@@ -9,149 +9,94 @@ using namespace harness;
 
 namespace {
 
-std::string report(std::string const& name, std::string const& payload) {
-    return "[\"" + name + "\"," + payload + "]";
-}
-
-std::string state(int number) {
-    return report("report_current_state", "{\"state\":" + std::to_string(number) + "}");
-}
-
 std::string stateDocument(std::string const& name) {
     return styled(R"({"state":")" + name + "\"}");
 }
 
-std::string credentials(std::string const& username, std::string const& password) {
-    return R"({"password":")" + password + R"(","username":")" + username + "\"}";
+Step loggingIn(std::string const& password, std::vector<Answer> const& answers = {state(2)}) {
+    return {"login", R"({"password":")" + password + R"(","username":"me"})", answers};
 }
 
-std::vector<Step> loggingIn(std::string const& username, std::string const& password) {
-    return {{.request = "login", .payload = credentials(username, password), .answers = {state(2)}}};
+Step byToken(std::string const& token, std::string const& answer) {
+    return {"login_oauth", R"({"oauth":")" + token + "\"}", {answer}};
 }
 
-std::vector<Step> account(std::string const& payload) {
-    return {{.request = "request_accounting_data", .answers = {report("report_accounting_data", payload)}}};
+Row shown(std::string const& account, std::string const& document) {
+    return row("show user", {asked("accounting_data", account)}, document);
 }
 
-// What is printed of an account with this one value, the others being what an empty report gives.
-std::string accountDocument(std::string const& key, Json::Value const& value) {
-    Json::Value document = parsed(
-        R"({"bytesAvailable":0,"bytesUsed":0,"dataPeriodEnd":"1900-01-00","email":"","isAutoAccount":false,)"
-        R"("isTeam":false,"minutesAvailable":0,"minutesUsed":0,"paymentType":"free"})");
-    document[key] = value;
-    return document.toStyledString();
+// What is printed of an account that is reported as {}, with some members replaced.
+std::string accountDocument(std::string const& members) {
+    return changed(R"({"bytesAvailable":0,"bytesUsed":0,"dataPeriodEnd":"1900-01-00","email":"",
+        "isAutoAccount":false,"isTeam":false,"minutesAvailable":0,"minutesUsed":0,"paymentType":"free"})",
+                   members);
 }
 
 } // namespace
 
 TEST(Login, EndsInASettledStateOrAnError) {
-    std::string const error = report("report_login_error", R"({"type":7,"msg":"expired"})");
-    std::string const loginLock = report("report_setting_locked", R"({"setting":"login","reason":1})");
+    std::string const expired = report("login_error", R"({"type":7,"msg":"expired"})");
     runRows({
-        {"password",
-         {"login", "me", "s"},
-         {{.request = "login",
-           .payload = credentials("me", "s"),
-           .answers = {loginLock, state(1), state(0), state(2)}}},
-         stateDocument("LOGGED_IN")},
-        {"empty password", {"login", "me", ""}, loggingIn("me", ""), stateDocument("LOGGED_IN")},
-        {"connected",
-         {"login", "oauth", "t"},
-         {{.request = "login_oauth", .payload = R"({"oauth":"t"})", .answers = {state(6)}}},
-         stateDocument("CONNECTED")},
-        {"automatic",
-         {"login", "auto"},
-         {{.request = "allow_auto_account"}, {.request = "login_auto", .answers = {state(7)}}},
-         stateDocument("OVERLIMIT")},
-        {"error",
-         {"login", "oauth", "t"},
-         {{.request = "login_oauth", .payload = R"({"oauth":"t"})", .answers = {error}}},
-         "",
-         errorDocument(7, "The provided OAUTH token is expired", "expired"),
-         1},
-        {"error without a reason",
-         {"login", "auto"},
-         {{.request = "allow_auto_account"},
-          {.request = "login_auto", .answers = {report("report_login_error", "null")}}},
-         "",
-         errorDocument(0, "No error", ""),
-         1},
-        {"logout",
-         {"logout"},
-         {{.request = "logout", .answers = {state(2)}},
-          {.request = "request_current_state", .answers = {state(0)}}},
-         stateDocument("LOGGED_OUT")},
+        row("login me s", {loggingIn("s", {lock("login", 1), state(1), state(0), state(2)})},
+            stateDocument("LOGGED_IN")),
+        row("login me ''", {loggingIn("")}, stateDocument("LOGGED_IN")),
+        row("login oauth t", {byToken("t", state(6))}, stateDocument("CONNECTED")),
+        row("login auto", {{"allow_auto_account"}, {"login_auto", "null", {state(7)}}},
+            stateDocument("OVERLIMIT")),
+        failing("login oauth t", {byToken("t", expired)},
+                errorDocument(7, "The provided OAUTH token is expired", "expired")),
+        failing("login auto",
+                {{"allow_auto_account"}, {"login_auto", "null", {report("login_error", "null")}}},
+                errorDocument(0, "No error", "")),
+        row("logout", {{"logout", "null", {state(2)}}, asked("current_state", R"({"state":0})")},
+            stateDocument("LOGGED_OUT")),
     });
 }
 
 TEST(Login, RefusedWords) {
-    runRows({
-        {"nothing", {"login"}, {}, "", missing("login <username> [password]"), 3},
-        {"too many", {"login", "a", "b", "c"}, {}, "", invalid("login <username> [password]"), 2},
-        {"auto", {"login", "auto", "b"}, {}, "", invalid("login auto"), 2},
-        {"oauth", {"login", "oauth", "a", "b"}, {}, "", invalid("login oauth [access token]"), 2},
-        {"logout", {"logout", "now"}, {}, "", invalid("logout"), 2},
-    });
-}
-
-TEST(Login, Account) {
-    std::vector<Row> rows = {
-        {"every value its own",
-         {"show", "user"},
-         account(R"({"email":"a@b.c","isAutoAccount":true,"isTeam":false,)"
-                 R"("bytesAvail":9007199254740993,"bytesUsed":-2,"minutesAvail":2147483647,)"
-                 R"("minutesUsed":-4,"payTier":3,"periodEndDate":"2031-02-13T10:11:12"})"),
-         styled(R"({"email":"a@b.c","isAutoAccount":true,"isTeam":false,)"
-                R"("bytesAvailable":9007199254740993,"bytesUsed":-2,"minutesAvailable":2147483647,)"
-                R"("minutesUsed":-4,"paymentType":"yearly","dataPeriodEnd":"2031-02-13"})")},
-        {"a number too wide",
-         {"show", "user"},
-         account(R"({"minutesUsed":2147483648})"),
-         "",
-         errorDocument(3840, "An error in the SDK", "Error from SDK"),
-         1},
-    };
-    struct Case {
-        std::string payload;
-        std::string key;
-        Json::Value value;
-    };
-    for (Case const& c : {
-             Case{"{}", "isTeam", false},
-             Case{R"({"isTeam":true})", "isTeam", true},
-             Case{R"({"payTier":1})", "paymentType", "monthly"},
-             Case{R"({"payTier":2})", "paymentType", "free"},
-             Case{R"({"periodEndDate":"2031-02"})", "dataPeriodEnd", "2031-02-00"},
-             Case{R"({"periodEndDate":"soon"})", "dataPeriodEnd", "1900-01-00"},
-             Case{R"({"email":")" + std::string(251, 'e') + "\"}", "email", std::string(250, 'e')},
-         }) {
-        rows.push_back({c.payload, {"show", "user"}, account(c.payload), accountDocument(c.key, c.value)});
-    }
+    std::vector<Row> rows;
+    addRefusals(rows, {{"login <username> [password]", {"login"}, {"login a b c"}},
+                       {"login auto", {}, {"login auto b"}},
+                       {"login oauth [access token]", {}, {"login oauth a b"}},
+                       {"logout", {}, {"logout now"}}});
     runRows(rows);
 }
 
-TEST(Login, PromptReadsALine) {
-    std::string const prompted = "Enter password : " + stateDocument("LOGGED_IN");
+TEST(Login, Account) {
     runRows({
-        {"a pipe", {"login", "me"}, loggingIn("me", "secret word"), prompted, "", 0, "secret word\nmore\n"},
-        {"no line end", {"login", "me"}, loggingIn("me", "secre"), prompted, "", 0, "secret"},
-        {"end of input", {"login", "me"}, loggingIn("me", ""), prompted},
-        {"longer than its room",
-         {"login", "me"},
-         loggingIn("me", std::string(31, 'x')),
-         prompted,
-         "",
-         0,
-         std::string(40, 'x') + "\n"},
-        {"a long token",
-         {"login", "oauth"},
-         {{.request = "login_oauth",
-           .payload = R"({"oauth":")" + std::string(511, 't') + "\"}",
-           .answers = {state(2)}}},
-         "Enter oauth token : " + stateDocument("LOGGED_IN"),
-         "",
-         0,
-         std::string(600, 't') + "\n"},
+        shown(R"({"email":"a@b.c","isAutoAccount":true,"bytesAvail":9007199254740993,"bytesUsed":-2,
+                  "minutesAvail":2147483647,"minutesUsed":-4,"payTier":3,
+                  "periodEndDate":"2031-02-13T10:11:12"})",
+              accountDocument(R"({"email":"a@b.c","isAutoAccount":true,"bytesAvailable":9007199254740993,
+                  "bytesUsed":-2,"minutesAvailable":2147483647,"minutesUsed":-4,"paymentType":"yearly",
+                  "dataPeriodEnd":"2031-02-13"})")),
+        shown("{}", accountDocument("{}")),
+        shown(R"({"isTeam":true,"payTier":1})",
+              accountDocument(R"({"isTeam":true,"paymentType":"monthly"})")),
+        shown(R"({"payTier":2,"periodEndDate":"2031-02"})",
+              accountDocument(R"({"dataPeriodEnd":"2031-02-00"})")),
+        shown(R"({"email":")" + std::string(251, 'e') + R"(","periodEndDate":"soon"})",
+              accountDocument(R"({"email":")" + std::string(250, 'e') + "\"}")),
+        failing("show user", {asked("accounting_data", R"({"minutesUsed":2147483648})")}, unreadable),
+    });
+}
+
+TEST(Login, PromptReadsALine) {
+    auto const typed = [](std::string const& input, std::string const& words, Step const& step,
+                          std::string const& what) {
+        Row prompted = row(words, {step}, "Enter " + what + " : " + stateDocument("LOGGED_IN"));
+        prompted.input = input;
+        return prompted;
+    };
+    runRows({
+        typed("secret word\nmore\n", "login me", loggingIn("secret word"), "password"),
+        // Without a line end the last byte is lost.
+        typed("secret", "login me", loggingIn("secre"), "password"),
+        typed("", "login me", loggingIn(""), "password"),
+        // What is longer than its room is cut.
+        typed(std::string(40, 'x') + "\n", "login me", loggingIn(std::string(31, 'x')), "password"),
+        typed(std::string(600, 't') + "\n", "login oauth", byToken(std::string(511, 't'), state(2)),
+              "oauth token"),
     });
 }
 
@@ -159,7 +104,7 @@ TEST(Login, PromptReadsALine) {
 TEST(Login, PromptIsSilent) {
     for (bool const interrupted : {false, true}) {
         SCOPED_TRACE(interrupted);
-        std::vector<Step> const script = interrupted ? std::vector<Step>() : loggingIn("me", "secret");
+        std::vector<Step> const script = interrupted ? std::vector<Step>() : std::vector{loggingIn("secret")};
         ScriptedDaemon daemon(script);
         Command command = tool({"-p", std::to_string(daemon.port()), "login", "me"});
         command.kind = Input::terminal;

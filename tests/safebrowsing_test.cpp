@@ -1,27 +1,18 @@
 // Safe browsing: the control actions with their three kinds of endings, the grammar, the two event streams.
 
-#include "kelvarissdk.h"
 #include "support/rows.h"
-#include "websockets.h"
+#include "support/sdk.h"
 
 #include <atomic>
 #include <csignal>
 #include <future>
 #include <gtest/gtest.h>
-#include <iterator>
-#include <sstream>
+#include <kelvarissdk/csdkinterface.h>
 #include <thread>
 
 using namespace harness;
 
 namespace {
-
-constexpr char usage[] = "safebrowsing <initialize|config|enable|errors|stats|redirects|loglevel|token|"
-                         "homenetwork|override|settings|start|stop|update>";
-
-std::string report(std::string const& name, std::string const& payload) {
-    return "[\"report_" + name + "\"," + payload + "]";
-}
 
 std::string settings(std::string const& payload) {
     return report("safe_browsing_settings", payload);
@@ -32,49 +23,32 @@ std::string connectError(int code) {
                   R"({"safebro_msg":"refused","error":)" + std::to_string(code) + "}");
 }
 
-std::string locked(std::string const& setting, int reason) {
-    return report("setting_locked",
-                  R"({"setting":")" + setting + R"(","reason":)" + std::to_string(reason) + "}");
-}
-
 // Settings whose one true value says which of the three it is, and how they are printed.
 std::string const initialized = settings(R"({"initialized":true,"log_level":"trace"})");
 std::string const configured = settings(R"({"config_set":true,"network_override":"unsafe"})");
 std::string const enabled = settings(R"({"enabled":true,"log_level":"warning","network_override":"safe"})");
 
-std::string printed(std::string const& flag, std::string const& logLevel,
-                    std::string const& networkOverride) {
-    Json::Value document;
-    for (std::string const name : {"initialized", "configSet", "enabled"}) {
-        document[name] = name == flag;
-    }
-    document["log_level"] = logLevel;
-    document["network_override"] = networkOverride;
-    return document.toStyledString();
+std::string printed(std::string const& members) {
+    return changed(R"({"initialized":false,"configSet":false,"enabled":false,"log_level":"debug",
+                       "network_override":"none"})",
+                   members);
 }
 
-std::string const printedInitialized = printed("initialized", "trace", "none");
-std::string const printedConfigured = printed("configSet", "debug", "unsafe");
-std::string const printedEnabled = printed("enabled", "warning", "safe");
-std::string const printedNothing = printed("", "debug", "none");
+std::string const printedInitialized = printed(R"({"initialized":true,"log_level":"trace"})");
+std::string const printedConfigured = printed(R"({"configSet":true,"network_override":"unsafe"})");
+std::string const printedEnabled =
+    printed(R"({"enabled":true,"log_level":"warning","network_override":"safe"})");
+std::string const printedNothing = printed("{}");
 
 std::string printedConnectError(int code) {
     return styled(R"({"msg":"refused","error":)" + std::to_string(code) + "}");
 }
 
-// "safebrowsing" and the words behind it.
-std::vector<std::string> argvOf(std::string const& words) {
-    std::istringstream stream("safebrowsing " + words);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
 // An action of one request, and how it ends.
-Row row(std::string const& words, Step const& step, std::string const& out, int status = 0) {
-    return {.name = words + " -> " + out,
-            .argv = argvOf(words),
-            .exchange = {step},
-            .out = out,
-            .status = status};
+Row ends(std::string const& words, Step const& step, std::string const& out, int status = 0) {
+    Row ended = row("safebrowsing " + words, {step}, out);
+    ended.status = status;
+    return ended;
 }
 
 struct Call {
@@ -100,18 +74,16 @@ std::vector<Call> const serviceCalls = {
 
 // The listeners ask for nothing, so nothing tells when they are in place: the events are sent again and again
 // until the tool has printed both. A run of two seconds then has one more to go; an endless one is killed.
-Outcome listen(std::string const& words, bool endless, std::string const& event,
-               std::string const& document) {
+void testStream(std::string const& words, std::string const& event, std::string const& payload,
+                std::string const& document, bool endless) {
     ScriptedDaemon daemon;
-    std::vector<std::string> argv = argvOf(words);
-    argv.insert(argv.begin(), {"-p", std::to_string(daemon.port())});
-    Process process(tool(argv));
+    Process process(tool(split("-p " + std::to_string(daemon.port()) + " safebrowsing " + words)));
     daemon.waitForConnections(1);
     std::atomic<bool> heard = false;
     std::thread sender([&] {
         while (!heard) {
             daemon.send(report(event, R"({"host":[]})"));
-            daemon.send(report(event, document));
+            daemon.send(report(event, payload));
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     });
@@ -122,62 +94,42 @@ Outcome listen(std::string const& words, bool endless, std::string const& event,
     if (endless) {
         process.signal(SIGTERM);
     }
-    return process.wait();
-}
-
-std::string repeated(std::string const& text, std::string const& in) {
-    std::string result = text;
-    while (result.size() < in.size()) {
-        result += text;
-    }
-    return result;
-}
-
-void testStream(std::string const& action, std::string const& event, std::string const& payload,
-                std::string const& document) {
-    Outcome const timed = listen(action + " 2", false, event, payload);
-    EXPECT_EQ(timed.status, 0);
-    EXPECT_EQ(timed.out, repeated(document + "]\n\n", timed.out));
-    std::string const error =
-        "[\"error\",\n" + errorDocument(3840, "An error in the SDK", "Error from SDK") + "]\n\n";
-    EXPECT_EQ(timed.err, repeated(error, timed.err));
-
-    Outcome const endless = listen(action, true, event, payload);
-    EXPECT_EQ(endless.status, -SIGTERM);
-    EXPECT_EQ(endless.out.find(document), 0U);
+    Outcome const& outcome = process.wait();
+    EXPECT_EQ(outcome.status, endless ? -SIGTERM : 0);
+    EXPECT_EQ(outcome.out.find(document + "]\n\n"), 0U);
+    EXPECT_EQ(outcome.err.find("[\"error\",\n" + unreadable + "]\n\n"), 0U);
 }
 
 } // namespace
 
 TEST(SafeBrowsing, Settings) {
-    Call const& initialize = settingCalls[0];
-    Call const& config = settingCalls[1];
+    std::string const config = R"({"config":"c"})";
     std::string const homeNetwork = R"({"retries":0,"delay":0,"timeout":0})";
-    std::string const unknown = settings(R"({"log_level":"Error","network_override":"SAFE"})");
+    std::string const unknown = R"({"log_level":"Error","network_override":"SAFE"})";
     std::vector<Row> rows = {
-        row("settings", {"request_safe_browsing_settings", "null", {initialized}}, printedInitialized),
-        row("settings", {"request_safe_browsing_settings", "null", {unknown}}, printedNothing),
-        row("settings", {"request_safe_browsing_settings", "null", {settings("null")}}, printedNothing),
-        row("initialize c", {initialize.request, initialize.payload, {configured}}, printedConfigured),
+        ends("settings", asked("safe_browsing_settings", unknown), printedNothing),
+        ends("settings", asked("safe_browsing_settings", "null"), printedNothing),
+        ends("initialize c", {"initialize_safe_browsing", config, {configured}}, printedConfigured),
         // A connect error isn't awaited by a call that only changes settings.
-        row("config c", {config.request, config.payload, {connectError(1), configured}}, printedConfigured),
-        row("enable on", {"enable_safe_browsing", R"({"enable":true})", {enabled}}, printedEnabled),
-        row("enable off", {"enable_safe_browsing", R"({"enable":false})", {configured}}, printedConfigured),
-        row("homenetwork", {"safe_browsing_report_home_network", homeNetwork, {initialized}},
-            printedInitialized),
+        ends("config c", {"set_safe_browsing_config", config, {connectError(1), configured}},
+             printedConfigured),
+        ends("enable on", {"enable_safe_browsing", R"({"enable":true})", {enabled}}, printedEnabled),
+        ends("enable off", {"enable_safe_browsing", R"({"enable":false})", {configured}}, printedConfigured),
+        ends("homenetwork", {"safe_browsing_report_home_network", homeNetwork, {initialized}},
+             printedInitialized),
     };
     // No lock concerns these two.
+    auto const change = [&rows](std::string const& words, std::string const& request,
+                                std::string const& payload) {
+        rows.push_back(
+            ends(words, {request, payload, {lock(request, 1), settings(payload)}}, printed(payload)));
+    };
     for (std::string const level : {"trace", "debug", "info", "warning", "error"}) {
-        std::string const request = "set_safe_browsing_log_level";
-        std::string const payload = R"({"log_level":")" + level + "\"}";
-        Step const step{request, payload, {locked(request, 1), settings(payload)}};
-        rows.push_back(row("loglevel " + level, step, printed("", level, "none")));
+        change("loglevel " + level, "set_safe_browsing_log_level", R"({"log_level":")" + level + "\"}");
     }
     for (std::string const value : {"none", "unsafe", "safe"}) {
-        std::string const request = "set_safe_browsing_safe_network_override";
-        std::string const payload = R"({"network_override":")" + value + "\"}";
-        Step const step{request, payload, {locked(request, 1), settings(payload)}};
-        rows.push_back(row("override " + value, step, printed("", "debug", value)));
+        change("override " + value, "set_safe_browsing_safe_network_override",
+               R"({"network_override":")" + value + "\"}");
     }
     runRows(rows);
     auto const level = static_cast<KelvarisSDK_SafeBrowsingLogLevel>(5);
@@ -191,38 +143,35 @@ TEST(SafeBrowsing, ConnectErrors) {
     std::string const tooLong =
         report("safe_browsing_connect_error", R"({"safebro_msg":")" + std::string(201, 'm') + "\"}");
     std::vector<Row> rows = {
-        row("initialize c", {initialize.request, initialize.payload, {connectError(17)}},
-            printedConnectError(17), 1),
-        row("initialize c", {initialize.request, initialize.payload, {tooLong}},
-            styled(R"({"error":0,"msg":")" + std::string(200, 'm') + "\"}"), 1),
+        ends("initialize c", {initialize.request, initialize.payload, {connectError(17)}},
+             printedConnectError(17), 1),
+        ends("initialize c", {initialize.request, initialize.payload, {tooLong}},
+             styled(R"({"error":0,"msg":")" + std::string(200, 'm') + "\"}"), 1),
     };
     for (Call const& call : serviceCalls) {
         for (int const code : {0, 17, 18}) {
             bool const isHarmless = call.words.find("homenetwork") == 0 && code != 18;
-            rows.push_back(row(call.words, {call.request, call.payload, {configured, connectError(code)}},
-                               printedConnectError(code), isHarmless ? 0 : 1));
+            rows.push_back(ends(call.words, {call.request, call.payload, {configured, connectError(code)}},
+                                printedConnectError(code), isHarmless ? 0 : 1));
         }
-        rows.push_back(row(call.words, {call.request, call.payload, {enabled, configured, initialized}},
-                           printedInitialized));
+        rows.push_back(ends(call.words, {call.request, call.payload, {enabled, configured, initialized}},
+                            printedInitialized));
     }
     runRows(rows);
 }
 
 // Both steps of a start and a stop; the record is the second one's, whatever became of the first.
 TEST(SafeBrowsing, StartAndStop) {
-    Step const enable{"enable_safe_browsing", R"({"enable":true})", {locked("enable_safe_browsing", 1)}};
+    Step const enable{"enable_safe_browsing", R"({"enable":true})", {lock("enable_safe_browsing", 1)}};
     Step const disable{"enable_safe_browsing", R"({"enable":false})", {enabled}};
     Step const refuse{"initialize_safe_browsing", R"({"config":"c"})", {connectError(18)}};
     Step const empty{"initialize_safe_browsing", R"({"config":""})", {configured}};
     runRowsInParallel({
-        {.name = "refused", .argv = argvOf("start c"), .exchange = {enable, refuse}, .out = printedNothing},
-        {.name = "stop", .argv = argvOf("stop"), .exchange = {disable, empty}, .out = printedConfigured},
-        {.name = "a time-out for each step",
-         .argv = argvOf("start c"),
-         .exchange = {{"enable_safe_browsing", R"({"enable":true})"},
-                      {"initialize_safe_browsing", R"({"config":"c"})"}},
-         .err = errorDocument(3841, "Timeout waiting for result", "Timeout"),
-         .status = 1},
+        row("safebrowsing start c", {enable, refuse}, printedNothing),
+        row("safebrowsing stop", {disable, empty}, printedConfigured),
+        // A time-out for each step.
+        failing("safebrowsing start c", {{enable.request, enable.payload}, {refuse.request, refuse.payload}},
+                timedOut),
     });
 }
 
@@ -230,7 +179,7 @@ TEST(SafeBrowsing, StartAndStop) {
 TEST(SafeBrowsing, StartWithACallback) {
     ScriptedDaemon daemon({{"enable_safe_browsing", R"({"enable":true})"},
                            {"initialize_safe_browsing", R"({"config":"c"})", {connectError(5), enabled}}},
-                          {.appName = std::nullopt});
+                          noName);
     KelvarisSDK_Handle* const handle =
         KelvarisSDK_CreateWithSettings({.appName = "", .address = "127.0.0.1", .port = daemon.port()});
     std::promise<KelvarisSDK_SafeBrowsingResult> steps[2];
@@ -249,40 +198,40 @@ TEST(SafeBrowsing, StartWithACallback) {
 
 // A lock counts under the name in the table, under the request's own only where that is the same.
 TEST(SafeBrowsing, Locks) {
-    std::string const text = "Setting locked by account configuration";
-    std::vector<Call> calls = settingCalls;
-    calls.insert(calls.end(), serviceCalls.begin(), serviceCalls.end());
     std::vector<Row> rows;
-    for (Call const& call : calls) {
-        std::string const other = call.request == call.lock ? "other" : call.request;
-        rows.push_back(
-            row(call.words, {call.request, call.payload, {locked(other, 1), locked(call.lock, 2)}}, "", 1));
-        rows.back().err = errorDocument(3848, text, text);
+    for (std::vector<Call> const& calls : {settingCalls, serviceCalls}) {
+        for (Call const& call : calls) {
+            std::string const other = call.request == call.lock ? "other" : call.request;
+            Step const step{call.request, call.payload, {lock(other, 1), lock(call.lock, 2)}};
+            rows.push_back(failing("safebrowsing " + call.words, {step}, lockedByAccount));
+        }
     }
     runRows(rows);
 }
 
 TEST(SafeBrowsing, RefusedWords) {
-    std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
-        {"safebrowsing enable <on|off>", {"enable", "enable On"}},
-        {"safebrowsing loglevel <trace|debug|info|warning|error>", {"loglevel", "loglevel warn"}},
-        {"safebrowsing override <none|unsafe|safe>", {"override", "override off"}},
-        {"safebrowsing errors [duration in seconds]", {"errors -2", "errors 2147483648", "redirects x"}},
-        {"safebrowsing homenetwork [retries delay timeout]",
-         {"homenetwork -1 2 3", "homenetwork 4294967296 2 3", "homenetwork 1 18446744073709551616 3",
-          "homenetwork 1 2 3s"}},
-        {usage,
-         {"Settings", "listen 1", "settings now", "stop extra", "stats 1", "token a b", "homenetwork 1",
-          "homenetwork 1 2", "homenetwork 1 2 3 4", "errors 1 2 3"}},
-    };
+    std::string const name = "safebrowsing ";
+    std::vector<Row> rows;
+    addRefusals(rows, {{name + "enable <on|off>", {}, {name + "enable", name + "enable On"}},
+                       {name + "loglevel <trace|debug|info|warning|error>",
+                        {},
+                        {name + "loglevel", name + "loglevel warn"}},
+                       {name + "override <none|unsafe|safe>", {}, {name + "override", name + "override off"}},
+                       {name + "errors [duration in seconds]",
+                        {},
+                        {name + "errors -2", name + "errors 2147483648", name + "redirects x"}},
+                       {name + "homenetwork [retries delay timeout]",
+                        {},
+                        {name + "homenetwork -1 2 3", name + "homenetwork 4294967296 2 3",
+                         name + "homenetwork 1 18446744073709551616 3", name + "homenetwork 1 2 3s"}},
+                       {name + "<initialize|config|enable|errors|stats|redirects|loglevel|token|homenetwork|"
+                               "override|settings|start|stop|update>",
+                        {"safebrowsing"},
+                        {name + "Settings", name + "settings now", name + "stop extra", name + "stats 1",
+                         name + "token a b", name + "homenetwork 1", name + "homenetwork 1 2",
+                         name + "homenetwork 1 2 3 4", name + "errors 1 2 3"}}});
     for (std::string const action : {"initialize", "config", "token", "start", "update"}) {
-        cases.push_back({"safebrowsing " + action + " <string>", {action}});
-    }
-    std::vector<Row> rows = {{.name = "nothing", .argv = argvOf(""), .err = missing(usage), .status = 3}};
-    for (auto const& [shown, refused] : cases) {
-        for (std::string const& words : refused) {
-            rows.push_back({.name = words, .argv = argvOf(words), .err = invalid(shown), .status = 2});
-        }
+        addRefusals(rows, {{name + action + " <string>", {}, {name + action}}});
     }
     runRows(rows);
 }
@@ -293,35 +242,26 @@ TEST(SafeBrowsing, Stats) {
     std::string const wire = R"("num_safe_browsing_lookups":18446744073709551615,)"
                              R"("num_safe_browsing_packets_filtered":8})";
     std::string const shown = R"("num_lookups":18446744073709551615,"num_packets_filtered":8})";
-    runRows(
-        {row("stats", {"request_safe_browsing_stats", "null", {report("safe_browsing_stats", same + wire)}},
-             styled(same + shown))});
+    runRows({row("safebrowsing stats", {asked("safe_browsing_stats", same + wire)}, styled(same + shown))});
 }
 
 // A full message runs on into the host; behind a full host the record ends.
-TEST(SafeBrowsing, ErrorStream) {
+TEST(SafeBrowsing, Streams) {
     std::string const message(200, 'm');
     std::string const host(253, 'h');
-    testStream("errors", "safe_browsing_lookup_error",
-               R"({"error":-7,"safebro_msg":")" + message + R"(M","host":")" + host + "H\"}",
-               "[\"safebrowsing_error\",\n" +
-                   styled(R"({"error":-7,"message":")" + message + host + R"(","host":")" + host + "\"}"));
-}
-
-TEST(SafeBrowsing, BlockStream) {
-    testStream("redirects", "safe_browsing_block", R"({"redirected":true,"host":"h"})",
-               "[\"safebrowsing_block\",\n" + styled(R"({"redirected":true,"host":"h"})"));
+    std::string const error = "[\"safebrowsing_error\",\n" + styled(R"({"error":-7,"message":")" + message +
+                                                                    host + R"(","host":")" + host + "\"}");
+    testStream("errors 2", "safe_browsing_lookup_error",
+               R"({"error":-7,"safebro_msg":")" + message + R"(M","host":")" + host + "H\"}", error, false);
+    std::string const block = R"({"redirected":true,"host":"h"})";
+    testStream("redirects", "safe_browsing_block", block, "[\"safebrowsing_block\",\n" + styled(block), true);
 }
 
 // A listener without a callback is refused before anybody asks for the link.
 TEST(SafeBrowsing, ListenersNeedACallback) {
-    class Unlinked : public kelvarissdk::KelvarisSDK {
-    public:
-        explicit Unlinked(KelvarisSDK_CreateSettings const& create) : KelvarisSDK(create) {
-            websocket.reset();
-        }
-    };
-    Unlinked sdk({.appName = "", .address = "127.0.0.1", .port = 0});
+    ScriptedDaemon daemon;
+    Sdk sdk(daemon);
+    sdk.unlink();
     EXPECT_EQ(sdk.listenForSafeBrowsingError(nullptr, nullptr).base.errorCode, 3843);
     EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
 }

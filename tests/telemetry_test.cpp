@@ -2,14 +2,12 @@
 
 #include "jsonprinter.h"
 #include "support/rows.h"
+#include "support/sdk.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <memory>
-#include <sstream>
 
 using namespace harness;
 
@@ -24,10 +22,6 @@ std::string document(std::string const& tag, std::string const& json) {
 
 std::string errorInStream(std::string const& error) {
     return "[\"error\",\n" + error + "]\n\n";
-}
-
-std::string report(std::string const& name, std::string const& payload) {
-    return "[\"" + name + "\"," + payload + "]";
 }
 
 // A run of "stats" of a second or more: five requests, the subscription, its first repeat, which has no
@@ -47,35 +41,21 @@ std::vector<Step> statsRun(Reports const& reports, std::string const& subscripti
             {.request = "stat_subscribe", .payload = R"({"enable":false})"}};
 }
 
-Row connectionRow(std::string const& name, std::vector<std::string> const& payloads, std::string const& out) {
+Row connectionRow(std::vector<std::string> const& payloads, std::string const& out) {
     Reports reports;
     for (std::string const& payload : payloads) {
-        reports.later.emplace_back(report("report_connection_stats", payload));
+        reports.later.emplace_back(report("connection_stats", payload));
     }
-    return {.name = name, .argv = {"stats", "1"}, .exchange = statsRun(reports), .out = out};
-}
-
-// `count` elements, each made of `element` with its number in the place of "#".
-std::string list(int count, std::string const& element) {
-    std::string text = "[";
-    for (int i = 0; i < count; ++i) {
-        std::size_t const place = element.find('#');
-        text +=
-            (i == 0 ? "" : ",") + element.substr(0, place) + std::to_string(i) + element.substr(place + 1);
-    }
-    return text + "]";
+    return row("stats 1", statsRun(reports), out);
 }
 
 // A connection's document, for reports that set only what is in question.
-std::string connection(std::string const& protocol, std::string const& inFlight = "0",
-                       std::string const& adapterID = "") {
-    return R"({"adapterID":")" + adapterID + R"(","connected":false,"connectionID":"","inFlight":)" +
-           inFlight +
-           R"(,"inFlightWindow":0,"jitterMs":0,"latencyMs":0,"localIp":"","lossReceive":0.0,"lossSend":0.0,
-           "mos":0.0,"numberOfSockets":0,"privateIp":"","protocol":")" +
-           protocol +
-           R"(","receiveBps":0,"receiveEstimateMbps":0.0,"remoteIp":"","sendBps":0,"sendEstimateMbps":0.0,
-           "sleeping":false,"totalBps":0})";
+std::string connection(std::string const& members) {
+    return changed(R"({"adapterID":"","connected":false,"connectionID":"","inFlight":0,"inFlightWindow":0,
+        "jitterMs":0,"latencyMs":0,"localIp":"","lossReceive":0.0,"lossSend":0.0,"mos":0.0,"numberOfSockets":0,
+        "privateIp":"","protocol":"auto","receiveBps":0,"receiveEstimateMbps":0.0,"remoteIp":"","sendBps":0,
+        "sendEstimateMbps":0.0,"sleeping":false,"totalBps":0})",
+                   members);
 }
 
 std::string connections(std::string const& time, std::string const& elements) {
@@ -125,12 +105,12 @@ std::string const streamsReport = R"({"bonding_mode":"STR","badLoss":true,"badLa
      "speed_saves":11,"failover_saves":12,"name":"n13","health":1},
     {"health":2},{"health":3}]})";
 
-// A stream of which only the health, or not even that, was reported.
-std::string stream(std::string const& health, std::string const& id = "0") {
-    return R"({"active":false,"averageDownloadSpeed":0.0,"averageUploadSpeed":0.0,"downloadSpeed":0.0,
-               "duration":0,"failoverSaves":0,"groupId":0,"health":")" +
-           health + R"(","id":)" + id +
-           R"(,"name":"","redundantModeSaves":0,"speedModeSaves":0,"startTime":0,"uploadSpeed":0.0})";
+// The document of a stream, for reports that set only what is in question.
+std::string stream(std::string const& members) {
+    return changed(R"({"active":false,"averageDownloadSpeed":0.0,"averageUploadSpeed":0.0,
+        "downloadSpeed":0.0,"duration":0,"failoverSaves":0,"groupId":0,"health":"stopped","id":0,"name":"",
+        "redundantModeSaves":0,"speedModeSaves":0,"startTime":0,"uploadSpeed":0.0})",
+                   members);
 }
 
 std::string const streamsDocument =
@@ -138,12 +118,12 @@ std::string const streamsDocument =
     "streams":[{"active":true,"duration":2,"id":3,"groupId":4,"startTime":18446744073709551615,
      "uploadSpeed":6.5,"downloadSpeed":7.5,"averageUploadSpeed":8.5,"averageDownloadSpeed":9.5,
      "redundantModeSaves":10,"speedModeSaves":11,"failoverSaves":12,"name":"n13","health":"poor"},)" +
-    stream("good") + "," + stream("stopped") + "]}";
+    stream(R"({"health":"good"})") + "," + stream("{}") + "]}";
 
-std::string noStreams(std::string const& mode, std::string const& streams = "[]") {
+std::string streams(std::string const& mode, std::string const& elements) {
     return R"({"bondingMode":")" + mode +
-           R"(","badLoss":false,"badLatency":false,"badCpu":false,"badMemory":false,"streams":)" + streams +
-           "}";
+           R"(","badLoss":false,"badLatency":false,"badCpu":false,"badMemory":false,"streams":[)" + elements +
+           "]}";
 }
 
 // The same document with nothing counted.
@@ -157,125 +137,90 @@ Json::Value zeroed(Json::Value document) {
     return document;
 }
 
-KelvarisSDK_Handle* connectTo(uint16_t port) {
-    KelvarisSDK_CreateSettings settings;
-    KelvarisSDK_InitializeCreateSettings(&settings);
-    settings.port = port;
-    return KelvarisSDK_CreateWithSettings(settings);
-}
-
-std::string const timeoutError = errorDocument(3841, "Timeout waiting for result", "Timeout");
-std::string const unreadable = errorDocument(3840, "An error in the SDK", "Error from SDK");
-
 } // namespace
 
 TEST(Stats, EveryRecordFieldByField) {
     Reports reports;
-    reports.state = {report("report_current_state", R"({"state":6})")};
-    reports.networks = {report("report_networks", "[]")};
-    reports.connections = {report("report_connection_stats", connectionsReport)};
-    reports.sessions = {report("report_session_stats", "{\"0\":" + periodReport + "}")};
-    reports.streams = {report("report_streaming_stats", streamsReport)};
-    reports.later = {report("report_streaming_stats", R"({"bonding_mode":"RD"})"),
-                     report("report_current_state", R"({"state":2})")};
-    runRows({{.name = "all",
-              .argv = {"stats", "1", "current", "day", "week", "month", "total"},
-              .exchange = statsRun(reports, R"({"enable":true,"periods":[0,24,168,720,4294967295]})"),
-              .out = document("state", R"({"state":"CONNECTED"})") + document("adapters", "[]") +
+    reports.state = {state(6)};
+    reports.networks = {report("networks", "[]")};
+    reports.connections = {report("connection_stats", connectionsReport)};
+    reports.sessions = {report("session_stats", "{\"0\":" + periodReport + "}")};
+    reports.streams = {report("streaming_stats", streamsReport)};
+    reports.later = {report("streaming_stats", R"({"bonding_mode":"RD"})"), state(2)};
+    runRows({row("stats 1 current day week month total",
+                 statsRun(reports, R"({"enable":true,"periods":[0,24,168,720,4294967295]})"),
+                 document("state", R"({"state":"CONNECTED"})") + document("adapters", "[]") +
                      document("connection_stats", connectionsDocument) +
                      document("session_stats", "{\"current\":" + periodDocument + "}") +
                      document("streaming_stats", streamsDocument) +
-                     document("streaming_stats", noStreams("redundant")) +
-                     document("state", R"({"state":"LOGGED_IN"})")}});
+                     document("streaming_stats", streams("redundant", "")) +
+                     document("state", R"({"state":"LOGGED_IN"})"))});
 }
 
-TEST(Stats, Connections) {
-    std::string twentyFive;
-    for (int i = 0; i < 25; ++i) {
-        twentyFive += (i == 0 ? "" : ",") + connection("auto", std::to_string(i));
-    }
+TEST(Stats, Shapes) {
     // A text that fills its field runs on into the next one, which is empty here.
-    std::string const full(100, 'g');
-    runRowsInParallel({
-        connectionRow("25 at most", {R"({"time":1,"connections":)" + list(27, R"({"bInF":#})") + "}"},
-                      connections("1", twentyFive)),
-        connectionRow("a full field",
-                      {R"({"time":2,"connections":[{"protocol":"udp","guid":")" + full + "more\"}]}"},
-                      connections("2", connection("udp", "0", full))),
-        connectionRow(
-            "what stood in the slot",
-            {R"({"time":3,"connections":[{"protocol":"no"},{"protocol":"https"},{}]})",
-             R"({"time":4,"connections":[{"protocol":"udp"},{"protocol":null},{}]})",
-             R"({"time":5,"connections":[{"protocol":"TCP"}]})"},
-            connections("3", connection("tcp") + "," + connection("https") + "," + connection("auto")) +
-                connections("4", connection("udp") + "," + connection("https") + "," + connection("auto")) +
-                connections("5", connection("udp"))),
-        connectionRow(
-            "nothing", {R"({"connections":[{}]})", R"({"time":6})", "null", R"({"time":7,"connections":[]})"},
-            connections("0", "") + connections("0", "") + connections("0", "") + connections("7", "")),
-    });
-}
-
-TEST(Stats, SessionsAndStreams) {
+    std::string const full = R"("guid":")" + std::string(100, 'g');
+    std::string const adapter = R"({"adapterID":")" + std::string(100, 'g') + "\"}";
+    std::string const tcp = connection(R"({"protocol":"tcp"})");
+    std::string const udp = connection(R"({"protocol":"udp"})");
+    std::string const https = connection(R"({"protocol":"https"})");
     std::string const none = zeroed(parsed(periodDocument)).toStyledString();
-    std::string tenStreams;
-    for (int i = 0; i < 10; ++i) {
-        tenStreams += (i == 0 ? "" : ",") + stream("stopped", std::to_string(i));
-    }
     Reports sessions;
-    sessions.later = {report("report_session_stats", R"({"0":{},"9":{},"24":{},"48":{},"100":{},"720":{}})"),
-                      report("report_session_stats", R"({"day":{}})"),
-                      report("report_session_stats", R"({"12h":{},"-1":null})"),
-                      report("report_session_stats", "{}")};
-    Reports streams;
-    streams.later = {report("report_streaming_stats",
-                            R"({"bonding_mode":"SP","streams":)" + list(12, R"({"id":#})") + "}"),
-                     report("report_streaming_stats", R"({"streams":[]})")};
-    runRowsInParallel({
-        {.name = "five periods, in the order of their names",
-         .argv = {"stats", "1"},
-         .exchange = statsRun(sessions),
-         .out = document("session_stats", "{\"current\":" + none + ",\"100\":" + none + ",\"day\":" + none +
-                                              ",\"48\":" + none + ",\"month\":" + none + "}") +
+    for (char const* periods : {R"({"0":{},"9":{},"24":{},"48":{},"100":{},"720":{}})", R"({"day":{}})",
+                                R"({"12h":{},"-1":null})", "{}"}) {
+        sessions.later.emplace_back(report("session_stats", periods));
+    }
+    Reports streaming;
+    streaming.later = {report("streaming_stats",
+                              R"({"bonding_mode":"SP","streams":[)" + series(12, R"({"name":"#"})") + "]}"),
+                       report("streaming_stats", R"({"streams":[]})")};
+    Row sessionRow =
+        row("stats 1", statsRun(sessions),
+            // five periods, in the order of their names
+            document("session_stats", "{\"current\":" + none + ",\"100\":" + none + ",\"day\":" + none +
+                                          ",\"48\":" + none + ",\"month\":" + none + "}") +
                 document("session_stats", "{\"12\":" + none + ",\"total\":" + none + "}") +
-                document("session_stats", "null"),
-         .err = errorInStream(unreadable)},
-        {.name = "ten streams",
-         .argv = {"stats", "1"},
-         .exchange = statsRun(streams),
-         .out = document("streaming_stats", noStreams("speed", "[" + tenStreams + "]")) +
-                document("streaming_stats", noStreams("speed"))},
-        {.name = "nobody answers",
-         .argv = {"stats", "1", "4294967295"},
-         .exchange = statsRun({}, R"({"enable":true,"periods":[4294967295]})"),
-         .err = errorInStream(timeoutError) + errorInStream(timeoutError) + errorInStream(timeoutError) +
-                errorInStream(timeoutError) + errorInStream(timeoutError)},
+                document("session_stats", "null"));
+    sessionRow.err = errorInStream(unreadable);
+    Row silence = row("stats 1 4294967295", statsRun({}, R"({"enable":true,"periods":[4294967295]})"), "");
+    for (int i = 0; i < 5; ++i) {
+        silence.err += errorInStream(timedOut);
+    }
+    runRowsInParallel({
+        connectionRow({R"({"time":1,"connections":[)" + series(27, R"({"guid":"#"})") + "]}"},
+                      connections("1", series(25, connection(R"({"adapterID":"#"})")))),
+        connectionRow({R"({"time":2,"connections":[{)" + full + "more\"}]}"},
+                      connections("2", connection(adapter))),
+        // An unknown protocol leaves what stood in the slot.
+        connectionRow({R"({"time":3,"connections":[{"protocol":"no"},{"protocol":"https"},{}]})",
+                       R"({"time":4,"connections":[{"protocol":"udp"},{"protocol":null},{}]})",
+                       R"({"time":5,"connections":[{"protocol":"TCP"}]})"},
+                      connections("3", tcp + "," + https + "," + connection("{}")) +
+                          connections("4", udp + "," + https + "," + connection("{}")) +
+                          connections("5", udp)),
+        connectionRow({R"({"connections":[{}]})", R"({"time":6})", "null", R"({"time":7,"connections":[]})"},
+                      connections("0", "") + connections("0", "") + connections("0", "") +
+                          connections("7", "")),
+        row("stats 1", statsRun(streaming),
+            document("streaming_stats", streams("speed", series(10, stream(R"({"name":"#"})")))) +
+                document("streaming_stats", streams("speed", ""))),
+        sessionRow,
+        silence,
     });
 }
 
 TEST(Stats, Grammar) {
     std::vector<Row> rows;
-    for (std::string const words : {"-2", "1.5", "2147483648", "", "day", "5 -1", "5 4294967296", "5 Day",
-                                    "5 1h", "5 0 24 168 720 1 2"}) {
-        std::vector<std::string> argv = {"stats"};
-        std::istringstream stream(words);
-        std::copy(std::istream_iterator<std::string>(stream), {}, std::back_inserter(argv));
-        if (words.empty()) {
-            argv.emplace_back();
-        }
-        rows.push_back(
-            {.name = words,
-             .argv = argv,
-             .err =
-                 invalid("stats [duration in seconds] [current|day|week|month|total|<period in hours>] ..."),
-             .status = 2});
-    }
+    addRefusals(rows, {{"stats [duration in seconds] [current|day|week|month|total|<period in hours>] ...",
+                        {},
+                        {"stats -2", "stats 1.5", "stats 2147483648", "stats ''", "stats day", "stats 5 -1",
+                         "stats 5 4294967296", "stats 5 Day", "stats 5 1h", "stats 5 0 24 168 720 1 2"}}});
     runRows(rows);
 }
 
 TEST(Stats, FullDiskEndsAnEndlessRun) {
     Reports reports;
-    reports.later = {report("report_current_state", R"({"state":6})")};
+    reports.later = {state(6)};
     ScriptedDaemon daemon(statsRun(reports));
     std::string const run = SDKCLI_PATH " -p " + std::to_string(daemon.port()) + " stats >/dev/full";
     Outcome const outcome = runProcess({.path = "/bin/sh", .argv = {"sh", "-c", run}});
@@ -286,43 +231,37 @@ TEST(Stats, FullDiskEndsAnEndlessRun) {
 // The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
 // pause. The answers give it the time of two ticks in the pause and of two behind it.
 TEST(Stats, SubscriptionAndItsRepeat) {
-    Step const ticks = {
-        .request = "request_disconnect_reason",
-        .answers = {report(
-            "report_disconnect_reason",
-            R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})")},
-        .delayMs = 600};
-    std::vector<Step> const script = {
-        {.request = "stat_subscribe", .payload = R"({"enable":true,"periods":[6,5,4,3,2]})"},
-        {.request = "stat_subscribe", .payload = R"({"enable":true})"},
-        {.request = "stat_subscribe", .payload = R"({"enable":false})"},
-        ticks,
-        {.request = "stat_subscribe", .payload = R"({"enable":true,"periods":[6,5]})"},
-        ticks};
-    ScriptedDaemon daemon(script, {.appName = std::nullopt});
-    KelvarisSDK_Handle* const sdk = connectTo(daemon.port());
+    Step ticks = asked("disconnect_reason",
+                       R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})");
+    ticks.delayMs = 600;
+    std::vector<Step> const script = {{"stat_subscribe", R"({"enable":true,"periods":[6,5,4,3,2]})"},
+                                      {"stat_subscribe", R"({"enable":true})"},
+                                      {"stat_subscribe", R"({"enable":false})"},
+                                      ticks,
+                                      {"stat_subscribe", R"({"enable":true,"periods":[6,5]})"},
+                                      ticks};
+    ScriptedDaemon daemon(script, noName);
+    Sdk sdk(daemon);
     unsigned int const periods[] = {6, 5, 4, 3, 2, 1};
-    EXPECT_FALSE(KelvarisSDK_EnableStatUpdates(sdk, true, 6, periods).error);
+    EXPECT_FALSE(sdk.enableStatUpdates(true, 6, periods).error);
     daemon.waitForRequest("stat_subscribe");
     daemon.waitForRequest("stat_subscribe");
-    KelvarisSDK_EnableStatUpdates(sdk, false, 2, periods);
-    KelvarisSDK_DisconnectEventResult const event = KelvarisSDK_GetLastDisconnectEvent(sdk, nullptr, nullptr);
+    sdk.enableStatUpdates(false, 2, periods);
+    KelvarisSDK_DisconnectEventResult const event = sdk.getLastDisconnectEvent(nullptr, nullptr);
     EXPECT_EQ(event.disconnectReason, KelvarisSDK_DisconnectReason_SLEEP);
     EXPECT_EQ(event.sessionEnd, -5);
     EXPECT_EQ(event.sessionLength, 9007199254740993);
-    KelvarisSDK_EnableStatUpdates(sdk, true, 2, periods);
-    KelvarisSDK_GetLastDisconnectEvent(sdk, nullptr, nullptr);
-    KelvarisSDK_Destroy(sdk);
+    sdk.enableStatUpdates(true, 2, periods);
+    sdk.getLastDisconnectEvent(nullptr, nullptr);
 }
 
 // Twenty ticks would be five seconds.
 TEST(Stats, DestructionEndsATick) {
-    ScriptedDaemon daemon({}, {.appName = std::nullopt});
+    ScriptedDaemon daemon({}, noName);
     auto const start = std::chrono::steady_clock::now();
     for (int i = 0; i < 20; ++i) {
-        KelvarisSDK_Handle* const sdk = connectTo(daemon.port());
+        Sdk const sdk(daemon);
         daemon.waitForConnections(static_cast<std::size_t>(i) + 1);
-        KelvarisSDK_Destroy(sdk);
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
 }
@@ -348,28 +287,21 @@ TEST(Disconnect, Reasons) {
                      "SERVICESTOP STARTTIMEOUT INACTIVETIMEOUT SETTINGCHANGERECONNECT DNSTIMEOUT "
                      "TUNNELTIMEOUT OVERQUOTA SAFENETWORK UNKNOWN ");
 
-    auto const row = [](std::string const& payload, std::string const& reason) {
-        return Row{.name = payload,
-                   .argv = {"show", "disconnect"},
-                   .exchange = {{.request = "request_disconnect_reason",
-                                 .answers = {report("report_disconnect_reason", payload)}}},
-                   .out = styled(R"({"disconnectReason":")" + reason + "\"}")};
+    auto const shown = [](std::string const& payload, std::string const& reason) {
+        return row("show disconnect", {asked("disconnect_reason", payload)},
+                   styled(R"({"disconnectReason":")" + reason + "\"}"));
     };
-    runRows({row(R"({"disconnectReason":"SAFENETWORK","sessionEnd":1,"sessionLength":2})", "SAFENETWORK"),
-             row(R"({"disconnectReason":"CONNECTIVITY"})", "CONNECTIVITY"),
-             row(R"({"disconnectReason":"reboot"})", "UNKNOWN"), row("null", "UNKNOWN")});
+    runRows({shown(R"({"disconnectReason":"SAFENETWORK","sessionEnd":1,"sessionLength":2})", "SAFENETWORK"),
+             shown(R"({"disconnectReason":"CONNECTIVITY"})", "CONNECTIVITY"),
+             shown(R"({"disconnectReason":"reboot"})", "UNKNOWN"), shown("null", "UNKNOWN")});
 }
 
 namespace {
 
-Row testRow(std::string const& name, std::vector<std::string> const& argv, std::string const& request,
-            std::string const& payload, std::string const& out, int delayMs = 0) {
-    return {.name = name,
-            .argv = argv,
-            .exchange = {{.request = request,
-                          .answers = {report("report_speedtest_results", payload)},
-                          .delayMs = delayMs}},
-            .out = styled(out)};
+Row testRow(std::string const& words, std::string const& request, std::string const& payload,
+            std::string const& out, int delayMs = 0) {
+    std::string const answer = report("speedtest_results", payload);
+    return row(words, {{.request = request, .answers = {answer}, .delayMs = delayMs}}, styled(out));
 }
 
 // A test of speed as it is printed, told from others by its time and its city.
@@ -401,21 +333,20 @@ TEST(SpeedTests, List) {
              "type":"speed","latency":3},)" +
         speedtest(0, "date only") + "," + speedtest(0, "no seconds") + "," +
         speedtest(0, "before the epoch") + "]";
-    runRows({testRow("five", {"show", "speedtest"}, "request_speedtest_results", payload, list),
-             testRow("none", {"show", "speedtest"}, "request_speedtest_results", "[]", "[]")});
+    runRows({testRow("show speedtest", "request_speedtest_results", payload, list),
+             testRow("show speedtest", "request_speedtest_results", "[]", "[]")});
 }
 
 // The newest test, and of several that are equally new the last; none when no time can be read. The daemon
 // may take longer than the five seconds of other calls.
 TEST(SpeedTests, Newest) {
     runRowsInParallel({
-        testRow("newest", {"speedtest", "words", "behind"}, "speedtest",
+        testRow("speedtest words behind", "speedtest",
                 R"([{"time":"1970-01-01T02:00:07","city":"first"},{"time":"1970-01-01T02:00:09","city":"new"},
                     {"time":"1970-01-01T02:00:09","city":"last new"},{"time":"?","city":"unreadable"}])",
                 "[" + speedtest(9, "last new") + "]", 6000),
-        testRow("stream", {"streamtest", "words", "behind"}, "streamtest",
-                R"([{"time":"1970-01-01T02:00:07","city":"only"}])", "[" + speedtest(7, "only") + "]", 6000),
-        testRow("no time", {"speedtest"}, "speedtest", R"([{"time":"1970-01-01","city":"a"},{"city":"b"}])",
-                "[]"),
+        testRow("streamtest words behind", "streamtest", R"([{"time":"1970-01-01T02:00:07","city":"only"}])",
+                "[" + speedtest(7, "only") + "]", 6000),
+        testRow("speedtest", "speedtest", R"([{"time":"1970-01-01","city":"a"},{"city":"b"}])", "[]"),
     });
 }

@@ -1,8 +1,12 @@
 #include "support/rows.h"
 
+#include <algorithm>
 #include <future>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <json/value.h>
+#include <regex>
+#include <sstream>
 
 namespace harness {
 
@@ -13,10 +17,14 @@ struct Run {
     std::string deviations;
 };
 
+std::string title(Row const& row) {
+    return row.name + ' ' + testing::PrintToString(row.argv);
+}
+
 Run run(Row const& row) {
-    SCOPED_TRACE(row.name);
+    SCOPED_TRACE(title(row));
     ScriptedDaemon daemon(row.exchange, row.daemon);
-    std::vector<std::string> words = {"-i", "127.0.0.1", "-p", std::to_string(daemon.port())};
+    Words words = {"-i", "127.0.0.1", "-p", std::to_string(daemon.port())};
     words.insert(words.end(), row.argv.begin(), row.argv.end());
     Command command = tool(words);
     command.input = row.input;
@@ -25,7 +33,7 @@ Run run(Row const& row) {
 }
 
 void compare(Row const& row, Run const& run) {
-    SCOPED_TRACE(row.name);
+    SCOPED_TRACE(title(row));
     EXPECT_EQ(run.deviations, "");
     EXPECT_EQ(run.outcome.out, row.out);
     EXPECT_EQ(run.outcome.err, row.err);
@@ -33,6 +41,42 @@ void compare(Row const& row, Run const& run) {
 }
 
 } // namespace
+
+Words split(std::string const& text) {
+    std::istringstream stream(text);
+    Words words{std::istream_iterator<std::string>(stream), {}};
+    std::replace(words.begin(), words.end(), std::string("''"), std::string());
+    return words;
+}
+
+Row row(std::string const& words, std::vector<Step> const& exchange, std::string const& out) {
+    return {.name = {}, .argv = split(words), .exchange = exchange, .out = out};
+}
+
+Row failing(std::string const& words, std::vector<Step> const& exchange, std::string const& err) {
+    return {.name = {}, .argv = split(words), .exchange = exchange, .err = err, .status = 1};
+}
+
+void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals) {
+    for (auto const& [usage, tooFew, wrong] : refusals) {
+        for (std::string const& words : tooFew) {
+            rows.push_back({.name = {}, .argv = split(words), .err = missing(usage), .status = 3});
+        }
+        for (std::string const& words : wrong) {
+            rows.push_back({.name = {}, .argv = split(words), .err = invalid(usage), .status = 2});
+        }
+    }
+}
+
+void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
+                std::vector<Change> const& changes) {
+    for (auto const& [words, request, payload, locks] : changes) {
+        rows.push_back(row(words, {{request, payload, {answer}}}, out));
+        std::vector<Step> const locked = {{request, payload, {lock(request, 1), answer}}};
+        rows.push_back(locks ? failing(words, locked, lockedByServer) : row(words, locked, out));
+        rows.back().name = "locked";
+    }
+}
 
 void runRows(std::vector<Row> const& rows) {
     for (Row const& row : rows) {
@@ -51,10 +95,44 @@ void runRowsInParallel(std::vector<Row> const& rows) {
     }
 }
 
-Command tool(std::vector<std::string> const& words) {
+Command tool(Words const& words) {
     Command command{.path = SDKCLI_PATH, .argv = {SDKCLI_PATH}};
     command.argv.insert(command.argv.end(), words.begin(), words.end());
     return command;
+}
+
+std::string report(std::string const& name, std::string const& payload) {
+    return "[\"report_" + name + "\"," + payload + "]";
+}
+
+std::string state(int number) {
+    return report("current_state", "{\"state\":" + std::to_string(number) + "}");
+}
+
+std::string lock(std::string const& setting, int reason) {
+    return report("setting_locked",
+                  R"({"setting":")" + setting + R"(","reason":)" + std::to_string(reason) + "}");
+}
+
+Step asked(std::string const& what, std::string const& payload) {
+    return {.request = "request_" + what, .answers = {report(what, payload)}};
+}
+
+std::string series(int count, std::string const& element, int first) {
+    std::string text;
+    for (int i = first; i < first + count; ++i) {
+        text += (text.empty() ? "" : ",") + std::regex_replace(element, std::regex("#"), std::to_string(i));
+    }
+    return text;
+}
+
+std::string changed(std::string const& document, std::string const& members) {
+    Json::Value whole = parsed(document);
+    Json::Value const replaced = parsed(members);
+    for (std::string const& name : replaced.getMemberNames()) {
+        whole[name] = replaced[name];
+    }
+    return whole.toStyledString();
 }
 
 std::string errorDocument(int code, std::string const& type, std::string const& message) {

@@ -10,29 +10,29 @@
 //
 //     TEST(State, isPrinted)
 //     {
-//         std::vector<Step> const connected = {
-//             {.request = "request_current_state", .answers = {R"(["report_current_state",{"state":6}])"}}};
-//         runRows({
-//             {.name = "connected", .argv = {"state"}, .exchange = connected, .out =
-//             styled(R"({"state":"CONNECTED"})")},
-//             {.name = "a word too many", .argv = {"state", "now"}, .err = invalid("state"), .status = 2},
-//         });
+//         std::vector<Row> rows = {
+//             row("state", {asked("current_state", R"({"state":6})")}, styled(R"({"state":"CONNECTED"})")),
+//             failing("state", {asked("current_state", R"({"state":[]})")}, unreadable),
+//         };
+//         addRefusals(rows, {{"state", {}, {"state now"}}});
+//         runRows(rows);
 //     }
 //
-// A row gives what it is about. What it leaves out means: nothing is sent, nothing is printed on either
-// stream, the status is 0. Outputs are compared whole, requests by their text. The exchange lists the
-// requests in their order, each with its payload (null if left out) and what the daemon answers; a request
-// without an answer is a step too. The greeting "set_app_name" is checked by itself and needs no step. A
-// refused command line has no exchange: whether the greeting has left by then is a matter of luck, and both
-// will do.
+// What a row leaves out means: nothing is sent, nothing is printed on either stream, the status is 0. Outputs
+// are compared whole, requests by their text. The exchange lists the requests in their order, each with its
+// payload (null if left out) and what the daemon answers; a request without an answer is a step too. The
+// greeting "set_app_name" is checked by itself and needs no step. A refused command line has no exchange:
+// whether the greeting has left by then is a matter of luck, and both will do.
 //
 // For a daemon that nobody can connect to, or that fails in the upgrade, see Options; for one that hangs up,
 // that answers late or with wrong bytes, see Step.
 namespace harness {
 
+using Words = std::vector<std::string>;
+
 struct Row {
-    std::string name;
-    std::vector<std::string> argv; // behind the options that lead to the daemon
+    std::string name; // beside the words, for rows whose words don't tell them apart
+    Words argv;       // behind the options that lead to the daemon
     std::vector<Step> exchange = {};
     std::string out = {};
     std::string err = {};
@@ -41,14 +41,55 @@ struct Row {
     Options daemon = {};
 };
 
+// Words are written as one text with blanks between them, and an empty one as ''.
+Words split(std::string const& text);
+Row row(std::string const& words, std::vector<Step> const& exchange, std::string const& out);
+Row failing(std::string const& words, std::vector<Step> const& exchange, std::string const& err);
+
+// Command lines that get this usage: those in which something is missing, and the other wrong ones.
+struct Refusals {
+    std::string usage;
+    std::vector<std::string> missing;
+    std::vector<std::string> invalid;
+};
+void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals);
+
+// A change of a setting: once with its report, and once with a lock of that setting in front of the report,
+// which ends those that can be locked.
+struct Change {
+    std::string words;
+    std::string request;
+    std::string payload;
+    bool locks = true;
+};
+void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
+                std::vector<Change> const& changes);
+
 void runRows(std::vector<Row> const& rows);
 void runRowsInParallel(std::vector<Row> const& rows); // all at once, for rows that wait for a time-out
 
 // The tool's command line with these words and nothing else.
-Command tool(std::vector<std::string> const& words);
+Command tool(Words const& words);
 
+// Messages of the daemon, by their names behind "report_".
+std::string report(std::string const& name, std::string const& payload);
+std::string state(int number);
+std::string lock(std::string const& setting, int reason);        // 1 is the server's, 2 the account's
+Step asked(std::string const& what, std::string const& payload); // "request_", answered by "report_"
+
+// `count` elements with commas between them; each "#" in an element is its number.
+std::string series(int count, std::string const& element, int first = 0);
+
+std::string changed(std::string const& document, std::string const& members); // with these members replaced
 std::string errorDocument(int code, std::string const& type, std::string const& message);
 std::string invalid(std::string const& usage);
 std::string missing(std::string const& usage);
+
+inline std::string const unreadable = errorDocument(3840, "An error in the SDK", "Error from SDK");
+inline std::string const timedOut = errorDocument(3841, "Timeout waiting for result", "Timeout");
+inline std::string const lockedByServer =
+    errorDocument(3846, "Setting locked by server configuration", "Setting locked by server configuration");
+inline std::string const lockedByAccount =
+    errorDocument(3848, "Setting locked by account configuration", "Setting locked by account configuration");
 
 } // namespace harness
