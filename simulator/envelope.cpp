@@ -3,7 +3,9 @@
 #include <json/reader.h>
 #include <json/writer.h>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace kelvarissim {
 
@@ -17,13 +19,13 @@ std::unique_ptr<Json::CharReader> makeReader() {
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
-Json::StreamWriterBuilder makeWriter() {
+std::unique_ptr<Json::StreamWriter> makeWriter() {
     Json::StreamWriterBuilder builder;
     builder["commentStyle"] = "None";
     builder["indentation"] = "";
     builder["emitUTF8"] = true;
     builder["precision"] = 15; // 4.2 stays 4.2
-    return builder;
+    return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
 }
 
 } // namespace
@@ -49,8 +51,10 @@ std::string reportText(const std::string& name, const Json::Value& payload) {
 }
 
 std::string compactText(const Json::Value& value) {
-    static const Json::StreamWriterBuilder builder = makeWriter();
-    return Json::writeString(builder, value);
+    static const std::unique_ptr<Json::StreamWriter> writer = makeWriter();
+    std::ostringstream text;
+    writer->write(value, &text);
+    return std::move(text).str();
 }
 
 } // namespace kelvarissim
