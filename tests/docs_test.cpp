@@ -48,14 +48,11 @@ void expectEverywhere(std::vector<std::string> const& expected, std::vector<Plac
 
 // What bash offers behind these words, each on a line of its own.
 std::string offeredByBash(std::string const& typed) {
-    std::string const script = "source " SOURCE_DIR "/docs/completions/sdkcli.bash\n"
-                               "COMP_WORDS=(sdkcli " +
+    std::string const script = "source " SOURCE_DIR "/docs/completions/sdkcli.bash; COMP_WORDS=(sdkcli " +
                                typed +
-                               " '') COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
-                               "_sdkcli sdkcli\n"
-                               "printf '%s\\n' \"${COMPREPLY[@]}\"\n";
-    harness::Process bash({"/bin/bash", {"bash", "--norc", "-c", script}});
-    harness::Outcome const& outcome = bash.wait();
+                               " '') COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _sdkcli sdkcli; "
+                               "printf '%s\\n' \"${COMPREPLY[@]}\"";
+    harness::Outcome const outcome = harness::runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
     EXPECT_EQ(outcome.err, "");
     return '\n' + outcome.out;
 }
@@ -84,12 +81,11 @@ TEST(Docs, EveryWordOfShowIsDocumentedAndCompleted) {
 TEST(Docs, EveryOptionOfTheSimulatorIsDocumented) {
     std::string const page = std::regex_replace(source("docs/kelvarissim.1"), std::regex(R"(\\-)"), "-");
     for (auto const& file : std::filesystem::directory_iterator(SOURCE_DIR "/simulator")) {
-        if (file.path().extension() != ".cpp") {
-            continue;
-        }
-        std::string const path = "simulator/" + file.path().filename().string();
-        for (std::string const& option : words(source(path), R"re("(--[a-z-]+)")re")) {
-            expectEverywhere({option}, {{"man page", page, R"(\n\.B[IR]* WORD[ \n])"}});
+        if (file.path().extension() == ".cpp") {
+            for (std::string const& option :
+                 words(source("simulator/" + file.path().filename().string()), R"re("(--[a-z-]+)")re")) {
+                expectEverywhere({option}, {{"man page", page, R"(\n\.B[IR]* WORD[ \n])"}});
+            }
         }
     }
 }

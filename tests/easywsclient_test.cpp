@@ -2,6 +2,7 @@
 // from then on both ends are moved by the test itself.
 
 #include "easywsclient.h"
+#include "support/scripteddaemon.h"
 
 #include <chrono>
 #include <filesystem>
@@ -44,18 +45,22 @@ string bigEndian(std::uint64_t value, int count) {
     return text;
 }
 
+// Masked where there is a key.
 string frame(int first, string payload, string const& key = "") {
-    std::size_t const n = payload.size();
-    int const maskBit = key.empty() ? 0 : 0x80;
-    int const form = maskBit | (n < 126 ? static_cast<int>(n) : n < 65536 ? 126 : 127);
-    for (std::size_t i = 0; i < n && !key.empty(); ++i) {
+    string text = harness::frame(static_cast<unsigned char>(first), payload);
+    if (key.empty()) {
+        return text;
+    }
+    text[1] = static_cast<char>(text[1] | 0x80);
+    text.resize(text.size() - payload.size());
+    for (std::size_t i = 0; i < payload.size(); ++i) {
         payload[i] = static_cast<char>(payload[i] ^ key[i % 4]);
     }
-    return bytes({first, form}) + bigEndian(n, n < 126 ? 0 : n < 65536 ? 2 : 8) + key + payload;
+    return text + key + payload;
 }
 
 string sent(int first, string const& payload) {
-    return frame(first, payload, bytes({0xA7, 0x1C, 0x5E, 0x39}));
+    return frame(first, payload, "\xA7\x1C\x5E\x39");
 }
 
 string pattern(std::size_t size) {
@@ -187,15 +192,14 @@ string upgradeRequest(string const& target, string const& host, string const& or
 }
 
 TEST_F(EasyWsClient, SendsTheUpgradeRequest) {
-    string const longPath(127 - url.size(), 'p');
-    string const longOrigin(199, 'o');
+    string const path(127 - url.size(), 'p');
+    string const origin(199, 'o');
     struct {
         string url, origin, expected;
     } const rows[] = {
-        {url, "", upgradeRequest("/", host)},
         {"ws://" + host, "", upgradeRequest("/", host)},
         {url + "a/b?c", "x", upgradeRequest("/a/b?c", host, "Origin: x\r\n")},
-        {url + longPath, longOrigin, upgradeRequest("/" + longPath, host, "Origin: " + longOrigin + "\r\n")},
+        {url + path, origin, upgradeRequest("/" + path, host, "Origin: " + origin + "\r\n")},
     };
     int const next = ::dup(0); // the number that the client's descriptor will have
     ::close(next);
@@ -224,7 +228,7 @@ TEST_F(EasyWsClient, LeavesPort80OutOfTheHostLine) {
     if (!listenAt(0x7F000003, 80)) {
         GTEST_SKIP() << "port 80 isn't ours to bind";
     }
-    for (char const* target : {"ws://127.0.0.3", "ws://127.0.0.3:80/", "ws://127.0.0.3/"}) {
+    for (char const* target : {"ws://127.0.0.3", "ws://127.0.0.3:80/"}) {
         ASSERT_TRUE(open({upgraded}, false, target));
         EXPECT_EQ(upgradeRequest("/", "127.0.0.3"), request);
     }
@@ -240,13 +244,10 @@ TEST_F(EasyWsClient, JudgesTheAnswer) {
         {status + string(239, 's') + "\r\n\r\n", true}, // 254 bytes with its end
         {status + string(240, 's') + "\r\n\r\n", false},
         {status + "\r\nLong: " + string(1000, 'h') + "\r\n\r\n", true},
-        {"HTTP/1.1 101\nA: b\n\r\n", true},
         {"HTTP/1.1 101\rXA: b\r\n\r\n", true}, // one byte behind the carriage return ends a line
         {"HTTP/1.1 101\r\n\n\r\n", false},     // a line that starts with a line feed runs on
         {"HTTP/1.1 200 OK\r\n\r\n", false},
-        {"HTTP/1.1 none\r\n\r\n", false},
         {"HTTP/1.0 101 Switching\r\n\r\n", false},
-        {string(100'000, 's'), false},
         {status + "\r\n" + string(100'000, 'h'), false},
         {"", false},
     };
@@ -273,12 +274,6 @@ TEST_F(EasyWsClient, TakesBytesBehindTheAnswerAsFrames) {
     EXPECT_EQ(Messages{"first"}, messages);
     give(frame(0x81, "second").substr(4));
     EXPECT_EQ((Messages{"first", "second"}), messages);
-
-    // A header of exactly 255 bytes leaves its line end over, which then reads as the empty line.
-    messages.clear();
-    ASSERT_TRUE(open({"HTTP/1.1 101\r\n" + string(255, 'h') + "\r\n" + whole}));
-    receive(1);
-    EXPECT_EQ(Messages{"first"}, messages);
 }
 
 TEST_F(EasyWsClient, SendsEveryForm) {
@@ -413,20 +408,6 @@ TEST_F(EasyWsClient, DeliversWhatCameBeforeTheEnd) {
     }
 }
 
-TEST_F(EasyWsClient, FailsOnAResetUpgrade) {
-    std::ptrdiff_t const before = openDescriptors();
-    for (int i = 0; i < 20; ++i) {
-        std::thread server([&] {
-            peer = ::accept(listener, nullptr, nullptr);
-            ::shutdown(peer, i % 2 == 0 ? SHUT_WR : SHUT_RD);
-            hangUp(true);
-        });
-        EXPECT_EQ(nullptr, WebSocket::from_url(url));
-        server.join();
-    }
-    EXPECT_EQ(before, openDescriptors());
-}
-
 TEST_F(EasyWsClient, AWatchedDescriptorEndsTheWait) {
     ASSERT_TRUE(open());
     int const event = ::eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -447,7 +428,13 @@ TEST_F(EasyWsClient, AWatchedDescriptorEndsTheWait) {
 }
 
 TEST_F(EasyWsClient, TheCallbackMayUseTheObjectAndThrow) {
-    ASSERT_TRUE(open({upgraded + frame(0x81, "one") + frame(0x81, "two") + frame(0x81, "three")}));
+    struct : easywsclient::BytesCallback_Imp {
+        void operator()(std::vector<unsigned char> const& message) override {
+            all.push_back(message);
+        }
+        std::vector<std::vector<unsigned char>> all;
+    } bytes;
+    ASSERT_TRUE(open({upgraded + frame(0x81, "one") + frame(0x82, "\xFF\0"s) + frame(0x82, "")}));
     auto const throwing = [this](string const& message) {
         messages.push_back(message);
         client->send(message);
@@ -455,21 +442,10 @@ TEST_F(EasyWsClient, TheCallbackMayUseTheObjectAndThrow) {
         throw std::runtime_error(message);
     };
     EXPECT_THROW(client->dispatch(throwing), std::runtime_error);
-    dispatch();
-    EXPECT_EQ((Messages{"one", "two", "three"}), messages);
+    client->_dispatchBinary(bytes);
+    EXPECT_EQ(Messages{"one"}, messages);
+    EXPECT_EQ((std::vector<std::vector<unsigned char>>{{0xFF, 0}, {}}), bytes.all);
     EXPECT_EQ(sent(0x81, "one"), take(9));
-}
-
-TEST_F(EasyWsClient, DispatchesBytes) {
-    struct Collector : easywsclient::BytesCallback_Imp {
-        void operator()(std::vector<unsigned char> const& message) override {
-            all.push_back(message);
-        }
-        std::vector<std::vector<unsigned char>> all;
-    } collector;
-    ASSERT_TRUE(open({upgraded + frame(0x82, "\xFF\0"s) + frame(0x82, "")}));
-    client->_dispatchBinary(collector);
-    EXPECT_EQ((std::vector<std::vector<unsigned char>>{{0xFF, 0}, {}}), collector.all);
 }
 
 } // namespace

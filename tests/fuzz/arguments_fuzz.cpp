@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,16 +16,8 @@ namespace {
 
 class Unlinked : public kelvarissdk::KelvarisSDK {
 public:
-    Unlinked() : KelvarisSDK(settings()) {
+    Unlinked() : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = 0}) {
         websocket.reset();
-    }
-
-private:
-    static KelvarisSDK_CreateSettings settings() {
-        KelvarisSDK_CreateSettings settings;
-        KelvarisSDK_InitializeCreateSettings(&settings);
-        settings.port = 0;
-        return settings;
     }
 };
 
@@ -51,11 +44,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::vector<std::string> words = {"sdkcli"};
-    std::string rest(reinterpret_cast<char const*>(data), size);
-    for (std::size_t end = 0; !rest.empty();
-         rest.erase(0, end == std::string::npos ? rest.size() : end + 1)) {
-        end = rest.find('\0');
-        words.push_back(rest.substr(0, end));
+    std::istringstream input(std::string(reinterpret_cast<char const*>(data), size));
+    for (std::string word; std::getline(input, word, '\0');) {
+        words.push_back(word);
     }
     std::vector<char*> argv;
     for (std::string& word : words) {

@@ -5,47 +5,29 @@
 #include "kelvarissdk.h"
 #include "websockets.h"
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr std::array events = {
-    "report_current_state",
-    "report_version_data",
-    "report_accounting_data",
-    "report_login_error",
-    "report_directory",
-    "report_connected_server",
-    "report_connect_error",
-    "report_server_settings",
-    "report_directory_settings",
-    "report_networks",
-    "report_connection_settings",
-    "report_privacy_settings",
-    "report_captive_networks",
-    "report_cplogin_network",
-    "report_firewall_settings",
-    "report_localproxy_settings",
-    "report_streaming_settings",
-    "report_connection_stats",
-    "report_session_stats",
-    "report_streaming_stats",
-    "report_disconnect_reason",
-    "report_speedtest_results",
-    "report_safe_browsing_settings",
-    "report_safe_browsing_connect_error",
-    "report_safe_browsing_stats",
-    "report_safe_browsing_lookup_error",
-    "report_safe_browsing_block",
-    "report_setting_locked",
-};
+// As the corpus numbers them.
+std::vector<std::string> eventNames() {
+    std::istringstream names(
+        "current_state version_data accounting_data login_error directory connected_server connect_error "
+        "server_settings directory_settings networks connection_settings privacy_settings "
+        "captive_networks cplogin_network firewall_settings localproxy_settings streaming_settings "
+        "connection_stats session_stats streaming_stats disconnect_reason speedtest_results "
+        "safe_browsing_settings safe_browsing_connect_error safe_browsing_stats "
+        "safe_browsing_lookup_error safe_browsing_block setting_locked");
+    return {std::istream_iterator<std::string>(names), {}};
+}
 
-template <class Result, void (*print)(Result const&)> bool printRecord(Result result, void*) {
+template <auto print, class Result> bool printed(Result result, void*) {
     if (result.base.error) {
         printError(result.base);
     } else {
@@ -62,45 +44,41 @@ template <class Result> using Read = Result (kelvarissdk::KelvarisSDK::*)(bool (
 
 class Library : public kelvarissdk::KelvarisSDK {
 public:
-    Library() : KelvarisSDK(settings()) {
-        subscribe<printStateResult>(&Library::getState);
-        subscribe<printAccountingResult>(&Library::getAccountingData);
-        subscribe<printDirectoryResult>(&Library::getDirectory);
-        subscribe<printConnectResult>(&Library::getConnectedServer);
-        subscribe<printServerSettingsResult>(&Library::getServerSettings);
-        subscribe<printDirectorySettingsResult>(&Library::getDirectorySettings);
-        subscribe<printAdaptersResult>(&Library::getAdapters);
-        subscribe<printSettingsResult>(&Library::getSettings);
-        subscribe<printPrivacySettingsResult>(&Library::getPrivacySettings);
-        subscribe<printFirewallResult>(&Library::getFirewallSettings);
-        subscribe<printLocalProxyResult>(&Library::getLocalProxySettings);
-        subscribe<printStreamingBypass>(&Library::getLocalProxySettings);
-        subscribe<printStreamingResult>(&Library::getStreamingSettings);
-        subscribe<printConnections<false>>(&Library::getConnectionStats);
-        subscribe<printConnections<true>>(&Library::getConnectionStats);
-        subscribe<printSessionStatsResult>(&Library::getSessionStats);
-        subscribe<printStreamingStatsResult>(&Library::getStreamingStats);
-        subscribe<printDisconnectEvent>(&Library::getLastDisconnectEvent);
-        subscribe<printSpeedTestResult>(&Library::getSpeedTestResults);
-        subscribe<printSafeBrowsingResult>(&Library::getSafeBrowsing);
-        subscribe<printSafeBrowsingStatsResult>(&Library::getSafeBrowsingStats);
-        subscribe<printSafeBrowsingErrorResult>(&Library::listenForSafeBrowsingError);
-        subscribe<printSafeBrowsingBlockResult>(&Library::listenForSafeBrowsingBlock);
+    Library() : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = 0}) {
+        read<printStateResult>(&Library::getState);
+        read<printAccountingResult>(&Library::getAccountingData);
+        read<printDirectoryResult>(&Library::getDirectory);
+        read<printConnectResult>(&Library::getConnectedServer);
+        read<printServerSettingsResult>(&Library::getServerSettings);
+        read<printDirectorySettingsResult>(&Library::getDirectorySettings);
+        read<printAdaptersResult>(&Library::getAdapters);
+        read<printSettingsResult>(&Library::getSettings);
+        read<printPrivacySettingsResult>(&Library::getPrivacySettings);
+        read<printFirewallResult>(&Library::getFirewallSettings);
+        read<printLocalProxyResult>(&Library::getLocalProxySettings);
+        read<printStreamingBypass>(&Library::getLocalProxySettings);
+        read<printStreamingResult>(&Library::getStreamingSettings);
+        read<printConnections<false>>(&Library::getConnectionStats);
+        read<printConnections<true>>(&Library::getConnectionStats);
+        read<printSessionStatsResult>(&Library::getSessionStats);
+        read<printStreamingStatsResult>(&Library::getStreamingStats);
+        read<printDisconnectEvent>(&Library::getLastDisconnectEvent);
+        read<printSpeedTestResult>(&Library::getSpeedTestResults);
+        read<printSafeBrowsingResult>(&Library::getSafeBrowsing);
+        read<printSafeBrowsingStatsResult>(&Library::getSafeBrowsingStats);
+        read<printSafeBrowsingErrorResult>(&Library::listenForSafeBrowsingError);
+        read<printSafeBrowsingBlockResult>(&Library::listenForSafeBrowsingBlock);
     }
 
     void deliver(std::string const& text) {
         std::vector<uint64_t> const ids = {
-            once<printVersionResult>(&Library::getVersion),
-            once<printStateResult>(&Library::loginAutoAccount),
-            once<printConnectResult>(&Library::connectProxy),
-            once<printCaptivePortalResult>(&Library::checkForCaptivePortals),
-            once<printSpeedTestResult>(&Library::startStreamTest),
-            initSafeBrowsing("", printRecord<KelvarisSDK_SafeBrowsingResult, printSafeBrowsingConnectError>,
-                             nullptr)
-                .base.callbackId,
-            setCaptivePortalLoginMode(
-                false, nullptr,
-                printRecord<KelvarisSDK_CaptivePortalLoginResult, printCaptivePortalLoginResult>, nullptr)
+            read<printVersionResult>(&Library::getVersion),
+            read<printStateResult>(&Library::loginAutoAccount),
+            read<printConnectResult>(&Library::connectProxy),
+            read<printCaptivePortalResult>(&Library::checkForCaptivePortals),
+            read<printSpeedTestResult>(&Library::startStreamTest),
+            initSafeBrowsing("", printed<printSafeBrowsingConnectError>, nullptr).base.callbackId,
+            setCaptivePortalLoginMode(false, nullptr, printed<printCaptivePortalLoginResult>, nullptr)
                 .base.callbackId,
         };
         websocket->handle_message(text);
@@ -110,19 +88,8 @@ public:
     }
 
 private:
-    static KelvarisSDK_CreateSettings settings() {
-        KelvarisSDK_CreateSettings settings;
-        KelvarisSDK_InitializeCreateSettings(&settings);
-        settings.port = 0;
-        return settings;
-    }
-
-    template <auto print, class Result> void subscribe(Read<Result> read) {
-        once<print>(read);
-    }
-
-    template <auto print, class Result> uint64_t once(Read<Result> read) {
-        return (this->*read)(printRecord<Result, print>, nullptr).base.callbackId;
+    template <auto print, class Result> uint64_t read(Read<Result> call) {
+        return (this->*call)(printed<print, Result>, nullptr).base.callbackId;
     }
 };
 
@@ -144,7 +111,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     if (size == 0) {
         return 0;
     }
+    static std::vector<std::string> const events = eventNames();
     std::string const payload(reinterpret_cast<char const*>(data) + 1, size - 1);
-    library->deliver(std::string("[\"") + events[data[0] % events.size()] + "\"," + payload + "]");
+    library->deliver("[\"report_" + events[data[0] % events.size()] + "\"," + payload + "]");
     return 0;
 }

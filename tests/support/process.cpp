@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/socket.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
@@ -54,11 +54,7 @@ void drain(int& end, short events, std::string& text) {
 pid_t spawn(Command const& command, int in, int out, int err) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    if (in < 0) {
-        posix_spawn_file_actions_addclose(&actions, STDIN_FILENO);
-    } else {
-        posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
-    }
+    posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, err, STDERR_FILENO);
     // A daemon's sockets, inherited, would hold its connections open.
@@ -77,32 +73,31 @@ pid_t spawn(Command const& command, int in, int out, int err) {
 
 } // namespace
 
-Process::Process(Command const& command) : deadline(steady_clock::now() + 120s), input(command.input) {
-    std::array<int, 2> in = {-1, -1};
+Process::Process(Command const& command) : deadline(steady_clock::now() + 120s) {
+    int in = -1;
+    if (command.kind == Input::text) {
+        in = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
+        checked(static_cast<int>(write(in, command.input.data(), command.input.size())), "write the input");
+        checked(static_cast<int>(lseek(in, 0, SEEK_SET)), "lseek");
+    } else {
+        std::array<char, 64> name = {};
+        keyboard = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
+        checked(unlockpt(keyboard), "unlockpt");
+        checked(ptsname_r(keyboard, name.data(), name.size()), "ptsname_r");
+        in = terminal = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
+    }
     std::array<int, 2> out = {-1, -1};
     std::array<int, 2> err = {-1, -1};
-    if (command.kind == Input::text) {
-        // Not a pipe: writing to a child that has ended must not raise a signal here.
-        checked(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()), "socketpair");
-    } else if (command.kind == Input::terminal) {
-        in[0] = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
-        std::array<char, 64> name = {};
-        checked(unlockpt(in[0]), "unlockpt");
-        checked(ptsname_r(in[0], name.data(), name.size()), "ptsname_r");
-        in[1] = terminalEnd = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
-    }
     checked(pipe2(out.data(), O_CLOEXEC), "pipe2");
     checked(pipe2(err.data(), O_CLOEXEC), "pipe2");
-    pid = spawn(command, in[1], out[1], err[1]);
-    if (command.kind == Input::text) {
-        closeEnd(in[1]);
+    outEnd = out[0];
+    errEnd = err[0];
+    pid = spawn(command, in, out[1], err[1]);
+    if (in != terminal) {
+        closeEnd(in);
     }
     closeEnd(out[1]);
     closeEnd(err[1]);
-    inputEnd = in[0];
-    outEnd = out[0];
-    errEnd = err[0];
-    feed();
 }
 
 Process::~Process() {
@@ -110,25 +105,12 @@ Process::~Process() {
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
     }
-    for (int* end : {&inputEnd, &outEnd, &errEnd, &terminalEnd}) {
+    for (int* end : {&outEnd, &errEnd, &keyboard, &terminal}) {
         closeEnd(*end);
     }
 }
 
-// Writes what the child takes at once of its input; all written, its stream ends.
-void Process::feed() {
-    if (inputEnd < 0 || terminalEnd >= 0) {
-        return;
-    }
-    ssize_t const size = send(inputEnd, input.data(), input.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-    bool const gone = size < 0 && errno != EAGAIN && errno != EINTR;
-    input.erase(0, size > 0 ? static_cast<std::size_t>(size) : 0);
-    if (input.empty() || gone) {
-        closeEnd(inputEnd);
-    }
-}
-
-// One round with the child: whatever it has written or taken, at most for the limit.
+// One round with the child: whatever it has written, at most for the limit.
 void Process::exchange(std::chrono::milliseconds limit) {
     auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
     if (left <= 0ms) {
@@ -138,18 +120,13 @@ void Process::exchange(std::chrono::milliseconds limit) {
         closeEnd(errEnd);
         return;
     }
-    short const inputEvents = terminalEnd >= 0 ? POLLIN : POLLOUT;
-    std::array<pollfd, 3> ends = {{{outEnd, POLLIN, 0}, {errEnd, POLLIN, 0}, {inputEnd, inputEvents, 0}}};
+    std::array<pollfd, 3> ends = {{{outEnd, POLLIN, 0}, {errEnd, POLLIN, 0}, {keyboard, POLLIN, 0}}};
     if (poll(ends.data(), ends.size(), static_cast<int>(std::min(left, limit).count())) <= 0) {
         return;
     }
     drain(outEnd, ends[0].revents, outcome.out);
     drain(errEnd, ends[1].revents, outcome.err);
-    if (terminalEnd >= 0) {
-        drain(inputEnd, ends[2].revents, outcome.terminal);
-    } else if (ends[2].revents != 0) {
-        feed();
-    }
+    drain(keyboard, ends[2].revents, outcome.terminal);
 }
 
 void Process::waitForOutput(std::string const& text) {
@@ -165,7 +142,7 @@ void Process::waitForOutput(std::string const& text) {
 void Process::waitForEcho(bool on) {
     auto const isSo = [&] {
         termios attributes = {};
-        checked(tcgetattr(terminalEnd, &attributes), "tcgetattr");
+        checked(tcgetattr(terminal, &attributes), "tcgetattr");
         return ((attributes.c_lflag & ECHO) != 0) == on;
     };
     // Nothing tells of a changed flag.
@@ -176,7 +153,7 @@ void Process::waitForEcho(bool on) {
 }
 
 void Process::type(std::string const& text) const {
-    checked(static_cast<int>(write(inputEnd, text.data(), text.size())), "write to the terminal");
+    checked(static_cast<int>(write(keyboard, text.data(), text.size())), "write to the terminal");
 }
 
 void Process::signal(int number) const {
@@ -191,9 +168,9 @@ Outcome const& Process::wait() {
     checked(waitpid(std::exchange(pid, -1), &status, 0), "waitpid");
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     // What was typed last may have been echoed after the last look.
-    pollfd shown = {terminalEnd >= 0 ? inputEnd : -1, POLLIN, 0};
+    pollfd shown = {keyboard, POLLIN, 0};
     while (poll(&shown, 1, 0) > 0) {
-        drain(inputEnd, shown.revents, outcome.terminal);
+        drain(keyboard, shown.revents, outcome.terminal);
     }
     return outcome;
 }

@@ -10,8 +10,7 @@
 namespace harness {
 
 enum class Input {
-    text,     // a stream that ends behind the given text
-    closed,   // no descriptor 0 at all
+    text,     // that ends behind the given one
     terminal, // a terminal, where type() types
 };
 
@@ -49,18 +48,16 @@ public:
 
 private:
     void exchange(std::chrono::milliseconds limit);
-    void feed();
     bool isOpen() const {
         return outEnd >= 0 || errEnd >= 0;
     }
 
     pid_t pid = -1;
     std::chrono::steady_clock::time_point deadline;
-    std::string input;
-    int inputEnd = -1;
     int outEnd = -1;
     int errEnd = -1;
-    int terminalEnd = -1; // the child's, kept to look at its flags
+    int keyboard = -1; // the end of the terminal that types and sees
+    int terminal = -1; // the child's, kept to look at its flags
     Outcome outcome;
 };
 

@@ -1,6 +1,5 @@
 #include "support/scripteddaemon.h"
 
-#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <gtest/gtest.h>
@@ -42,16 +41,15 @@ struct Connection {
     net::steady_timer timer;
     std::string upgrade; // the request, and what came with it
     boost::beast::flat_buffer message;
-    std::array<char, 4096> bytes = {}; // instead of messages, where the upgrade was answered by bytes
-    bool upgraded = false;
     bool deaf = false;
     bool ended = false;
 };
 using ConnectionPtr = std::shared_ptr<Connection>;
 
-struct Received {
-    Request request;
-    bool scripted = false;
+struct Request {
+    std::string name;
+    std::string text;
+    bool expected = false; // by the script, or by the test
     bool waitedFor = false;
 };
 
@@ -103,7 +101,9 @@ struct ScriptedDaemon::Impl {
         for (Step const& step : script) {
             expected.push_back(envelope(step.request, parsed(step.payload)));
         }
-        bind();
+        // A port that is bound without anybody listening refuses connections, and nobody else gets it.
+        acceptor.open(tcp::v4());
+        acceptor.bind({net::ip::address_v4::loopback(), 0});
         port = acceptor.local_endpoint().port();
         if (options.listen) {
             acceptor.listen();
@@ -114,13 +114,6 @@ struct ScriptedDaemon::Impl {
             auto const keepRunning = net::make_work_guard(io);
             io.run();
         });
-    }
-
-    // A port that is bound without anybody listening refuses connections, and nobody else gets it.
-    void bind() {
-        acceptor.open(tcp::v4());
-        acceptor.set_option(tcp::acceptor::reuse_address(true));
-        acceptor.bind({net::ip::address_v4::loopback(), port});
     }
 
     void accept() {
@@ -154,16 +147,16 @@ struct ScriptedDaemon::Impl {
         ++greeted;
         update([this] { ++alive; });
         net::async_read_until(connection->socket(), net::dynamic_buffer(connection->upgrade), "\r\n\r\n",
-                              [=, this](error_code error, std::size_t size) {
+                              [=, this](error_code error, std::size_t) {
                                   if (error) {
                                       end(connection);
                                   } else {
-                                      answerUpgrade(connection, size, upgrade);
+                                      answerUpgrade(connection, upgrade);
                                   }
                               });
     }
 
-    void answerUpgrade(ConnectionPtr const& connection, std::size_t size, Upgrade const& upgrade) {
+    void answerUpgrade(ConnectionPtr const& connection, Upgrade const& upgrade) {
         bool const proper = upgrade.bytes.empty() && upgrade.then == Then::carryOn;
         if (proper) {
             connection->ws.control_callback([this](websocket::frame_type kind, boost::beast::string_view) {
@@ -180,18 +173,14 @@ struct ScriptedDaemon::Impl {
             connection->write(upgrade.bytes);
         }
         current = connection;
-        connection->upgraded = true;
-        update([&] {
-            ++upgraded;
-            upgradeRequests.push_back(connection->upgrade.substr(0, size));
-            bytes += proper ? "" : connection->upgrade.substr(size);
-        });
+        update([this] { ++upgraded; });
         if (proper) {
             advance(connection);
-        } else {
-            act(connection, upgrade.then);
-            readBytes(connection);
+            return;
         }
+        act(connection, upgrade.then);
+        net::async_read(connection->socket(), net::dynamic_buffer(connection->upgrade),
+                        [=, this](error_code, std::size_t) { end(connection); });
     }
 
     // Does the step that waits for no request, if it is one's turn, and reads on.
@@ -209,10 +198,6 @@ struct ScriptedDaemon::Impl {
         connection->timer.async_wait([=, this, &step](error_code) {
             for (Answer const& answer : step.answers) {
                 connection->write(answer.bytes);
-            }
-            if (step.refuse) {
-                acceptor.close();
-                bind();
             }
             act(connection, step.then);
             advance(connection);
@@ -267,21 +252,6 @@ struct ScriptedDaemon::Impl {
         });
     }
 
-    void readBytes(ConnectionPtr const& connection) {
-        if (connection->ended) {
-            return;
-        }
-        auto const handler = [=, this](error_code error, std::size_t size) {
-            if (error) {
-                end(connection);
-                return;
-            }
-            update([&] { bytes.append(connection->bytes.data(), size); });
-            readBytes(connection);
-        };
-        connection->socket().async_read_some(net::buffer(connection->bytes), handler);
-    }
-
     // Returns the step that waited for this request.
     Step const* record(std::string const& text, bool isText) {
         Json::Value document;
@@ -305,7 +275,7 @@ struct ScriptedDaemon::Impl {
             step = &script[next++];
         }
         update([&] {
-            requests.push_back({{name, document[1], text}, introduction || step != nullptr});
+            requests.push_back({name, text, introduction || step != nullptr});
             problems += text == wanted ? "" : "expected the request " + wanted + "but got " + text;
         });
         return step;
@@ -321,7 +291,6 @@ struct ScriptedDaemon::Impl {
         }
         update([&] {
             --alive;
-            disconnected += connection->upgraded ? 1 : 0;
             problems += isProtocolError(error) ? error.message() + "\n" : "";
         });
     }
@@ -369,13 +338,10 @@ struct ScriptedDaemon::Impl {
     // Guarded by the mutex.
     std::mutex mutex;
     std::condition_variable changed;
-    std::vector<Received> requests;
-    std::vector<std::string> upgradeRequests;
-    std::string bytes;
+    std::vector<Request> requests;
     std::string problems;
     std::size_t alive = 0; // connections
     std::size_t upgraded = 0;
-    std::size_t disconnected = 0;
     bool accepting = false;
 };
 
@@ -400,50 +366,19 @@ void ScriptedDaemon::dropConnection(Then how) {
     impl->onCurrent([this, how](ConnectionPtr const& connection) { impl->act(connection, how); });
 }
 
-Request ScriptedDaemon::waitForRequest(std::string const& name) {
-    Request request;
+void ScriptedDaemon::waitForRequest(std::string const& name) {
     impl->wait("the request " + name, [&] {
-        for (Received& each : impl->requests) {
-            if (!each.waitedFor && each.request.name == name) {
-                each.waitedFor = true;
-                request = each.request;
-                return true;
+        for (Request& request : impl->requests) {
+            if (!request.waitedFor && request.name == name) {
+                return request.waitedFor = request.expected = true;
             }
         }
         return false;
     });
-    return request;
 }
 
 void ScriptedDaemon::waitForConnections(std::size_t count) {
     impl->wait("a connection", [&] { return impl->upgraded >= count; });
-}
-
-void ScriptedDaemon::waitForDisconnects(std::size_t count) {
-    impl->wait("the end of a connection", [&] { return impl->disconnected >= count; });
-}
-
-std::string ScriptedDaemon::waitForBytes(std::size_t count) {
-    std::string bytes;
-    impl->wait("more bytes", [&] {
-        bytes = impl->bytes;
-        return bytes.size() >= count;
-    });
-    return bytes;
-}
-
-std::vector<Request> ScriptedDaemon::requests() const {
-    std::scoped_lock const lock(impl->mutex);
-    std::vector<Request> all;
-    for (Received const& each : impl->requests) {
-        all.push_back(each.request);
-    }
-    return all;
-}
-
-std::vector<std::string> ScriptedDaemon::upgradeRequests() const {
-    std::scoped_lock const lock(impl->mutex);
-    return impl->upgradeRequests;
 }
 
 std::string ScriptedDaemon::finish() {
@@ -454,8 +389,8 @@ std::string ScriptedDaemon::finish() {
     impl->thread.join();
 
     std::string report = impl->problems;
-    for (Received const& each : impl->requests) {
-        report += each.scripted || each.waitedFor ? "" : "unexpected request " + each.request.text;
+    for (Request const& request : impl->requests) {
+        report += request.expected ? "" : "unexpected request " + request.text;
     }
     for (std::size_t i = impl->next; i < impl->script.size(); ++i) {
         report += "unused step \"" + impl->script[i].request + "\"\n";

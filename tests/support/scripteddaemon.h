@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// The far end of the link, played inside the test process on a free loopback port: it records every request,
-// answers by a script, and at the end tells what didn't fit.
+// The far end of the link, played inside the test process on a free loopback port: it checks every request to be
+// the styled text of [name, payload, "kelvaris_sdk"], answers by a script, and at the end tells what didn't fit.
 namespace harness {
 
 Json::Value parsed(std::string const& json); // throws on bad JSON
@@ -44,12 +44,11 @@ struct Step {
     std::string payload = "null"; // compact JSON
     std::vector<Answer> answers = {};
     Then then = Then::carryOn;
-    int delayMs = 0;     // before the answers; the connection isn't read meanwhile
-    bool refuse = false; // from now on nobody can connect; otherwise a client may come back at any time
+    int delayMs = 0; // before the answers; the connection isn't read meanwhile
 };
 
 // How one connection's upgrade is answered. Default: properly. Otherwise with these bytes alone, and what the
-// client sends from then on is recorded as bytes and not as requests.
+// client sends from then on is ignored.
 struct Upgrade {
     std::string bytes = {};
     Then then = Then::carryOn;
@@ -61,12 +60,6 @@ struct Options {
     std::optional<std::string> appName = "Kelvaris";
     std::vector<Upgrade> upgrades = {}; // the first connections'; the later ones are upgraded properly
     bool listen = true;                 // false: the port is taken, but nobody listens there
-};
-
-struct Request {
-    std::string name;
-    Json::Value payload;
-    std::string text; // as it came; always checked to be the styled text of [name, payload, "kelvaris_sdk"]
 };
 
 // A test may drive the daemon by a script, by hand with the calls below, or by both. All of them are for the
@@ -84,14 +77,8 @@ public:
     void send(Answer const& answer);
     void dropConnection(Then how = Then::reset);
 
-    // The oldest request of this name that no earlier call has returned; it needs no step.
-    Request waitForRequest(std::string const& name);
-    void waitForConnections(std::size_t count);  // upgraded since the start
-    void waitForDisconnects(std::size_t count);  // of those, ended since the start
-    std::string waitForBytes(std::size_t count); // at least so many behind an upgrade answered by bytes; all
-
-    std::vector<Request> requests() const;
-    std::vector<std::string> upgradeRequests() const;
+    void waitForRequest(std::string const& name); // one more of this name; it needs no step
+    void waitForConnections(std::size_t count);   // upgraded since the start
 
     // To be called once, when the client is gone: reads what it left in the sockets, and returns one text per
     // line for each unexpected request, wrong payload, bad frame and unused step. Empty when all went by the
