@@ -214,14 +214,14 @@ TEST(Engine, TimeOuts) {
     // A subscription gets one time-out and no second; what awaits nothing gets none.
     threads.emplace_back([&] {
         WebsocketImpl link("127.0.0.1", absent.port());
-        Inbox asked;
+        Inbox waiting;
         Inbox listening;
-        subscriptionCall(&link, Inbox::keep, &asked, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
+        subscriptionCall(&link, Inbox::keep, &waiting, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
         subscriptionCall(&link, Inbox::keep, &listening, {.subscribed = {"never"}, .timeoutMs = 100},
                          fillState);
         call(link, {.awaited = {{"never"}}, .timeoutMs = 900});
-        EXPECT_EQ(asked.take().base.errorCode, 3845);
-        EXPECT_TRUE(asked.empty());
+        EXPECT_EQ(waiting.take().base.errorCode, 3845);
+        EXPECT_TRUE(waiting.empty());
         EXPECT_TRUE(listening.empty());
     });
 }
