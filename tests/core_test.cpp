@@ -65,6 +65,7 @@ TEST(Frame, UsageText) {
                           {{""}, false},
                           {{"-p"}, false},
                           {{"-p", "9", "-h"}, false},
+                          {{"-i", "127.0.0.1", "-p"}, false},
                           {{"-i", "127.0.0.1", "-p", "9"}, false},
                           {{"-p", "9", "-i", "127.0.0.1", "state"}, false}}) {
         SCOPED_TRACE(testing::PrintToString(c.words));

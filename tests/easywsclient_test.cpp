@@ -244,6 +244,7 @@ TEST_F(EasyWsClient, JudgesTheAnswer) {
         {status + string(239, 's') + "\r\n\r\n", true}, // 254 bytes with its end
         {status + string(240, 's') + "\r\n\r\n", false},
         {status + "\r\nLong: " + string(1000, 'h') + "\r\n\r\n", true},
+        {"HTTP/1.1 101\r\n" + string(255, 'h') + "\r\n", true}, // what doesn't fit reads as the empty line
         {"HTTP/1.1 101\rXA: b\r\n\r\n", true}, // one byte behind the carriage return ends a line
         {"HTTP/1.1 101\r\n\n\r\n", false},     // a line that starts with a line feed runs on
         {"HTTP/1.1 200 OK\r\n\r\n", false},

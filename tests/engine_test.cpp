@@ -138,16 +138,16 @@ TEST(Engine, FilterTestsEveryKeyAndNullAsksForPresence) {
     WebsocketImpl link("127.0.0.1", daemon.port());
     Inbox inbox;
     Json::Value filter;
-    filter["state"] = 2;
-    filter["here"] = Json::Value();
+    filter["kind"] = 2;
+    filter["state"] = Json::Value();
     subscriptionCall(&link, Inbox::keep, &inbox, {.awaited = {{"e", filter}}, .timeoutMs = 0}, fillState);
     daemon.waitForConnections(1);
-    for (char const* text : {R"(["e",{"state":2}])", R"(["e",{"here":1,"state":3}])", R"(["e",[2]])",
-                             R"(["e"])", R"(["e",{"here":{},"state":2}])"}) {
+    for (char const* text :
+         {R"(["e",{"kind":2}])", R"(["e",{"kind":3,"state":1}])", R"(["e",{"kind":"2","state":2}])",
+          R"(["e",{"state":3}])", R"(["e",[2]])", R"(["e"])", R"(["e",{"kind":2,"state":6}])"}) {
         daemon.send(text);
     }
-    EXPECT_EQ(inbox.take().state, 2U);
-    EXPECT_TRUE(inbox.empty());
+    EXPECT_EQ(inbox.take().state, 6U);
 }
 
 // The answers of both deliveries are taken together: one that is done ends the entry.
@@ -214,14 +214,14 @@ TEST(Engine, TimeOuts) {
     // A subscription gets one time-out and no second; what awaits nothing gets none.
     threads.emplace_back([&] {
         WebsocketImpl link("127.0.0.1", absent.port());
-        Inbox asked;
+        Inbox waiting;
         Inbox listening;
-        subscriptionCall(&link, Inbox::keep, &asked, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
+        subscriptionCall(&link, Inbox::keep, &waiting, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
         subscriptionCall(&link, Inbox::keep, &listening, {.subscribed = {"never"}, .timeoutMs = 100},
                          fillState);
         call(link, {.awaited = {{"never"}}, .timeoutMs = 900});
-        EXPECT_EQ(asked.take().base.errorCode, 3845);
-        EXPECT_TRUE(asked.empty());
+        EXPECT_EQ(waiting.take().base.errorCode, 3845);
+        EXPECT_TRUE(waiting.empty());
         EXPECT_TRUE(listening.empty());
     });
 }
