@@ -1,157 +1,242 @@
 // Programs are compiled with the places of the fields: a record keeps its layout as long as the SONAME stays.
+// That is checked in compiling this file.
 
+#include <array>
 #include <cstddef>
 #include <gtest/gtest.h>
 #include <kelvarissdk/csdkinterface.h>
-#include <typeinfo>
-#include <vector>
 
 namespace {
 
-// The offset of each field in its order, then the size.
-template <class Record, class... Field>
-void expect(std::vector<std::ptrdiff_t> const& layout, Record const& record, Field const&... fields) {
-    auto const at = [](auto const* place) { return reinterpret_cast<char const*>(place); };
-    EXPECT_EQ((std::vector{at(&fields) - at(&record)..., std::ptrdiff_t{sizeof(Record)}}), layout)
-        << typeid(Record).name();
+// A record's layout: the offset of each field in its order, then the size.
+template <typename... Number> constexpr auto layout(Number... numbers) {
+    return std::array{static_cast<size_t>(numbers)...};
 }
 
 } // namespace
 
 TEST(Records, Core) {
-    KelvarisSDK_BaseResult const b{};
-    expect({0, 4, 8, 208, 216}, b, b.error, b.errorCode, b.errorMessage, b.callbackId);
-    KelvarisSDK_CreateSettings const c{};
-    expect({0, 32, 78, 80}, c, c.appName, c.address, c.port);
-    KelvarisSDK_StateResult const s{};
-    expect({0, 216, 224}, s, s.base, s.state);
-    KelvarisSDK_VersionResult const v{};
-    expect({0, 216, 218, 220, 222, 224}, v, v.base, v.maj, v.min, v.bug, v.build);
-    KelvarisSDK_ProtocolPortPair const p{};
-    expect({0, 4, 8}, p, p.protocol, p.port);
+    using Base = KelvarisSDK_BaseResult;
+    static_assert(layout(offsetof(Base, error), offsetof(Base, errorCode), offsetof(Base, errorMessage),
+                         offsetof(Base, callbackId), sizeof(Base)) == layout(0, 4, 8, 208, 216));
+    using Create = KelvarisSDK_CreateSettings;
+    static_assert(layout(offsetof(Create, appName), offsetof(Create, address), offsetof(Create, port),
+                         sizeof(Create)) == layout(0, 32, 78, 80));
+    using State = KelvarisSDK_StateResult;
+    static_assert(layout(offsetof(State, base), offsetof(State, state), sizeof(State)) ==
+                  layout(0, 216, 224));
+    using Version = KelvarisSDK_VersionResult;
+    static_assert(layout(offsetof(Version, base), offsetof(Version, maj), offsetof(Version, min),
+                         offsetof(Version, bug), offsetof(Version, build),
+                         sizeof(Version)) == layout(0, 216, 218, 220, 222, 224));
+    using Port = KelvarisSDK_ProtocolPortPair;
+    static_assert(layout(offsetof(Port, protocol), offsetof(Port, port), sizeof(Port)) == layout(0, 4, 8));
 }
 
 TEST(Records, Session) {
-    KelvarisSDK_AccountingResult const a{};
-    expect({0, 216, 466, 472, 480, 488, 492, 496, 500, 504, 560}, a, a.base, a.email, a.isAutoAccount,
-           a.bytesAvail, a.bytesUsed, a.isTeam, a.minutesAvail, a.minutesUsed, a.paymentType,
-           a.periodEndDate);
-    KelvarisSDK_ServerInformation const s{};
-    expect({0, 10, 32, 36, 40}, s, s.country, s.city, s.num, s.isPrivate);
-    KelvarisSDK_ServerInformationDetailed const d{};
-    expect({0, 10, 32, 36, 37, 38, 40, 592}, d, d.country, d.city, d.num, d.isPrivate, d.torrentAllowed,
-           d.publicIPCount, d.publicIP);
-    KelvarisSDK_DirectoryResult const di{};
-    expect({0, 216, 220, 16224}, di, di.base, di.serverCount, di.servers);
-    KelvarisSDK_ConnectResult const c{};
-    expect({0, 216, 808}, c, c.base, c.server);
-    KelvarisSDK_ServerSettingsResult const m{};
-    expect({0, 216, 220, 230, 252, 256}, m, m.base, m.connectMethod, m.country, m.city, m.num);
-    KelvarisSDK_DirectorySettingsResult const g{};
-    expect({0, 216, 316, 317, 424}, g, g.base, g.domain, g.enableEsni, g.gatewayUri);
+    using Accounting = KelvarisSDK_AccountingResult;
+    static_assert(layout(offsetof(Accounting, base), offsetof(Accounting, email),
+                         offsetof(Accounting, isAutoAccount), offsetof(Accounting, bytesAvail),
+                         offsetof(Accounting, bytesUsed), offsetof(Accounting, isTeam),
+                         offsetof(Accounting, minutesAvail), offsetof(Accounting, minutesUsed),
+                         offsetof(Accounting, paymentType), offsetof(Accounting, periodEndDate),
+                         sizeof(Accounting)) == layout(0, 216, 466, 472, 480, 488, 492, 496, 500, 504, 560));
+    using Server = KelvarisSDK_ServerInformation;
+    static_assert(layout(offsetof(Server, country), offsetof(Server, city), offsetof(Server, num),
+                         offsetof(Server, isPrivate), sizeof(Server)) == layout(0, 10, 32, 36, 40));
+    using Detailed = KelvarisSDK_ServerInformationDetailed;
+    static_assert(layout(offsetof(Detailed, country), offsetof(Detailed, city), offsetof(Detailed, num),
+                         offsetof(Detailed, isPrivate), offsetof(Detailed, torrentAllowed),
+                         offsetof(Detailed, publicIPCount), offsetof(Detailed, publicIP),
+                         sizeof(Detailed)) == layout(0, 10, 32, 36, 37, 38, 40, 592));
+    using Directory = KelvarisSDK_DirectoryResult;
+    static_assert(layout(offsetof(Directory, base), offsetof(Directory, serverCount),
+                         offsetof(Directory, servers), sizeof(Directory)) == layout(0, 216, 220, 16224));
+    using Connect = KelvarisSDK_ConnectResult;
+    static_assert(layout(offsetof(Connect, base), offsetof(Connect, server), sizeof(Connect)) ==
+                  layout(0, 216, 808));
+    using Method = KelvarisSDK_ServerSettingsResult;
+    static_assert(layout(offsetof(Method, base), offsetof(Method, connectMethod), offsetof(Method, country),
+                         offsetof(Method, city), offsetof(Method, num),
+                         sizeof(Method)) == layout(0, 216, 220, 230, 252, 256));
+    using Gateway = KelvarisSDK_DirectorySettingsResult;
+    static_assert(layout(offsetof(Gateway, base), offsetof(Gateway, domain), offsetof(Gateway, enableEsni),
+                         offsetof(Gateway, gatewayUri), sizeof(Gateway)) == layout(0, 216, 316, 317, 424));
 }
 
 TEST(Records, Settings) {
-    KelvarisSDK_ConnectionEncryption const e{};
-    expect({0, 100, 101}, e, e.adapterID, e.encrypted);
-    KelvarisSDK_ConnectionParallelSockets const s{};
-    expect({0, 100, 102}, s, s.adapterID, s.sockets);
-    KelvarisSDK_SettingsResult const se{};
-    expect({0,   216,  217,  218,  220,  224,  228,  232,  236,  396, 398,
-            400, 2926, 2928, 5480, 5488, 5496, 5497, 5498, 5499, 5504},
-           se, se.base, se.jumboPackets, se.encrypted, se.allowChaChaEncryption, se.bondingMode,
-           se.startupConnect, se.transportMode, se.forwardedPortCount, se.forwardedPorts,
-           se.perConnectionEncryptionEnabled, se.perConnectionEncryptionCount,
-           se.perConnectionEncryptionSettings, se.perConnectionParallelSocketsCount,
-           se.perConnectionParallelSockets, se.overflowThreshold, se.priorityOverflowThreshold,
-           se.packetAggregation, se.enableDefaultRoute, se.headerCompression, se.language);
-    KelvarisSDK_PrivacySettingsResult const p{};
-    expect({0, 216, 217, 218, 220, 222, 360, 368}, p, p.base, p.killswitch, p.dnsleak, p.ipleak,
-           p.dnsAddressCount, p.dnsAddresses, p.doNotStoreCredentials);
-    KelvarisSDK_CaptivePortalCheckResult const c{};
-    expect({0, 216, 220, 2720}, c, c.base, c.networkCount, c.networks);
-    KelvarisSDK_CaptivePortalLoginResult const l{};
-    expect({0, 216, 217, 320}, l, l.base, l.enabled, l.adapterID);
+    using Encryption = KelvarisSDK_ConnectionEncryption;
+    static_assert(layout(offsetof(Encryption, adapterID), offsetof(Encryption, encrypted),
+                         sizeof(Encryption)) == layout(0, 100, 101));
+    using Sockets = KelvarisSDK_ConnectionParallelSockets;
+    static_assert(layout(offsetof(Sockets, adapterID), offsetof(Sockets, sockets), sizeof(Sockets)) ==
+                  layout(0, 100, 102));
+    using Settings = KelvarisSDK_SettingsResult;
+    static_assert(layout(offsetof(Settings, base), offsetof(Settings, jumboPackets),
+                         offsetof(Settings, encrypted), offsetof(Settings, allowChaChaEncryption),
+                         offsetof(Settings, bondingMode), offsetof(Settings, startupConnect),
+                         offsetof(Settings, transportMode), offsetof(Settings, forwardedPortCount),
+                         offsetof(Settings, forwardedPorts),
+                         offsetof(Settings, perConnectionEncryptionEnabled),
+                         offsetof(Settings, perConnectionEncryptionCount),
+                         offsetof(Settings, perConnectionEncryptionSettings),
+                         offsetof(Settings, perConnectionParallelSocketsCount),
+                         offsetof(Settings, perConnectionParallelSockets),
+                         offsetof(Settings, overflowThreshold), offsetof(Settings, priorityOverflowThreshold),
+                         offsetof(Settings, packetAggregation), offsetof(Settings, enableDefaultRoute),
+                         offsetof(Settings, headerCompression), offsetof(Settings, language),
+                         sizeof(Settings)) == layout(0, 216, 217, 218, 220, 224, 228, 232, 236, 396, 398, 400,
+                                                     2926, 2928, 5480, 5488, 5496, 5497, 5498, 5499, 5504));
+    using Privacy = KelvarisSDK_PrivacySettingsResult;
+    static_assert(layout(offsetof(Privacy, base), offsetof(Privacy, killswitch), offsetof(Privacy, dnsleak),
+                         offsetof(Privacy, ipleak), offsetof(Privacy, dnsAddressCount),
+                         offsetof(Privacy, dnsAddresses), offsetof(Privacy, doNotStoreCredentials),
+                         sizeof(Privacy)) == layout(0, 216, 217, 218, 220, 222, 360, 368));
+    using Check = KelvarisSDK_CaptivePortalCheckResult;
+    static_assert(layout(offsetof(Check, base), offsetof(Check, networkCount), offsetof(Check, networks),
+                         sizeof(Check)) == layout(0, 216, 220, 2720));
+    using Login = KelvarisSDK_CaptivePortalLoginResult;
+    static_assert(layout(offsetof(Login, base), offsetof(Login, enabled), offsetof(Login, adapterID),
+                         sizeof(Login)) == layout(0, 216, 217, 320));
 }
 
 TEST(Records, Adapters) {
-    KelvarisSDK_AdapterUsageData const u{};
-    expect({0, 8, 16, 24, 32, 40, 48, 56}, u, u.usage, u.usageDaily, u.max, u.resetDay, u.maxDaily,
-           u.boostDaily, u.overlimitRate);
-    KelvarisSDK_AdapterData const a{};
-    expect({0, 100, 200, 300, 304, 308, 312, 412, 512, 520, 576}, a, a.adapterID, a.name, a.description,
-           a.state, a.type, a.priority, a.ssid, a.bssid, a.rateLimit, a.dataUsage);
-    KelvarisSDK_AdaptersResult const ad{};
-    expect({0, 216, 224, 14624}, ad, ad.base, ad.adapterCount, ad.adapters);
+    using Usage = KelvarisSDK_AdapterUsageData;
+    static_assert(layout(offsetof(Usage, usage), offsetof(Usage, usageDaily), offsetof(Usage, max),
+                         offsetof(Usage, resetDay), offsetof(Usage, maxDaily), offsetof(Usage, boostDaily),
+                         offsetof(Usage, overlimitRate),
+                         sizeof(Usage)) == layout(0, 8, 16, 24, 32, 40, 48, 56));
+    using Adapter = KelvarisSDK_AdapterData;
+    static_assert(layout(offsetof(Adapter, adapterID), offsetof(Adapter, name),
+                         offsetof(Adapter, description), offsetof(Adapter, state), offsetof(Adapter, type),
+                         offsetof(Adapter, priority), offsetof(Adapter, ssid), offsetof(Adapter, bssid),
+                         offsetof(Adapter, rateLimit), offsetof(Adapter, dataUsage),
+                         sizeof(Adapter)) == layout(0, 100, 200, 300, 304, 308, 312, 412, 512, 520, 576));
+    using Adapters = KelvarisSDK_AdaptersResult;
+    static_assert(layout(offsetof(Adapters, base), offsetof(Adapters, adapterCount),
+                         offsetof(Adapters, adapters), sizeof(Adapters)) == layout(0, 216, 224, 14624));
 }
 
 TEST(Records, Lists) {
-    KelvarisSDK_ListBlock const l{};
-    expect({0, 2, 5002, 5004, 5404, 5408, 7008, 7012, 7812}, l, l.domainCount, l.domains, l.ipv4Count, l.ipv4,
-           l.ipv6Count, l.ipv6, l.portCount, l.ports);
-    KelvarisSDK_FirewallSettingsResult const f{};
-    expect({0, 216, 220, 8032}, f, f.base, f.mode, f.lists);
-    KelvarisSDK_LocalProxyService const s{};
-    expect({0, 30, 32, 34, 634, 636, 1236}, s, s.title, s.enabled, s.watchedDomainCount, s.watchedDomains,
-           s.proxiedDomainCount, s.proxiedDomains);
-    KelvarisSDK_LocalProxySettingsResult const lo{};
-    expect({0, 216, 220, 224, 8036, 8038, 38944}, lo, lo.base, lo.enabled, lo.matchMode, lo.lists,
-           lo.watchlistCount, lo.watchlist);
-    KelvarisSDK_StreamingSettingsResult const st{};
-    expect({0, 216, 8032}, st, st.base, st.lists);
+    using Lists = KelvarisSDK_ListBlock;
+    static_assert(layout(offsetof(Lists, domainCount), offsetof(Lists, domains), offsetof(Lists, ipv4Count),
+                         offsetof(Lists, ipv4), offsetof(Lists, ipv6Count), offsetof(Lists, ipv6),
+                         offsetof(Lists, portCount), offsetof(Lists, ports),
+                         sizeof(Lists)) == layout(0, 2, 5002, 5004, 5404, 5408, 7008, 7012, 7812));
+    using Firewall = KelvarisSDK_FirewallSettingsResult;
+    static_assert(layout(offsetof(Firewall, base), offsetof(Firewall, mode), offsetof(Firewall, lists),
+                         sizeof(Firewall)) == layout(0, 216, 220, 8032));
+    using Service = KelvarisSDK_LocalProxyService;
+    static_assert(layout(offsetof(Service, title), offsetof(Service, enabled),
+                         offsetof(Service, watchedDomainCount), offsetof(Service, watchedDomains),
+                         offsetof(Service, proxiedDomainCount), offsetof(Service, proxiedDomains),
+                         sizeof(Service)) == layout(0, 30, 32, 34, 634, 636, 1236));
+    using LocalProxy = KelvarisSDK_LocalProxySettingsResult;
+    static_assert(layout(offsetof(LocalProxy, base), offsetof(LocalProxy, enabled),
+                         offsetof(LocalProxy, matchMode), offsetof(LocalProxy, lists),
+                         offsetof(LocalProxy, watchlistCount), offsetof(LocalProxy, watchlist),
+                         sizeof(LocalProxy)) == layout(0, 216, 220, 224, 8036, 8038, 38944));
+    using Streaming = KelvarisSDK_StreamingSettingsResult;
+    static_assert(layout(offsetof(Streaming, base), offsetof(Streaming, lists), sizeof(Streaming)) ==
+                  layout(0, 216, 8032));
 }
 
 TEST(Records, Telemetry) {
-    KelvarisSDK_ConnectionStats const c{};
-    expect({0,   8,   16,  17,  18,  118, 218, 264, 272, 280, 288,
-            336, 340, 344, 392, 400, 408, 416, 424, 432, 436, 440},
-           c, c.inFlight, c.inFlightWindow, c.connected, c.sleeping, c.adapterID, c.connectionID, c.localIp,
-           c.lossReceive, c.lossSend, c.latencyMs, c.privateIp, c.protocol, c.numberOfSockets, c.remoteIp,
-           c.totalBps, c.sendBps, c.receiveBps, c.sendEstimateMbps, c.receiveEstimateMbps, c.jitterMs, c.mos);
-    KelvarisSDK_ConnectionStatsGroup const g{};
-    expect({0, 8, 16, 11016}, g, g.time, g.connectionCount, g.connections);
-    KelvarisSDK_ConnectionStatsResult const co{};
-    expect({0, 216, 11232}, co, co.base, co.stats);
-    KelvarisSDK_SessionStats const p{};
-    expect({0,   8,   16,  24,  32,  40,  48,  56,  64,  72,  80,  88,  96,  104, 112, 120, 128, 136,
-            144, 152, 160, 168, 176, 184, 192, 200, 208, 216, 224, 232, 240, 248, 256, 264, 272, 280},
-           p, p.periodHours, p.bytesReceived, p.bytesSent, p.encryptedBytesReceived, p.encryptedBytesSent,
-           p.maxDownloadSpeed, p.maxUploadSpeed, p.daysSinceFirst, p.numFailovers, p.numSessions,
-           p.retransBytes, p.periodStartTime, p.totalConnectedMinutes, p.mbpsDownBenefit, p.mbpsUpBenefit,
-           p.tunPacketsIn, p.tunPacketsOut, p.tunBytesIn, p.tunBytesOut, p.tunBufferWaits, p.tunPacketWaits,
-           p.tunReadQueue, p.tunDroppedIncoming, p.handlerPacketsIn, p.handlerPacketsOut, p.handlerBytesIn,
-           p.handlerBytesOut, p.handlerRetries, p.captivePortalDetections, p.captivePortalSuccesses,
-           p.totalFailoverSaves, p.totalSpeedModeSaves, p.totalRedundantModeSaves, p.totalStreams,
-           p.uniqueSaves);
-    KelvarisSDK_SessionStatsResult const pe{};
-    expect({0, 216, 224, 1624}, pe, pe.base, pe.periodCount, pe.periods);
-    KelvarisSDK_StreamStats const s{};
-    expect({0, 8, 16, 24, 32, 40, 48, 56, 64, 72, 80, 88, 96, 148, 152}, s, s.active, s.duration, s.id,
-           s.groupId, s.startTime, s.uploadSpeed, s.downloadSpeed, s.averageUploadSpeed,
-           s.averageDownloadSpeed, s.redundantModeSaves, s.speedModeSaves, s.failoverSaves, s.name, s.health);
-    KelvarisSDK_StreamingStatsResult const st{};
-    expect({0, 216, 220, 224, 1744, 1745, 1746, 1747, 1752}, st, st.base, st.bondingMode, st.streamCount,
-           st.streams, st.badLoss, st.badLatency, st.badCpu, st.badMemory);
-    KelvarisSDK_DisconnectEventResult const d{};
-    expect({0, 216, 224, 232, 240}, d, d.base, d.disconnectReason, d.sessionEnd, d.sessionLength);
-    KelvarisSDK_SpeedTestEntry const e{};
-    expect({0, 8, 18, 38, 40, 48, 56, 57, 260, 264, 270, 272, 274, 280, 288}, e, e.time, e.country, e.city,
-           e.numConnections, e.downloadSpeed, e.uploadSpeed, e.isError, e.errorMessage, e.type, e.resolution,
-           e.fps, e.jitter, e.latency, e.loss);
-    KelvarisSDK_SpeedTestResult const en{};
-    expect({0, 216, 224, 1664}, en, en.base, en.testCount, en.tests);
+    using Connection = KelvarisSDK_ConnectionStats;
+    static_assert(layout(offsetof(Connection, inFlight), offsetof(Connection, inFlightWindow),
+                         offsetof(Connection, connected), offsetof(Connection, sleeping),
+                         offsetof(Connection, adapterID), offsetof(Connection, connectionID),
+                         offsetof(Connection, localIp), offsetof(Connection, lossReceive),
+                         offsetof(Connection, lossSend), offsetof(Connection, latencyMs),
+                         offsetof(Connection, privateIp), offsetof(Connection, protocol),
+                         offsetof(Connection, numberOfSockets), offsetof(Connection, remoteIp),
+                         offsetof(Connection, totalBps), offsetof(Connection, sendBps),
+                         offsetof(Connection, receiveBps), offsetof(Connection, sendEstimateMbps),
+                         offsetof(Connection, receiveEstimateMbps), offsetof(Connection, jitterMs),
+                         offsetof(Connection, mos),
+                         sizeof(Connection)) == layout(0, 8, 16, 17, 18, 118, 218, 264, 272, 280, 288, 336,
+                                                       340, 344, 392, 400, 408, 416, 424, 432, 436, 440));
+    using Group = KelvarisSDK_ConnectionStatsGroup;
+    static_assert(layout(offsetof(Group, time), offsetof(Group, connectionCount),
+                         offsetof(Group, connections), sizeof(Group)) == layout(0, 8, 16, 11016));
+    using Connections = KelvarisSDK_ConnectionStatsResult;
+    static_assert(layout(offsetof(Connections, base), offsetof(Connections, stats), sizeof(Connections)) ==
+                  layout(0, 216, 11232));
+    using Period = KelvarisSDK_SessionStats;
+    static_assert(layout(offsetof(Period, periodHours), offsetof(Period, bytesReceived),
+                         offsetof(Period, bytesSent), offsetof(Period, encryptedBytesReceived),
+                         offsetof(Period, encryptedBytesSent), offsetof(Period, maxDownloadSpeed),
+                         offsetof(Period, maxUploadSpeed), offsetof(Period, daysSinceFirst),
+                         offsetof(Period, numFailovers), offsetof(Period, numSessions),
+                         offsetof(Period, retransBytes), offsetof(Period, periodStartTime),
+                         offsetof(Period, totalConnectedMinutes), offsetof(Period, mbpsDownBenefit),
+                         offsetof(Period, mbpsUpBenefit), offsetof(Period, tunPacketsIn),
+                         offsetof(Period, tunPacketsOut), offsetof(Period, tunBytesIn),
+                         offsetof(Period, tunBytesOut), offsetof(Period, tunBufferWaits),
+                         offsetof(Period, tunPacketWaits), offsetof(Period, tunReadQueue),
+                         offsetof(Period, tunDroppedIncoming), offsetof(Period, handlerPacketsIn),
+                         offsetof(Period, handlerPacketsOut), offsetof(Period, handlerBytesIn),
+                         offsetof(Period, handlerBytesOut), offsetof(Period, handlerRetries),
+                         offsetof(Period, captivePortalDetections), offsetof(Period, captivePortalSuccesses),
+                         offsetof(Period, totalFailoverSaves), offsetof(Period, totalSpeedModeSaves),
+                         offsetof(Period, totalRedundantModeSaves), offsetof(Period, totalStreams),
+                         offsetof(Period, uniqueSaves), sizeof(Period)) ==
+                  layout(0, 8, 16, 24, 32, 40, 48, 56, 64, 72, 80, 88, 96, 104, 112, 120, 128, 136, 144, 152,
+                         160, 168, 176, 184, 192, 200, 208, 216, 224, 232, 240, 248, 256, 264, 272, 280));
+    using Periods = KelvarisSDK_SessionStatsResult;
+    static_assert(layout(offsetof(Periods, base), offsetof(Periods, periodCount), offsetof(Periods, periods),
+                         sizeof(Periods)) == layout(0, 216, 224, 1624));
+    using Stream = KelvarisSDK_StreamStats;
+    static_assert(layout(offsetof(Stream, active), offsetof(Stream, duration), offsetof(Stream, id),
+                         offsetof(Stream, groupId), offsetof(Stream, startTime),
+                         offsetof(Stream, uploadSpeed), offsetof(Stream, downloadSpeed),
+                         offsetof(Stream, averageUploadSpeed), offsetof(Stream, averageDownloadSpeed),
+                         offsetof(Stream, redundantModeSaves), offsetof(Stream, speedModeSaves),
+                         offsetof(Stream, failoverSaves), offsetof(Stream, name), offsetof(Stream, health),
+                         sizeof(Stream)) ==
+                  layout(0, 8, 16, 24, 32, 40, 48, 56, 64, 72, 80, 88, 96, 148, 152));
+    using Streaming = KelvarisSDK_StreamingStatsResult;
+    static_assert(layout(offsetof(Streaming, base), offsetof(Streaming, bondingMode),
+                         offsetof(Streaming, streamCount), offsetof(Streaming, streams),
+                         offsetof(Streaming, badLoss), offsetof(Streaming, badLatency),
+                         offsetof(Streaming, badCpu), offsetof(Streaming, badMemory),
+                         sizeof(Streaming)) == layout(0, 216, 220, 224, 1744, 1745, 1746, 1747, 1752));
+    using Disconnect = KelvarisSDK_DisconnectEventResult;
+    static_assert(layout(offsetof(Disconnect, base), offsetof(Disconnect, disconnectReason),
+                         offsetof(Disconnect, sessionEnd), offsetof(Disconnect, sessionLength),
+                         sizeof(Disconnect)) == layout(0, 216, 224, 232, 240));
+    using Entry = KelvarisSDK_SpeedTestEntry;
+    static_assert(layout(offsetof(Entry, time), offsetof(Entry, country), offsetof(Entry, city),
+                         offsetof(Entry, numConnections), offsetof(Entry, downloadSpeed),
+                         offsetof(Entry, uploadSpeed), offsetof(Entry, isError),
+                         offsetof(Entry, errorMessage), offsetof(Entry, type), offsetof(Entry, resolution),
+                         offsetof(Entry, fps), offsetof(Entry, jitter), offsetof(Entry, latency),
+                         offsetof(Entry, loss), sizeof(Entry)) ==
+                  layout(0, 8, 18, 38, 40, 48, 56, 57, 260, 264, 270, 272, 274, 280, 288));
+    using Entries = KelvarisSDK_SpeedTestResult;
+    static_assert(layout(offsetof(Entries, base), offsetof(Entries, testCount), offsetof(Entries, tests),
+                         sizeof(Entries)) == layout(0, 216, 224, 1664));
 }
 
 TEST(Records, SafeBrowsing) {
-    KelvarisSDK_SafeBrowsingResult const s{};
-    expect({0, 216, 220, 224, 424, 425, 426, 428, 432, 440}, s, s.base, s.connectErrorSet, s.connectErrorCode,
-           s.connectErrorMessage, s.initialized, s.configSet, s.enabled, s.logLevel, s.networkOverride);
-    KelvarisSDK_SafeBrowsingErrorResult const e{};
-    expect({0, 216, 220, 224, 424, 680}, e, e.base, e.connectErrorSet, e.error, e.message, e.host);
-    KelvarisSDK_SafeBrowsingBlockResult const b{};
-    expect({0, 216, 217, 472}, b, b.base, b.redirected, b.host);
-    KelvarisSDK_SafeBrowsingStatsResult const st{};
-    expect({0, 216, 220, 224, 228, 232, 240, 248, 256, 264, 272}, st, st.base, st.min, st.max, st.average,
-           st.num_errors, st.num_blocks, st.failure_rate, st.num_block_responses, st.num_lookups,
-           st.num_packets_filtered);
+    using Service = KelvarisSDK_SafeBrowsingResult;
+    static_assert(layout(offsetof(Service, base), offsetof(Service, connectErrorSet),
+                         offsetof(Service, connectErrorCode), offsetof(Service, connectErrorMessage),
+                         offsetof(Service, initialized), offsetof(Service, configSet),
+                         offsetof(Service, enabled), offsetof(Service, logLevel),
+                         offsetof(Service, networkOverride),
+                         sizeof(Service)) == layout(0, 216, 220, 224, 424, 425, 426, 428, 432, 440));
+    using Error = KelvarisSDK_SafeBrowsingErrorResult;
+    static_assert(layout(offsetof(Error, base), offsetof(Error, connectErrorSet), offsetof(Error, error),
+                         offsetof(Error, message), offsetof(Error, host),
+                         sizeof(Error)) == layout(0, 216, 220, 224, 424, 680));
+    using Block = KelvarisSDK_SafeBrowsingBlockResult;
+    static_assert(layout(offsetof(Block, base), offsetof(Block, redirected), offsetof(Block, host),
+                         sizeof(Block)) == layout(0, 216, 217, 472));
+    using Stats = KelvarisSDK_SafeBrowsingStatsResult;
+    static_assert(layout(offsetof(Stats, base), offsetof(Stats, min), offsetof(Stats, max),
+                         offsetof(Stats, average), offsetof(Stats, num_errors), offsetof(Stats, num_blocks),
+                         offsetof(Stats, failure_rate), offsetof(Stats, num_block_responses),
+                         offsetof(Stats, num_lookups), offsetof(Stats, num_packets_filtered),
+                         sizeof(Stats)) == layout(0, 216, 220, 224, 228, 232, 240, 248, 256, 264, 272));
 }
