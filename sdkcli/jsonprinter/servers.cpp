@@ -10,31 +10,43 @@
 
 namespace {
 
-std::string styledServer(KelvarisSDK_DirectoryResult const& result,
-                         KelvarisSDK_ServerInformation const& server) {
-    auto const quoted = [](std::string const& text) { return Json::valueToQuotedString(text.c_str()); };
-    std::string text = "\t\t{\n\t\t\t\"city\" : " + quoted(recordText(result, server.city));
-    text += ",\n\t\t\t\"country\" : " + quoted(recordText(result, server.country));
-    text += std::string(",\n\t\t\t\"isPrivate\" : ") + (server.isPrivate ? "true" : "false");
-    text += ",\n\t\t\t\"num\" : " + std::to_string(server.num);
-    text += ",\n\t\t\t\"tag\" : " + quoted(serverTag(result, server)) + "\n\t\t}";
-    return text;
+void addQuoted(std::string& text, char const* key, std::string const& value) {
+    text += key;
+    text += Json::valueToQuotedString(value.c_str());
 }
 
-std::string styledServers(KelvarisSDK_DirectoryResult const& result, bool privateOnes) {
-    std::string servers;
+void addServer(std::string& text, KelvarisSDK_DirectoryResult const& result,
+               KelvarisSDK_ServerInformation const& server) {
+    addQuoted(text, "\t\t{\n\t\t\t\"city\" : ", recordText(result, server.city));
+    addQuoted(text, ",\n\t\t\t\"country\" : ", recordText(result, server.country));
+    text += server.isPrivate ? ",\n\t\t\t\"isPrivate\" : true" : ",\n\t\t\t\"isPrivate\" : false";
+    text += ",\n\t\t\t\"num\" : ";
+    text += std::to_string(server.num);
+    addQuoted(text, ",\n\t\t\t\"tag\" : ", serverTag(result, server));
+    text += "\n\t\t}";
+}
+
+void addServers(std::string& text, KelvarisSDK_DirectoryResult const& result, bool privateOnes) {
+    char const* separator = "\n\t[\n";
+    bool empty = true;
     for (uint32_t i = 0; i < result.serverCount; ++i) {
         if (result.servers[i].isPrivate == privateOnes) {
-            servers += servers.empty() ? "" : ",\n";
-            servers += styledServer(result, result.servers[i]);
+            text += separator;
+            addServer(text, result, result.servers[i]);
+            separator = ",\n";
+            empty = false;
         }
     }
-    return servers.empty() ? "[]" : "\n\t[\n" + servers + "\n\t]";
+    text += empty ? "[]" : "\n\t]";
 }
 
 } // namespace
 
 void printDirectoryResult(KelvarisSDK_DirectoryResult const& result) {
-    writeText("{\n\t\"private\" : " + styledServers(result, true) +
-              ",\n\t\"public\" : " + styledServers(result, false) + "\n}\n");
+    std::string text = "{\n\t\"private\" : ";
+    addServers(text, result, true);
+    text += ",\n\t\"public\" : ";
+    addServers(text, result, false);
+    text += "\n}\n";
+    writeText(text);
 }
