@@ -60,14 +60,26 @@ pid_t spawn(Command const& command, int in, int out, int err) {
     // A daemon's sockets, inherited, would hold its connections open.
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 
+    // Whoever started the tests may ignore signals that the child is to end by.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t defaults;
+    sigemptyset(&defaults);
+    for (int const number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+        sigaddset(&defaults, number);
+    }
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+
     std::vector<char*> argv;
     for (std::string const& argument : command.argv) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }
     argv.push_back(nullptr);
     pid_t pid = -1;
-    errno = posix_spawn(&pid, command.path.c_str(), &actions, nullptr, argv.data(), environ);
+    errno = posix_spawn(&pid, command.path.c_str(), &actions, &attributes, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
     return checked(pid, command.path.c_str());
 }
 
