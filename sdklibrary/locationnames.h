@@ -26,13 +26,14 @@ namespace kelvarissdk {
 constexpr std::array<std::string_view, 10> locationLanguages{"ar", "de", "en", "es", "fr",
                                                              "pt", "ro", "ru", "tr", "zh"};
 
-// A place: its key in the table and its name in each language.
+// A place: its key in the table and its name in each language. Texts in place instead of pointers to them: the
+// dynamic linker would have to relocate each pointer at every start of the program.
 struct LocationRow {
-    std::string_view key;
-    std::array<std::string_view, locationLanguages.size()> names;
+    char key[28];
+    char names[locationLanguages.size()][60];
 };
 
-// All places. Constant data: using it costs nothing at the start of the program.
+// All places. Constant data: having it costs nothing at the start of the program.
 extern const std::span<const LocationRow> locationRows;
 
 // The name for a code as the servers have it, in lower case. An unknown code comes back as the translator's
