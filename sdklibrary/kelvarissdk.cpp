@@ -43,6 +43,10 @@ KelvarisSDK::~KelvarisSDK() {
         statsRunnerActive = false;
     }
     statsRunnerEnds.notify_all();
+    // The stats thread no longer uses the link, so both threads end side by side.
+    if (websocket) {
+        websocket->end();
+    }
     statsThread.join();
 }
 

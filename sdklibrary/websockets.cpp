@@ -1,6 +1,6 @@
-// The life of a call: getResult puts an entry into the table and the call's requests into the queue; the
-// reader thread sends the queue, takes each message's event name from its raw text and hands the message to
-// every entry that waits for that name; the entry's handler fills the call's record and says whether the
+// The life of a call: getResult queues an entry for the table together with the call's requests; the reader
+// thread sends the requests, takes each message's event name from its raw text and hands the message to every
+// entry that waits for that name; the entry's handler fills the call's record and says whether the
 // entry is done. A time-out is a delivery too: the sweep hands the entry the event "sdk_error", which no
 // daemon can send, because no entry awaits it by name.
 //
@@ -139,13 +139,17 @@ int Wakeup::descriptor() const {
     return fd;
 }
 
-void Wakeup::signal() const {
-    eventfd_write(fd, 1);
+void Wakeup::signal() {
+    if (!signalled.exchange(true)) {
+        eventfd_write(fd, 1);
+    }
 }
 
-void Wakeup::clear() const {
+// Emptied before it is taken back: a signal that comes in between finds the reader awake.
+void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
+    signalled.exchange(false);
 }
 
 // One message from the daemon. Parsed when somebody wants it, and once.
@@ -177,9 +181,20 @@ std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
 thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
-    : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {}
+    : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {
+    // On a processor that both share the reader begins to connect, and the caller prepares its first request
+    // while the daemon answers.
+    std::this_thread::yield();
+}
 
 WebsocketImpl::~WebsocketImpl() {
+    end();
+}
+
+void WebsocketImpl::end() {
+    if (!readerThread.joinable()) {
+        return;
+    }
     {
         std::lock_guard const lock(runningMutex);
         running = false;
@@ -243,16 +258,12 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     if (assignedId != nullptr) {
         *assignedId = id;
     }
-    std::vector<std::string> const requests = std::move(description.requests);
-    // The entry stands before its first request can leave, so no answer is missed.
-    {
-        std::lock_guard const lock(eventsMutex);
-        description.startTime = getTimeMillis();
-        events.emplace(id, std::move(description));
-    }
+    std::vector<std::string> requests = std::move(description.requests);
+    description.startTime = getTimeMillis();
     {
         std::lock_guard const lock(outgoingMutex);
-        outgoing.insert(outgoing.end(), requests.begin(), requests.end());
+        arrivals.emplace(id, std::move(description));
+        std::move(requests.begin(), requests.end(), std::back_inserter(outgoing));
     }
     wakeup.signal();
     return id;
@@ -260,6 +271,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
 
 void WebsocketImpl::removeCallback(unsigned long long id) {
     std::lock_guard const lock(eventsMutex);
+    admitArrivals();
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
     } else {
@@ -330,6 +342,7 @@ void WebsocketImpl::waitForEnd(int milliseconds) {
 
 bool WebsocketImpl::sweepAndGoOn() {
     std::lock_guard const eventsLock(eventsMutex);
+    admitArrivals();
     sweepTimeouts();
     std::lock_guard const runningLock(runningMutex);
     if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
@@ -381,6 +394,7 @@ void WebsocketImpl::handle_message(std::string const& text) {
     }
     Message message(text.substr(2, nameEnd - 2), text);
     std::lock_guard const lock(eventsMutex);
+    admitArrivals();
     visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
 }
 
@@ -409,6 +423,13 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
         }
     }
     return remove;
+}
+
+// A request leaves after its entry has arrived and its answer comes later still, so no answer is missed. The
+// caller holds eventsMutex.
+void WebsocketImpl::admitArrivals() {
+    std::lock_guard const lock(outgoingMutex);
+    events.merge(arrivals);
 }
 
 // Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited

@@ -60,6 +60,7 @@ struct EventDescription {
 };
 
 // An eventfd: a queued request and the end of the object end the reader's wait on an open socket with it.
+// Signals that come before the reader has seen the first of them cost no system call.
 class Wakeup {
 public:
     Wakeup();
@@ -69,21 +70,24 @@ public:
 
     // -1 where the process has no descriptor left: the wait then lasts its full time.
     int descriptor() const;
-    void signal() const;
-    void clear() const;
+    void signal();
+    // What was done before a signal that this call takes back is seen after it.
+    void clear();
 
 private:
     int const fd;
+    std::atomic<bool> signalled = false;
 };
 
 // The link to the daemon. Any thread may queue requests and register or remove entries; handlers run on the
 // reader thread. Locks, in the order in which one thread may take them: eventsMutex, then a call's own;
-// eventsMutex, then runningMutex, then outgoingMutex.
+// eventsMutex, then runningMutex, then outgoingMutex. eventsMutex is held while callbacks run; making a call
+// takes outgoingMutex alone, so no call waits for another one's callback.
 class WebsocketImpl {
 public:
     // Starts the reader thread, which begins to connect.
     WebsocketImpl(char const* address, unsigned short port);
-    // Ends the reader thread. Entries that still wait are dropped without a call.
+    // Entries that still wait are dropped without a call.
     ~WebsocketImpl();
     WebsocketImpl(WebsocketImpl const&) = delete;
     WebsocketImpl& operator=(WebsocketImpl const&) = delete;
@@ -102,7 +106,10 @@ public:
                                        Json::Value const& members);
     static void subscribeToEvent(EventDescription& description, std::string const& event);
 
-    // Moves what is described into the table, then queues its requests. Returns the entry's id; where `assignedId`
+    // Ends the reader thread, if nobody has; requests queued later stay. The destructor does it as well.
+    void end();
+
+    // Registers what is described and queues its requests. Returns the entry's id; where `assignedId`
     // is given, the id stands there before the first delivery can come.
     uint64_t getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId = nullptr);
 
@@ -126,6 +133,7 @@ private:
     bool sweepAndGoOn();
     void sweepTimeouts();
     bool deliver(EventDescription& entry, Message& message);
+    void admitArrivals();
     template <class Visit> void visitEntries(Visit visit);
 
     // Constant after construction.
@@ -140,13 +148,14 @@ private:
     std::condition_variable runningChanged;
     bool running = true; // guarded by runningMutex
 
-    std::recursive_mutex eventsMutex;            // recursive: callbacks make calls and remove entries
+    std::recursive_mutex eventsMutex;            // recursive: callbacks remove entries
     std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next two
     uint64_t const* visitedId = nullptr;         // the entry under delivery
     bool visitedRemoved = false;                 // it was removed meanwhile
 
     std::mutex outgoingMutex;
-    std::deque<std::string> outgoing; // guarded by outgoingMutex
+    std::deque<std::string> outgoing;              // guarded by outgoingMutex, as is the next
+    std::map<uint64_t, EventDescription> arrivals; // registered, and not in the table yet
 
     static std::atomic<uint64_t> nextEventId;
 

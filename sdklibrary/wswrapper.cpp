@@ -1,5 +1,6 @@
 #include "wswrapper.h"
 
+#include <cerrno>
 #include <exception>
 #include <utility>
 
@@ -53,17 +54,21 @@ bool takesEvent(KelvarisSDK_BaseResult& head, std::string const& settingName, Ev
 
 } // namespace
 
+Completion::Completion() {
+    sem_init(&done, 0, 0);
+}
+
+Completion::~Completion() {
+    sem_destroy(&done);
+}
+
 void Completion::wait() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return done; });
+    while (sem_wait(&done) != 0 && errno == EINTR) {
+    }
 }
 
 void Completion::set() {
-    {
-        std::lock_guard const lock(mutex);
-        done = true;
-    }
-    changed.notify_one();
+    sem_post(&done);
 }
 
 EventHandler callHandler(CallRecord record, wsWrapperOptions options, EventParser parser,

@@ -3,11 +3,11 @@
 
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <semaphore.h>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -38,13 +38,16 @@ using EventParser = EventHandler;
 // Where a synchronous caller waits for its record.
 class Completion {
 public:
+    Completion();
+    ~Completion();
+    Completion(Completion const&) = delete;
+    Completion& operator=(Completion const&) = delete;
+
     void wait();
     void set();
 
 private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool done = false; // guarded by mutex
+    sem_t done;
 };
 
 // The head of a call's record and what guards it; `owner` keeps both alive.

@@ -23,16 +23,19 @@ Options const noName{.appName = std::nullopt};
 
 } // namespace
 
-// Unregistering waits for the callback that runs, and no other follows.
+// While a callback runs, another thread's asynchronous call returns; unregistering waits for the callback, and
+// no other follows.
 TEST(Callbacks, NoneRunsAfterUnregistering) {
     ScriptedDaemon daemon({{.request = "request_current_state", .answers = {connected}},
+                           {.request = "request_connection_settings"},
                            {.request = "request_version_data", .answers = {connected, version}}},
                           noName);
     struct {
         std::promise<void> entered;
-        std::promise<uint64_t> unregistered;
-        std::future<uint64_t> early = unregistered.get_future();
-        std::future_status seen = std::future_status::ready;
+        std::promise<void> called;
+        std::promise<void> unregistered;
+        std::future_status callSeen = std::future_status::timeout;
+        std::future_status unregisteringSeen = std::future_status::ready;
         std::atomic<int> calls = 0;
     } shared;
     Handle const handle(daemon.port());
@@ -40,17 +43,22 @@ TEST(Callbacks, NoneRunsAfterUnregistering) {
         auto& own = *static_cast<decltype(shared)*>(userData);
         if (own.calls++ == 0) {
             own.entered.set_value();
-            own.seen = own.early.wait_for(std::chrono::milliseconds(200));
+            own.callSeen = own.called.get_future().wait_for(std::chrono::seconds(5));
+            own.unregisteringSeen = own.unregistered.get_future().wait_for(std::chrono::milliseconds(200));
         }
         return true;
     };
     uint64_t const id = KelvarisSDK_GetState(handle.sdk, callback, &shared).base.callbackId;
     shared.entered.get_future().wait();
+    KelvarisSDK_GetSettings(
+        handle.sdk, [](KelvarisSDK_SettingsResult, void*) { return false; }, nullptr);
+    shared.called.set_value();
     KelvarisSDK_UnregisterCallback(handle.sdk, id);
-    shared.unregistered.set_value(id);
+    shared.unregistered.set_value();
     EXPECT_EQ(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).maj, 12);
     EXPECT_EQ(shared.calls, 1);
-    EXPECT_EQ(shared.seen, std::future_status::timeout);
+    EXPECT_EQ(shared.callSeen, std::future_status::ready);
+    EXPECT_EQ(shared.unregisteringSeen, std::future_status::timeout);
 }
 
 // What a callback returns ends a subscription and nothing else.

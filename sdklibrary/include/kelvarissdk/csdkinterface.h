@@ -43,9 +43,10 @@
  *  8. Callbacks run on the library's reader thread, one at a time per handle, with the user data of
  *     the call. On their own handle they may make asynchronous calls and unregister any call; they may
  *     use everything that takes no handle. They must not wait: while one runs, nothing is sent or
- *     received, and calls of other threads on that handle wait. So a callback must not take a lock
- *     that such a thread holds, and callbacks of two handles must not call into each other's handle. A
- *     synchronous call is refused there with 3847, and KelvarisSDK_Destroy must not be called.
+ *     received on that handle, so synchronous calls and KelvarisSDK_UnregisterCallback of other threads
+ *     wait for it. So a callback must not take a lock that such a thread holds, and callbacks of two
+ *     handles must not unregister each other's calls. A synchronous call is refused there with 3847,
+ *     and KelvarisSDK_Destroy must not be called.
  *
  *  9. Subscriptions. Calls marked "subscription" go on delivering each later report while their
  *     callback returns true; false ends them. All others end with their first result, whatever their
