@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include <json/json.h>
@@ -19,15 +20,33 @@ template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
     std::memset(field + length, 0, N - length);
 }
 
-// The same with a value of a report; null is the empty text. A list or an object throws.
-template <std::size_t N> void copyText(char (&field)[N], Json::Value const& value) {
-    char const* begin = nullptr;
-    char const* end = nullptr;
-    if (value.getString(&begin, &end)) {
-        setText(field, std::string_view(begin, end));
-    } else {
-        setText(field, value.asString());
+// A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or an
+// object throws. The value must live as long.
+class Text {
+public:
+    explicit Text(Json::Value const& value) {
+        char const* begin = nullptr;
+        char const* end = nullptr;
+        if (value.getString(&begin, &end)) {
+            text = std::string_view(begin, end);
+        } else {
+            text = converted = value.asString();
+        }
     }
+    Text(Text const&) = delete;
+    Text& operator=(Text const&) = delete;
+
+    std::string_view view() const {
+        return text;
+    }
+
+private:
+    std::string converted;
+    std::string_view text;
+};
+
+template <std::size_t N> void copyText(char (&field)[N], Json::Value const& value) {
+    setText(field, Text(value).view());
 }
 
 // Fills slots with the elements of a list, or the members of an object, in order, each by

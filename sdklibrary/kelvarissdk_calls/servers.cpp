@@ -16,12 +16,13 @@ constexpr std::string_view privatePrefix = "private";
 
 // The fields with which both records of a server begin.
 template <class Server> void setPlace(Server& info, Json::Value const& server) {
-    std::string const country = server[Keys::_country].asString();
-    info.isPrivate = server[Keys::_private].asString() == "yes";
-    bool const prefixed = info.isPrivate && country.starts_with(privatePrefix);
-    setText(info.country, std::string_view(country).substr(prefixed ? privatePrefix.size() : 0));
+    Text const country(server[Keys::_country]);
+    info.isPrivate = Text(server[Keys::_private]).view() == "yes";
+    bool const prefixed = info.isPrivate && country.view().starts_with(privatePrefix);
+    setText(info.country, country.view().substr(prefixed ? privatePrefix.size() : 0));
     copyText(info.city, server[Keys::_city]);
-    info.num = std::atoi(server[Keys::_num].asString().c_str()); // comes as a number or as a text
+    Json::Value const& num = server[Keys::_num]; // comes as a number or as a text
+    info.num = num.isInt() ? num.asInt() : std::atoi(num.asString().c_str());
 }
 
 } // namespace
