@@ -44,10 +44,7 @@ Json::Value parseRequest(const std::string& text) {
 }
 
 std::string reportText(const std::string& name, const Json::Value& payload) {
-    Json::Value report(Json::arrayValue);
-    report.append(name);
-    report.append(payload);
-    return compactText(report);
+    return '[' + compactText(name) + ',' + compactText(payload) + ']';
 }
 
 std::string compactText(const Json::Value& value) {
