@@ -237,12 +237,13 @@ private:
         }
         table.add("calls one at a time, pinned", Unit::perSecond, rates[0], yardsticks);
         addIdleCalls("call on an idle link, pinned", daemon, {.most = 3}, {});
-        addReadsAtOnce("reads at once on one handle, pinned", {.least = 1.5});
+        addReadsAtOnce("reads at once on one handle, pinned", {});
         setenv("SIMULATOR_PORT", simulator.port().c_str(), 1);
     }
 
+    // On one processor there is little to gain: most of a call is parsing and writing JSON, here and in the daemon.
     void readsAtOnce() {
-        addReadsAtOnce("reads at once on one handle, not pinned", {});
+        addReadsAtOnce("reads at once on one handle, not pinned", {.least = 1.5});
     }
 
     void addReadsAtOnce(std::string const& what, Limit limit) {
