@@ -16,7 +16,7 @@
 #define TEXT(field) (int)strnlen(field, sizeof(field)), field
 
 /* Says why a call failed, if it did. */
-static bool failed(const char* what, const KelvarisSDK_BaseResult* result) {
+static bool failed(char const* what, KelvarisSDK_BaseResult const* result) {
     if (result->error) {
         fprintf(stderr, "%s: %.*s (%d)\n", what, TEXT(result->errorMessage), (int)result->errorCode);
     }
@@ -38,7 +38,7 @@ static bool showAdapters(KelvarisSDK_Handle* sdk) {
         return false;
     }
     for (unsigned i = 0; i < result.adapterCount; ++i) {
-        const KelvarisSDK_AdapterData* adapter = &result.adapters[i];
+        KelvarisSDK_AdapterData const* adapter = &result.adapters[i];
         printf("%-12.*s %-12s %-12s %s\n", TEXT(adapter->adapterID),
                KelvarisSDK_NetworkType_toString(adapter->type),
                KelvarisSDK_ConnectionState_toString(adapter->state),

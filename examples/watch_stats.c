@@ -27,7 +27,7 @@ static bool showConnections(KelvarisSDK_ConnectionStatsResult result, void* user
     }
     ++*reports;
     for (unsigned i = 0; i < result.stats.connectionCount; ++i) {
-        const KelvarisSDK_ConnectionStats* stats = &result.stats.connections[i];
+        KelvarisSDK_ConnectionStats const* stats = &result.stats.connections[i];
         printf("%-12.*s %-12s %6" PRId64 " ms %10.2f Mbit/s down %8.2f up\n", TEXT(stats->adapterID),
                stats->connected ? "connected" : "down", stats->latencyMs, (double)stats->receiveBps / 1e6,
                (double)stats->sendBps / 1e6);

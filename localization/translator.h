@@ -17,7 +17,7 @@ using TranslationTable = std::map<std::string, std::map<std::string, std::string
 extern std::mutex translationTablesMutex;
 
 // The registered tables, not owned, in order of registration.
-extern std::vector<const TranslationTable*> translationTables;
+extern std::vector<TranslationTable const*> translationTables;
 
 // The language asked for first, and the one of last resort within a table. A program that wants another
 // language assigns it before the first look-up: nothing guards a later change.
@@ -25,22 +25,22 @@ extern std::string baseLanguage;
 extern std::string usedLanguage;
 
 // Appends a table, which has to outlive every look-up. One that is registered already stays in its place.
-void registerTranslationTable(const TranslationTable* table);
+void registerTranslationTable(TranslationTable const* table);
 
 // The text for a template "{{KEY}}", or the argument itself when it is no template or no table has the key.
 // Behind the braces a template can carry named arguments, "{{KEY}}|{"name": "Ann"}", for the placeholders
 // ("{name}") in the text. May be called on any thread.
-std::string translate(const std::string& s);
+std::string translate(std::string const& s);
 
 // translate() for an argument that is known to begin with "{{". An earlier table wins over a later one, even
 // when it has the key in the base language only.
-std::string lookupString(const std::string& s);
+std::string lookupString(std::string const& s);
 
 // Puts the arguments of the template s into text, one argument after the other. When they can't be read, or
 // one that has a placeholder doesn't convert to text, the text keeps all its placeholders.
-std::string variableReplacements(const std::string& s, std::string text);
+std::string variableReplacements(std::string const& s, std::string text);
 
 // Replaces every occurrence of from in place; what was inserted is not searched again.
-void ReplaceAll(std::string& str, const std::string& from, const std::string& to);
+void ReplaceAll(std::string& str, std::string const& from, std::string const& to);
 
 } // namespace kelvaris::localization

@@ -252,7 +252,7 @@ KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisSDK_Handle* sdk, 
     return object(sdk)->setForwardPorts(count, ports, callback, userData);
 }
 
-KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, const char* adapterID,
+KelvarisSDK_SettingsResult KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, char const* adapterID,
                                                                bool enable,
                                                                KelvarisSDK_SettingsCallback callback,
                                                                void* userData) {
@@ -279,7 +279,7 @@ KelvarisSDK_CheckForCaptivePortals(KelvarisSDK_Handle* sdk, KelvarisSDK_CaptiveP
 }
 
 KelvarisSDK_CaptivePortalLoginResult
-KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, const char* adapterID,
+KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, char const* adapterID,
                                       KelvarisSDK_CaptivePortalLoginCallback callback, void* userData) {
     return object(sdk)->setCaptivePortalLoginMode(enable, adapterID, callback, userData);
 }
@@ -291,14 +291,14 @@ KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_Handle* sdk,
     return object(sdk)->getAdapters(callback, userData);
 }
 
-KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(KelvarisSDK_Handle* sdk, const char* adapterID,
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(KelvarisSDK_Handle* sdk, char const* adapterID,
                                                                KelvarisSDK_ConnectionPriority priority,
                                                                KelvarisSDK_AdaptersCallback callback,
                                                                void* userData) {
     return object(sdk)->setConnectionPriorities(adapterID, priority, callback, userData);
 }
 
-KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, const char* adapterID,
+KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, char const* adapterID,
                                                               long long bitsPerSecond,
                                                               KelvarisSDK_AdaptersCallback callback,
                                                               void* userData) {
@@ -306,14 +306,14 @@ KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_ResetConnectionRateLimit(KelvarisSDK_Handle* sdk,
-                                                                const char* adapterID,
+                                                                char const* adapterID,
                                                                 KelvarisSDK_AdaptersCallback callback,
                                                                 void* userData) {
     return object(sdk)->resetConnectionRateLimit(adapterID, callback, userData);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
-                                                                  const char* adapterID, long long bytes,
+                                                                  char const* adapterID, long long bytes,
                                                                   long long resetDay,
                                                                   KelvarisSDK_AdaptersCallback callback,
                                                                   void* userData) {
@@ -321,42 +321,42 @@ KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterMonthlyDataLimit(KelvarisSDK_Ha
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterMonthlyDataLimit(KelvarisSDK_Handle* sdk,
-                                                                      const char* adapterID,
+                                                                      char const* adapterID,
                                                                       KelvarisSDK_AdaptersCallback callback,
                                                                       void* userData) {
     return object(sdk)->disableAdapterMonthlyDataLimit(adapterID, callback, userData);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
-                                                                const char* adapterID, long long bytes,
+                                                                char const* adapterID, long long bytes,
                                                                 KelvarisSDK_AdaptersCallback callback,
                                                                 void* userData) {
     return object(sdk)->setAdapterDailyDataLimit(adapterID, bytes, callback, userData);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterDailyDataLimit(KelvarisSDK_Handle* sdk,
-                                                                    const char* adapterID,
+                                                                    char const* adapterID,
                                                                     KelvarisSDK_AdaptersCallback callback,
                                                                     void* userData) {
     return object(sdk)->disableAdapterDailyDataLimit(adapterID, callback, userData);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk,
-                                                                     const char* adapterID, long long bytes,
+                                                                     char const* adapterID, long long bytes,
                                                                      KelvarisSDK_AdaptersCallback callback,
                                                                      void* userData) {
     return object(sdk)->addAdapterDailyDataLimitBoost(adapterID, bytes, callback, userData);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterOverlimitRateLimit(KelvarisSDK_Handle* sdk,
-                                                                    const char* adapterID,
+                                                                    char const* adapterID,
                                                                     long long bitsPerSecond,
                                                                     KelvarisSDK_AdaptersCallback callback,
                                                                     void* userData) {
     return object(sdk)->setAdapterOverlimitRatelimit(adapterID, bitsPerSecond, callback, userData);
 }
 
-KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(KelvarisSDK_Handle* sdk, const char* adapterID,
+KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(KelvarisSDK_Handle* sdk, char const* adapterID,
                                                          KelvarisSDK_AdaptersCallback callback,
                                                          void* userData) {
     return object(sdk)->resetAdapterUsage(adapterID, callback, userData);
@@ -482,7 +482,7 @@ KelvarisSDK_SetStreamingPorts(KelvarisSDK_Handle* sdk, unsigned short count,
 // telemetry
 
 KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
-                                                     unsigned char periodCount, const unsigned int* periods) {
+                                                     unsigned char periodCount, unsigned int const* periods) {
     return object(sdk)->enableStatUpdates(enable, periodCount, periods);
 }
 

@@ -19,17 +19,17 @@ namespace {
 
 void fillTable() {
     // The table may be registered already, and another thread may be looking something up in it.
-    const std::lock_guard lock(kelvaris::localization::translationTablesMutex);
+    std::lock_guard const lock(kelvaris::localization::translationTablesMutex);
     for (std::size_t column = 0; column < locationLanguages.size(); ++column) {
         auto& texts =
             kelvaris::localization::sdklibraryTranslationTable[std::string(locationLanguages[column])];
-        for (const LocationRow& row : locationRows) {
+        for (LocationRow const& row : locationRows) {
             texts.emplace(row.key, row.names[column]);
         }
     }
 }
 
-std::string translateLocation(const char* prefix, std::string code) {
+std::string translateLocation(char const* prefix, std::string code) {
     if (code.empty()) {
         return code;
     }

@@ -34,7 +34,7 @@ struct LocationRow {
 };
 
 // All places. Constant data: having it costs nothing at the start of the program.
-extern const std::span<const LocationRow> locationRows;
+extern std::span<LocationRow const> const locationRows;
 
 // The name for a code as the servers have it, in lower case. An unknown code comes back as the translator's
 // template, "{{LOCATION.CITY.code}}"; an empty code has an empty name. The country of a connection through a

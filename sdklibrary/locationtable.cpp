@@ -156,6 +156,6 @@ constexpr LocationRow rows[] = {
 
 } // namespace
 
-constinit const std::span<const LocationRow> locationRows = rows;
+constinit std::span<LocationRow const> const locationRows = rows;
 
 } // namespace kelvarissdk

@@ -11,7 +11,7 @@
 
 // core
 
-const char* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type) {
+char const* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type) {
     switch (type) {
     case KelvarisSDK_ErrorType_NO_ERROR:
         return "No error";
@@ -55,7 +55,7 @@ const char* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type) {
     return "Unknown error";
 }
 
-const char* KelvarisSDK_State_toString(KelvarisSDK_State state) {
+char const* KelvarisSDK_State_toString(KelvarisSDK_State state) {
     switch (state) {
     case KelvarisSDK_State_LOGGED_OUT:
         return "LOGGED_OUT";
@@ -79,7 +79,7 @@ const char* KelvarisSDK_State_toString(KelvarisSDK_State state) {
     return "UNKNOWN";
 }
 
-const char* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode) {
+char const* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode) {
     switch (mode) {
     case KelvarisSDK_BondingMode_SPEED:
         break;
@@ -91,7 +91,7 @@ const char* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode) {
     return "speed";
 }
 
-const char* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode) {
+char const* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode) {
     switch (mode) {
     case KelvarisSDK_TransportMode_TCP:
         return "tcp";
@@ -107,13 +107,13 @@ const char* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode) {
     return "auto";
 }
 
-const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol) {
+char const* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol) {
     return protocol == KelvarisSDK_PortProtocol_TCP ? "tcp" : "udp";
 }
 
 // session
 
-const char* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type) {
+char const* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type) {
     switch (type) {
     case KelvarisSDK_AccountPaymentType_FREE:
         return "free";
@@ -125,7 +125,7 @@ const char* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentTy
     return "Unknown payment type";
 }
 
-const char* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method) {
+char const* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method) {
     switch (method) {
     case KelvarisSDK_AutoConnectMethod_CLOSEST:
         break;
@@ -173,15 +173,15 @@ std::string codeIn(KelvarisSDK_ServerInformation const& info, char const* field)
 
 } // namespace
 
-const char* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
+char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
     return serverInfo_buffer_country.set(kelvarissdk::getCountry(codeIn(info, info.country)));
 }
 
-const char* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
+char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
     return serverInfo_buffer_city.set(kelvarissdk::getCity(codeIn(info, info.city)));
 }
 
-const char* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
+char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
     std::string name = KelvarisSDK_ServerInformation_GetCountryName(info);
     std::string const city = KelvarisSDK_ServerInformation_GetCityName(info);
     if (!city.empty()) {
@@ -193,7 +193,7 @@ const char* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation
     return serverInfo_buffer_fullName.set(name);
 }
 
-const char* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info) {
+char const* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info) {
     KelvarisSDK_ServerInformation leading{};
     std::memcpy(&leading, &info, offsetof(KelvarisSDK_ServerInformationDetailed, torrentAllowed));
     return KelvarisSDK_ServerInformation_toString(leading);
@@ -201,7 +201,7 @@ const char* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInf
 
 // adapters
 
-const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state) {
+char const* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state) {
     switch (state) {
     case KelvarisSDK_ConnectionState_DISCONNECTED:
         break;
@@ -213,7 +213,7 @@ const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState sta
     return "disconnected";
 }
 
-const char* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type) {
+char const* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type) {
     switch (type) {
     case KelvarisSDK_NetworkType_WIFI:
         break;
@@ -233,7 +233,7 @@ const char* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type) {
     return "Wi-Fi";
 }
 
-const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority) {
+char const* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority) {
     switch (priority) {
     case KelvarisSDK_ConnectionPriority_ALWAYS:
         break;
@@ -249,7 +249,7 @@ const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriori
 
 // lists
 
-const char* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode) {
+char const* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode) {
     switch (mode) {
     case KelvarisSDK_FirewallMode_OFF:
         return "off";
@@ -263,7 +263,7 @@ const char* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode) {
 
 // telemetry
 
-const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {
+char const* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {
     switch (health) {
     case KelvarisSDK_StreamHealth_STOPPED:
         break;
@@ -275,7 +275,7 @@ const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health) {
     return "stopped";
 }
 
-const char* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason) {
+char const* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason) {
     switch (reason) {
     case KelvarisSDK_DisconnectReason_UNKNOWN:
         break;
@@ -315,13 +315,13 @@ const char* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason r
     return "UNKNOWN";
 }
 
-const char* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type) {
+char const* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type) {
     return type == KelvarisSDK_SpeedTestType_STREAMING ? "streaming" : "speed";
 }
 
 // safebrowsing
 
-const char* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level) {
+char const* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level) {
     switch (level) {
     case KelvarisSDK_SafeBrowsingLogLevel_DEBUG:
         break;
@@ -337,7 +337,7 @@ const char* KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingL
     return "debug";
 }
 
-const char*
+char const*
 KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(KelvarisSDK_SafeBrowsingSafeNetworkOverride value) {
     switch (value) {
     case KelvarisSDK_SafeBrowsingSafeNetworkOverride_NONE:

@@ -14,7 +14,7 @@ constexpr int priorityNever = 100;
 
 enum ConnectionState { disconnected, connecting, connected };
 
-Json::Value adapter(const std::string& id, const std::string& name, const std::string& type,
+Json::Value adapter(std::string const& id, std::string const& name, std::string const& type,
                     ConnectionState state) {
     Json::Value value;
     value["guid"] = id;
@@ -30,14 +30,14 @@ Json::Value adapter(const std::string& id, const std::string& name, const std::s
     return value;
 }
 
-Json::Value ethernet(const std::string& id) {
+Json::Value ethernet(std::string const& id) {
     Json::Value value = adapter(id, "Wired", "Ethernet", connected);
     value["limits"]["usage"] = 7'340'032'000;
     value["limits"]["usageDaily"] = 52'428'800;
     return value;
 }
 
-Json::Value wifi(const std::string& id) {
+Json::Value wifi(std::string const& id) {
     Json::Value value = adapter(id, "Wireless", "Wi-Fi", connected);
     value["ssid"] = "Harbour Cafe";
     value["bssid"] = "02:00:5e:10:20:30";
@@ -45,7 +45,7 @@ Json::Value wifi(const std::string& id) {
     return value;
 }
 
-Json::Value cellular(const std::string& id) {
+Json::Value cellular(std::string const& id) {
     Json::Value value = adapter(id, "Mobile", "Cellular", connecting);
     value["priority"] = 2;
     value["limits"]["usage"] = 1'288'490'188;
@@ -57,7 +57,7 @@ Json::Value cellular(const std::string& id) {
 }
 
 // Just plugged in: the daemon knows nothing of it but what it is.
-Json::Value nameless(const std::string& id) {
+Json::Value nameless(std::string const& id) {
     Json::Value value;
     value["guid"] = id;
     value["type"] = "Modem";
@@ -65,12 +65,12 @@ Json::Value nameless(const std::string& id) {
     return value;
 }
 
-using Change = void (*)(Json::Value& adapter, const Json::Value& payload);
+using Change = void (*)(Json::Value& adapter, Json::Value const& payload);
 
 // Nothing happens, and nothing is reported, when no adapter has that id.
-void changeAdapter(const Request& request, const char* idKey, Change change) {
+void changeAdapter(Request const& request, char const* idKey, Change change) {
     World& world = request.daemon.world();
-    const Json::Value& id = request.payload[idKey];
+    Json::Value const& id = request.payload[idKey];
     for (Json::Value& each : world.adapters) {
         if (each["guid"] == id) {
             change(each, request.payload);
@@ -82,7 +82,7 @@ void changeAdapter(const Request& request, const char* idKey, Change change) {
 }
 
 // 0 and less lift a limit.
-void setLimit(Json::Value& object, const char* key, Json::Int64 limit) {
+void setLimit(Json::Value& object, char const* key, Json::Int64 limit) {
     if (limit > 0) {
         object[key] = limit;
     } else {
@@ -90,36 +90,36 @@ void setLimit(Json::Value& object, const char* key, Json::Int64 limit) {
     }
 }
 
-void setPriority(Json::Value& adapter, const Json::Value& payload) {
+void setPriority(Json::Value& adapter, Json::Value const& payload) {
     adapter["priority"] = payload["priority"].asInt();
 }
 
-void setRateLimit(Json::Value& adapter, const Json::Value& payload) {
+void setRateLimit(Json::Value& adapter, Json::Value const& payload) {
     // The report has 32 bits for it.
-    const Json::Int64 most = std::numeric_limits<int>::max();
+    Json::Int64 const most = std::numeric_limits<int>::max();
     setLimit(adapter, "rateLimit", std::min(payload["bps"].asInt64(), most));
 }
 
-void setMonthlyLimit(Json::Value& adapter, const Json::Value& payload) {
+void setMonthlyLimit(Json::Value& adapter, Json::Value const& payload) {
     setLimit(adapter["limits"], "max", payload["max"].asInt64());
     adapter["limits"]["resetDay"] = payload["resetDay"].asInt64();
 }
 
-void setDailyLimit(Json::Value& adapter, const Json::Value& payload) {
+void setDailyLimit(Json::Value& adapter, Json::Value const& payload) {
     setLimit(adapter["limits"], "maxDaily", payload["max"].asInt64());
 }
 
-void addDailyBoost(Json::Value& adapter, const Json::Value& payload) {
+void addDailyBoost(Json::Value& adapter, Json::Value const& payload) {
     Json::Value& boost = adapter["limits"]["boostDaily"];
-    const Json::Int64 more = std::clamp<Json::Int64>(payload["value"].asInt64(), 0, mostBoost);
+    Json::Int64 const more = std::clamp<Json::Int64>(payload["value"].asInt64(), 0, mostBoost);
     boost = std::min(boost.asInt64() + more, mostBoost);
 }
 
-void setOverlimitRate(Json::Value& adapter, const Json::Value& payload) {
+void setOverlimitRate(Json::Value& adapter, Json::Value const& payload) {
     adapter["limits"]["overlimitRate"] = std::max<Json::Int64>(payload["bps"].asInt64(), 0);
 }
 
-void resetUsage(Json::Value& adapter, const Json::Value&) {
+void resetUsage(Json::Value& adapter, Json::Value const&) {
     adapter["limits"]["usage"] = 0;
     adapter["limits"]["usageDaily"] = 0;
 }
@@ -135,7 +135,7 @@ Json::Value networksReport(World& world) {
     Json::Value report(Json::arrayValue);
     for (Json::Value& each : world.adapters) {
         if (each["connectionState"] == connected && each["priority"] != priorityNever) {
-            for (const char* usage : {"usage", "usageDaily"}) {
+            for (char const* usage : {"usage", "usageDaily"}) {
                 each["limits"][usage] = each["limits"][usage].asInt64() + bytesPerReport;
             }
         }
@@ -145,11 +145,11 @@ Json::Value networksReport(World& world) {
 }
 
 void registerAdapters(Registry& registry) {
-    registry.on("request_networks", [](const Request& request) {
+    registry.on("request_networks", [](Request const& request) {
         request.answer("report_networks", networksReport(request.daemon.world()));
     });
-    const auto onChange = [&](const char* name, Change change, const char* idKey = "network") {
-        registry.on(name, [idKey, change](const Request& request) { changeAdapter(request, idKey, change); });
+    auto const onChange = [&](char const* name, Change change, char const* idKey = "network") {
+        registry.on(name, [idKey, change](Request const& request) { changeAdapter(request, idKey, change); });
     };
     onChange("set_network_priority", setPriority);
     onChange("set_network_ratelimit", setRateLimit);

@@ -11,14 +11,14 @@ namespace {
 
 using AppNames = std::map<ClientId, std::string>;
 
-void setAppName(AppNames& names, const Request& request) {
-    const std::string name = request.payload["name"].asString();
+void setAppName(AppNames& names, Request const& request) {
+    std::string const name = request.payload["name"].asString();
     names[request.client] = name;
     request.daemon.log(clientText(request.client) + " is " + compactText(name));
 }
 
 void forgetAppName(AppNames& names, Daemon& daemon, ClientId client) {
-    const auto name = names.find(client);
+    auto const name = names.find(client);
     if (name != names.end()) {
         daemon.log(clientText(client) + " was " + compactText(name->second));
         names.erase(name);
@@ -49,15 +49,15 @@ void enterState(Daemon& daemon, SessionState state) {
 
 void registerCore(Registry& registry) {
     auto names = std::make_shared<AppNames>();
-    registry.on("set_app_name", [names](const Request& request) { setAppName(*names, request); });
+    registry.on("set_app_name", [names](Request const& request) { setAppName(*names, request); });
     registry.onClientGone(
         [names](Daemon& daemon, ClientId client) { forgetAppName(*names, daemon, client); });
-    registry.on("request_current_state", [](const Request& request) {
+    registry.on("request_current_state", [](Request const& request) {
         request.answer("report_current_state", stateReport(request.daemon.world().state));
     });
     registry.on("request_version_data",
-                [](const Request& request) { request.answer("report_version_data", versionReport()); });
-    registry.on("exit", [](const Request& request) { request.daemon.stop(); });
+                [](Request const& request) { request.answer("report_version_data", versionReport()); });
+    registry.on("exit", [](Request const& request) { request.daemon.stop(); });
 }
 
 } // namespace kelvarissim

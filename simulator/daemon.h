@@ -28,9 +28,9 @@ public:
     virtual World& world() = 0;
 
     // To one client; nothing happens when it is gone, so timers may keep its id.
-    virtual void send(ClientId client, const std::string& report, const Json::Value& payload) = 0;
+    virtual void send(ClientId client, std::string const& report, Json::Value const& payload) = 0;
     // To every client.
-    virtual void broadcast(const std::string& report, const Json::Value& payload) = 0;
+    virtual void broadcast(std::string const& report, Json::Value const& payload) = 0;
 
     // Once, after the given time.
     virtual TimerId after(std::chrono::milliseconds delay, std::function<void()> action) = 0;
@@ -42,7 +42,7 @@ public:
     virtual std::chrono::milliseconds interval() const = 0;
 
     // One line in the log of --verbose.
-    virtual void log(const std::string& line) = 0;
+    virtual void log(std::string const& line) = 0;
     // Ends the daemon once the current handler has returned.
     virtual void stop() = 0;
 };

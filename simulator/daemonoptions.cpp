@@ -10,12 +10,12 @@ constexpr int longestMs = 3'600'000;
 constexpr unsigned mostRequests = std::numeric_limits<unsigned>::max();
 
 // "REQUEST=REASON"
-bool addLock(std::map<std::string, int>& locks, const std::string& word) {
-    const std::size_t equals = word.rfind('=');
+bool addLock(std::map<std::string, int>& locks, std::string const& word) {
+    std::size_t const equals = word.rfind('=');
     if (equals == std::string::npos || equals == 0) {
         return false;
     }
-    const auto reason = readNumber<int>(std::string_view(word).substr(equals + 1),
+    auto const reason = readNumber<int>(std::string_view(word).substr(equals + 1),
                                         std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
     if (reason) {
         locks[word.substr(0, equals)] = *reason;
@@ -36,7 +36,7 @@ void addDaemonOptions(OptionTable& options, Settings& settings) {
     options.number("--delay", "MS", "handles each request that much later, in order", 0, longestMs,
                    settings.delayMs);
     options.text("--lock", "REQUEST=REASON", "answers that request with a locked setting; repeatable",
-                 [&settings](const std::string& word) { return addLock(settings.locks, word); });
+                 [&settings](std::string const& word) { return addLock(settings.locks, word); });
     options.number("--drop-after", "N", "drops each link after N requests on it, set_app_name included", 1U,
                    mostRequests, settings.dropAfter);
     options.number("--close-frame-after", "N", "sends a WebSocket close frame after N requests instead", 1U,

@@ -13,9 +13,9 @@ struct DirectorySettings {
     bool enableEsni = false;
 };
 
-const DirectorySettings defaults{"directory.example.com", "", false};
+DirectorySettings const defaults{"directory.example.com", "", false};
 
-Json::Value settingsReport(const DirectorySettings& settings) {
+Json::Value settingsReport(DirectorySettings const& settings) {
     Json::Value report;
     report["domain"] = settings.domain;
     report["enableEsni"] = settings.enableEsni;
@@ -24,7 +24,7 @@ Json::Value settingsReport(const DirectorySettings& settings) {
 }
 
 // A request without a payload asks for the default.
-void setText(std::string& target, const Json::Value& value, const std::string& byDefault) {
+void setText(std::string& target, Json::Value const& value, std::string const& byDefault) {
     target = value.isNull() ? byDefault : value.asString();
 }
 
@@ -32,22 +32,22 @@ void setText(std::string& target, const Json::Value& value, const std::string& b
 
 void registerDirectorySettings(Registry& registry) {
     auto settings = std::make_shared<DirectorySettings>(defaults);
-    const auto onChange = [&registry, settings](const std::string& name, auto apply) {
-        registry.on(name, [settings, apply](const Request& request) {
+    auto const onChange = [&registry, settings](std::string const& name, auto apply) {
+        registry.on(name, [settings, apply](Request const& request) {
             apply(*settings, request.payload);
             request.daemon.broadcast("report_directory_settings", settingsReport(*settings));
         });
     };
-    onChange("set_directory_domain", [](DirectorySettings& target, const Json::Value& payload) {
+    onChange("set_directory_domain", [](DirectorySettings& target, Json::Value const& payload) {
         setText(target.domain, payload["domain"], defaults.domain);
     });
-    onChange("set_directory_gateway_uri", [](DirectorySettings& target, const Json::Value& payload) {
+    onChange("set_directory_gateway_uri", [](DirectorySettings& target, Json::Value const& payload) {
         setText(target.gatewayUri, payload["url"], defaults.gatewayUri);
     });
-    onChange("set_esni_enabled", [](DirectorySettings& target, const Json::Value& payload) {
+    onChange("set_esni_enabled", [](DirectorySettings& target, Json::Value const& payload) {
         target.enableEsni = payload["enableEsni"].asBool();
     });
-    registry.on("request_directory_url", [settings](const Request& request) {
+    registry.on("request_directory_url", [settings](Request const& request) {
         request.answer("report_directory_settings", settingsReport(*settings));
     });
 }

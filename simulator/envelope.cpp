@@ -11,7 +11,7 @@ namespace kelvarissim {
 
 namespace {
 
-constexpr const char* requestMark = "kelvaris_sdk";
+constexpr char const* requestMark = "kelvaris_sdk";
 
 std::unique_ptr<Json::CharReader> makeReader() {
     Json::CharReaderBuilder builder;
@@ -30,8 +30,8 @@ std::unique_ptr<Json::StreamWriter> makeWriter() {
 
 } // namespace
 
-Json::Value parseRequest(const std::string& text) {
-    static const std::unique_ptr<Json::CharReader> reader = makeReader();
+Json::Value parseRequest(std::string const& text) {
+    static std::unique_ptr<Json::CharReader> const reader = makeReader();
     Json::Value request;
     std::string errors;
     if (!reader->parse(text.data(), text.data() + text.size(), &request, &errors)) {
@@ -43,12 +43,12 @@ Json::Value parseRequest(const std::string& text) {
     return request;
 }
 
-std::string reportText(const std::string& name, const Json::Value& payload) {
+std::string reportText(std::string const& name, Json::Value const& payload) {
     return '[' + compactText(name) + ',' + compactText(payload) + ']';
 }
 
-std::string compactText(const Json::Value& value) {
-    static const std::unique_ptr<Json::StreamWriter> writer = makeWriter();
+std::string compactText(Json::Value const& value) {
+    static std::unique_ptr<Json::StreamWriter> const writer = makeWriter();
     std::ostringstream text;
     writer->write(value, &text);
     return std::move(text).str();

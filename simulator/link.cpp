@@ -10,10 +10,10 @@ namespace beast = boost::beast;
 namespace http = beast::http;
 namespace websocket = beast::websocket;
 
-constexpr const char* subprotocol = "event-protocol";
+constexpr char const* subprotocol = "event-protocol";
 constexpr std::chrono::seconds handshakeTime{30};
 
-bool isOrdinaryEnd(const beast::error_code& error) {
+bool isOrdinaryEnd(beast::error_code const& error) {
     namespace asio = boost::asio;
     return !error || error == asio::error::eof || error == asio::error::connection_reset ||
            error == asio::error::broken_pipe || error == asio::error::operation_aborted ||
@@ -74,7 +74,7 @@ void Link::read() {
             self->end(error);
             return;
         }
-        const Message message{beast::buffers_to_string(self->input.data()), self->stream.got_text(),
+        Message const message{beast::buffers_to_string(self->input.data()), self->stream.got_text(),
                               ++self->messagesRead};
         self->input.clear();
         if (self->owner.received(self, message)) {
@@ -83,7 +83,7 @@ void Link::read() {
     });
 }
 
-void Link::send(std::shared_ptr<const std::string> text) {
+void Link::send(std::shared_ptr<std::string const> text) {
     outgoing.push_back(std::move(text));
     if (outgoing.size() == 1) {
         write();
@@ -133,7 +133,7 @@ void Link::end(Error error) {
     Error ignored;
     beast::get_lowest_layer(stream).socket().shutdown(boost::asio::ip::tcp::socket::shutdown_both, ignored);
     beast::get_lowest_layer(stream).close();
-    const std::string reason = isOrdinaryEnd(error) ? "" : error.message();
+    std::string const reason = isOrdinaryEnd(error) ? "" : error.message();
     if (isOpen) {
         owner.ended(*this, reason);
     } else if (!reason.empty()) {

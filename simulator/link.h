@@ -21,13 +21,13 @@ struct Message {
 class LinkOwner {
 public:
     virtual ~LinkOwner() = default;
-    virtual void opened(const std::shared_ptr<Link>& link) = 0;
+    virtual void opened(std::shared_ptr<Link> const& link) = 0;
     // Returns false when nothing more is to be read from the link.
-    virtual bool received(const std::shared_ptr<Link>& link, const Message& message) = 0;
+    virtual bool received(std::shared_ptr<Link> const& link, Message const& message) = 0;
     // The reason is empty when the client just went away.
-    virtual void ended(const Link& link, const std::string& reason) = 0;
+    virtual void ended(Link const& link, std::string const& reason) = 0;
     // A peer that never became a client.
-    virtual void refused(const std::string& reason) = 0;
+    virtual void refused(std::string const& reason) = 0;
 };
 
 // The TCP connection and WebSocket of one client, from the accept to the end. Its pending operations keep it
@@ -44,7 +44,7 @@ public:
     bool takesReports() const {
         return ending == Ending::none && !hasEnded;
     }
-    void send(std::shared_ptr<const std::string> text);
+    void send(std::shared_ptr<std::string const> text);
     // Both first send what is queued. A drop ends the connection without a close frame; after a close frame
     // the connection stays until the client ends it.
     void drop() {
@@ -69,9 +69,9 @@ private:
     boost::beast::websocket::stream<boost::beast::tcp_stream> stream;
     boost::beast::flat_buffer input;
     boost::beast::http::request<boost::beast::http::string_body> upgrade;
-    const ClientId clientNumber;
+    ClientId const clientNumber;
     LinkOwner& owner;
-    std::deque<std::shared_ptr<const std::string>> outgoing; // the front is being written
+    std::deque<std::shared_ptr<std::string const>> outgoing; // the front is being written
     unsigned messagesRead = 0;
     Ending ending = Ending::none;
     bool isOpen = false;

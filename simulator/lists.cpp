@@ -10,32 +10,32 @@ namespace {
 
 // A family whose settings are four lists and a few more keys; the settings are what its report holds.
 struct ListFamily {
-    ListFamily(const std::string& word, Json::Value otherSettings)
+    ListFamily(std::string const& word, Json::Value otherSettings)
         : requestPrefix("set_" + word + '_'),
           readRequest("request_" + word + "_settings"),
           report("report_" + word + "_settings"),
           settings(std::move(otherSettings)) {
-        for (const char* kind : kinds) {
+        for (char const* kind : kinds) {
             settings[kind] = Json::Value(Json::arrayValue);
         }
     }
 
-    static constexpr const char* kinds[] = {"domains", "ipv4", "ipv6", "ports"};
-    const std::string requestPrefix;
-    const std::string readRequest;
-    const std::string report;
+    static constexpr char const* kinds[] = {"domains", "ipv4", "ipv6", "ports"};
+    std::string const requestPrefix;
+    std::string const readRequest;
+    std::string const report;
     Json::Value settings;
 };
 
 using SharedFamily = std::shared_ptr<ListFamily>;
 
-void tellEveryone(const ListFamily& family, const Request& request) {
+void tellEveryone(ListFamily const& family, Request const& request) {
     request.daemon.broadcast(family.report, family.settings);
 }
 
 // The client checks neither domains nor addresses, and nor does the daemon.
-void setList(ListFamily& family, const std::string& kind, const Request& request) {
-    const Json::Value& list = request.payload[kind];
+void setList(ListFamily& family, std::string const& kind, Request const& request) {
+    Json::Value const& list = request.payload[kind];
     if (!list.isArray()) {
         throw std::runtime_error("no list of " + kind);
     }
@@ -43,7 +43,7 @@ void setList(ListFamily& family, const std::string& kind, const Request& request
     tellEveryone(family, request);
 }
 
-void switchService(ListFamily& proxy, const Request& request) {
+void switchService(ListFamily& proxy, Request const& request) {
     for (Json::Value& service : proxy.settings["domain_watchlist"]) {
         if (service["title"] == request.payload["title"]) {
             service["enabled"] = request.payload["enabled"].asBool();
@@ -53,18 +53,18 @@ void switchService(ListFamily& proxy, const Request& request) {
 }
 
 // The requests that all three have: the read, and one for each list.
-SharedFamily registerLists(Registry& registry, const std::string& word, Json::Value otherSettings) {
+SharedFamily registerLists(Registry& registry, std::string const& word, Json::Value otherSettings) {
     auto family = std::make_shared<ListFamily>(word, std::move(otherSettings));
     registry.on(family->readRequest,
-                [family](const Request& request) { request.answer(family->report, family->settings); });
-    for (const std::string kind : ListFamily::kinds) {
+                [family](Request const& request) { request.answer(family->report, family->settings); });
+    for (std::string const kind : ListFamily::kinds) {
         registry.on(family->requestPrefix + kind,
-                    [family, kind](const Request& request) { setList(*family, kind, request); });
+                    [family, kind](Request const& request) { setList(*family, kind, request); });
     }
     return family;
 }
 
-Json::Value service(const std::string& title, bool enabled, const std::string& domain) {
+Json::Value service(std::string const& title, bool enabled, std::string const& domain) {
     Json::Value service;
     service["title"] = title;
     service["enabled"] = enabled;
@@ -87,21 +87,21 @@ Json::Value proxySettings() {
 void registerFirewall(Registry& registry) {
     Json::Value settings;
     settings["mode"] = "off";
-    const SharedFamily firewall = registerLists(registry, "firewall", settings);
-    registry.on("set_firewall_mode", [firewall](const Request& request) {
+    SharedFamily const firewall = registerLists(registry, "firewall", settings);
+    registry.on("set_firewall_mode", [firewall](Request const& request) {
         firewall->settings["mode"] = request.payload["mode"].asString();
         tellEveryone(*firewall, request);
     });
 }
 
 void registerLocalProxy(Registry& registry) {
-    const SharedFamily proxy = registerLists(registry, "localproxy", proxySettings());
-    registry.on("set_localproxy_enabled", [proxy](const Request& request) {
+    SharedFamily const proxy = registerLists(registry, "localproxy", proxySettings());
+    registry.on("set_localproxy_enabled", [proxy](Request const& request) {
         proxy->settings["enabled"] = request.payload["enabled"].asBool();
         tellEveryone(*proxy, request);
     });
     registry.on("set_localproxy_domainwatchlist_enable",
-                [proxy](const Request& request) { switchService(*proxy, request); });
+                [proxy](Request const& request) { switchService(*proxy, request); });
     registry.alsoLockedBy("set_localproxy_ports", "set_firewall_ports");
 }
 

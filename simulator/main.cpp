@@ -20,19 +20,19 @@ void registerFamilies(Registry& registry) {
     registerSafeBrowsing(registry);
 }
 
-int run(const std::vector<std::string>& words) {
+int run(std::vector<std::string> const& words) {
     OptionTable options;
     Settings settings;
     addDaemonOptions(options, settings);
     Registry registry(options);
     registerFamilies(registry);
-    const OptionTable::Outcome outcome = options.parse(words, std::cout, std::cerr);
+    OptionTable::Outcome const outcome = options.parse(words, std::cout, std::cerr);
     if (outcome != OptionTable::Outcome::run) {
         return outcome == OptionTable::Outcome::helpShown ? 0 : 2;
     }
 
     Server server(registry, settings);
-    const std::uint16_t port = server.listen();
+    std::uint16_t const port = server.listen();
     std::cout << "kelvarissim: listening on 127.0.0.1:" << port << std::endl;
     server.run();
     return 0;
@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return kelvarissim::run({argv + 1, argv + argc});
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         std::cerr << "kelvarissim: " << error.what() << '\n';
         return 1;
     }

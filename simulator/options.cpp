@@ -8,26 +8,26 @@
 
 namespace kelvarissim {
 
-void OptionTable::flag(const std::string& name, const std::string& help, bool& target) {
-    text(name, "", help, [&target](const std::string&) { return target = true; });
+void OptionTable::flag(std::string const& name, std::string const& help, bool& target) {
+    text(name, "", help, [&target](std::string const&) { return target = true; });
 }
 
 void OptionTable::text(std::string name, std::string valueName, std::string help,
-                       std::function<bool(const std::string&)> apply) {
+                       std::function<bool(std::string const&)> apply) {
     if (find(name) != nullptr) {
         throw std::logic_error("option " + name + " stands twice");
     }
     rows.push_back({std::move(name), std::move(valueName), std::move(help), std::move(apply)});
 }
 
-OptionTable::Outcome OptionTable::parse(const std::vector<std::string>& words, std::ostream& out,
+OptionTable::Outcome OptionTable::parse(std::vector<std::string> const& words, std::ostream& out,
                                         std::ostream& err) const {
     for (auto word = words.begin(); word != words.end(); ++word) {
         if (*word == "--help") {
             showHelp(out);
             return Outcome::helpShown;
         }
-        const Row* row = find(*word);
+        Row const* row = find(*word);
         if (row == nullptr) {
             err << "kelvarissim: unknown option \"" << *word << "\", see --help\n";
             return Outcome::refused;
@@ -48,9 +48,9 @@ OptionTable::Outcome OptionTable::parse(const std::vector<std::string>& words, s
     return Outcome::run;
 }
 
-const OptionTable::Row* OptionTable::find(const std::string& name) const {
-    const auto row =
-        std::find_if(rows.begin(), rows.end(), [&](const Row& each) { return each.name == name; });
+OptionTable::Row const* OptionTable::find(std::string const& name) const {
+    auto const row =
+        std::find_if(rows.begin(), rows.end(), [&](Row const& each) { return each.name == name; });
     return row == rows.end() ? nullptr : &*row;
 }
 
@@ -60,8 +60,8 @@ void OptionTable::showHelp(std::ostream& out) const {
            "A simulated daemon on 127.0.0.1 that keeps its world in memory. It ends on the request \"exit\", "
            "on\n"
            "SIGINT and on SIGTERM; its links then end without a WebSocket close frame.\n\n";
-    for (const Row& row : rows) {
-        const std::string form = row.valueName.empty() ? row.name : row.name + ' ' + row.valueName;
+    for (Row const& row : rows) {
+        std::string const form = row.valueName.empty() ? row.name : row.name + ' ' + row.valueName;
         out << "  " << std::left << std::setw(nameWidth) << form << row.help << '\n';
     }
     out << "  " << std::setw(nameWidth) << "--help"

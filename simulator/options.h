@@ -13,8 +13,8 @@ namespace kelvarissim {
 
 template <typename T> std::optional<T> readNumber(std::string_view text, T min, T max) {
     T value{};
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    char const* end = text.data() + text.size();
+    auto const [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc{} || stop != end || value < min || value > max) {
         return std::nullopt;
     }
@@ -28,14 +28,14 @@ public:
     enum class Outcome { run, helpShown, refused };
 
     // A word without a value: sets the target.
-    void flag(const std::string& name, const std::string& help, bool& target);
+    void flag(std::string const& name, std::string const& help, bool& target);
 
     // A decimal number from min to max. The target is a T or an optional of it.
     template <typename T, typename Target>
-    void number(const std::string& name, const std::string& valueName, const std::string& help, T min, T max,
+    void number(std::string const& name, std::string const& valueName, std::string const& help, T min, T max,
                 Target& target) {
-        text(name, valueName, help, [min, max, &target](const std::string& word) {
-            const std::optional<T> value = readNumber<T>(word, min, max);
+        text(name, valueName, help, [min, max, &target](std::string const& word) {
+            std::optional<T> const value = readNumber<T>(word, min, max);
             if (value) {
                 target = *value;
             }
@@ -46,19 +46,19 @@ public:
     // Any other value: apply() judges and stores it, and returns false to refuse it. Runs once for each time
     // the option is given.
     void text(std::string name, std::string valueName, std::string help,
-              std::function<bool(const std::string&)> apply);
+              std::function<bool(std::string const&)> apply);
 
-    Outcome parse(const std::vector<std::string>& words, std::ostream& out, std::ostream& err) const;
+    Outcome parse(std::vector<std::string> const& words, std::ostream& out, std::ostream& err) const;
 
 private:
     struct Row {
         std::string name;
         std::string valueName; // empty: the option takes no value
         std::string help;
-        std::function<bool(const std::string&)> apply;
+        std::function<bool(std::string const&)> apply;
     };
 
-    const Row* find(const std::string& name) const;
+    Row const* find(std::string const& name) const;
     void showHelp(std::ostream& out) const;
 
     std::vector<Row> rows;

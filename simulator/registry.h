@@ -22,7 +22,7 @@ namespace kelvarissim {
 //            std::set<ClientId> listeners;
 //        };
 //
-//        void setVolume(Radio& radio, const Request& request) {
+//        void setVolume(Radio& radio, Request const& request) {
 //            radio.volume = request.payload["volume"].asInt();
 //            request.answer("report_volume", radio.volume); // or request.daemon.broadcast(), to all clients
 //        }
@@ -34,7 +34,7 @@ namespace kelvarissim {
 //            return radio.isReporting = !radio.listeners.empty();
 //        }
 //
-//        void listen(const std::shared_ptr<Radio>& radio, const Request& request) {
+//        void listen(std::shared_ptr<Radio> const& radio, Request const& request) {
 //            Daemon& daemon = request.daemon;
 //            radio->listeners.insert(request.client);
 //            if (!radio->isReporting) {
@@ -46,8 +46,8 @@ namespace kelvarissim {
 //        void registerRadio(Registry& registry) {
 //            auto radio = std::make_shared<Radio>();
 //            registry.options.number("--volume", "N", "starts with this volume (5)", 0, 10, radio->volume);
-//            registry.on("set_volume", [radio](const Request& request) { setVolume(*radio, request); });
-//            registry.on("listen", [radio](const Request& request) { listen(radio, request); });
+//            registry.on("set_volume", [radio](Request const& request) { setVolume(*radio, request); });
+//            registry.on("listen", [radio](Request const& request) { listen(radio, request); });
 //            registry.onClientGone([radio](Daemon&, ClientId client) { radio->listeners.erase(client); });
 //        }
 //
@@ -61,15 +61,15 @@ namespace kelvarissim {
 struct Request {
     Daemon& daemon;
     ClientId client;
-    const Json::Value& payload; // null when the request has none; gone when the handler has returned
+    Json::Value const& payload; // null when the request has none; gone when the handler has returned
 
     // To the client that asks.
-    void answer(const std::string& report, const Json::Value& reportPayload) const {
+    void answer(std::string const& report, Json::Value const& reportPayload) const {
         daemon.send(client, report, reportPayload);
     }
 };
 
-using Handler = std::function<void(const Request&)>;
+using Handler = std::function<void(Request const&)>;
 using ClientGoneHook = std::function<void(Daemon&, ClientId)>;
 
 class Registry {
@@ -79,22 +79,22 @@ public:
     OptionTable& options;
 
     // Each request name has one handler.
-    void on(const std::string& requestName, Handler handler);
+    void on(std::string const& requestName, Handler handler);
     // Runs for each client whose link has ended, for whatever reason.
     void onClientGone(ClientGoneHook hook) {
         goneHooks.push_back(std::move(hook));
     }
 
     // The request is locked with that setting too, and then answered under that setting's name.
-    void alsoLockedBy(const std::string& requestName, const std::string& settingName) {
+    void alsoLockedBy(std::string const& requestName, std::string const& settingName) {
         foreignLocks[requestName] = settingName;
     }
 
     // The other setting that locks the request; empty when there is none.
-    std::string foreignLock(const std::string& requestName) const;
+    std::string foreignLock(std::string const& requestName) const;
     // Null when no family knows the request.
-    const Handler* find(const std::string& requestName) const;
-    const std::vector<ClientGoneHook>& clientGoneHooks() const {
+    Handler const* find(std::string const& requestName) const;
+    std::vector<ClientGoneHook> const& clientGoneHooks() const {
         return goneHooks;
     }
 

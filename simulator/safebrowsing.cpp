@@ -12,7 +12,7 @@ namespace kelvarissim {
 
 namespace {
 
-constexpr const char* settingsReport = "report_safe_browsing_settings";
+constexpr char const* settingsReport = "report_safe_browsing_settings";
 
 struct SafeBrowsing {
     bool isInitialized = false;
@@ -36,7 +36,7 @@ struct SafeBrowsing {
     unsigned packets = 0;
 };
 
-Json::Value settings(const SafeBrowsing& filter) {
+Json::Value settings(SafeBrowsing const& filter) {
     Json::Value report;
     report["initialized"] = filter.isInitialized;
     report["config_set"] = filter.isConfigSet;
@@ -46,8 +46,8 @@ Json::Value settings(const SafeBrowsing& filter) {
     return report;
 }
 
-Json::Value stats(const SafeBrowsing& filter) {
-    const unsigned lookups = std::max(filter.lookups, 1U);
+Json::Value stats(SafeBrowsing const& filter) {
+    unsigned const lookups = std::max(filter.lookups, 1U);
     Json::Value report;
     report["min"] = filter.shortestMs;
     report["max"] = filter.longestMs;
@@ -75,7 +75,7 @@ void browse(SafeBrowsing& filter, Daemon& daemon) {
     constexpr std::array unknown{"slow.example", "nowhere.example"};
     constexpr unsigned pages = 5;
     constexpr unsigned timeoutMs = 400;
-    const unsigned round = filter.rounds++;
+    unsigned const round = filter.rounds++;
 
     for (unsigned page = 0; page < pages; ++page) {
         countLookup(filter, 12 + (round * pages + page) * 7 % 50);
@@ -99,12 +99,12 @@ void browse(SafeBrowsing& filter, Daemon& daemon) {
     daemon.broadcast("report_safe_browsing_lookup_error", error);
 }
 
-void reportSettings(const SafeBrowsing& filter, const Request& request) {
+void reportSettings(SafeBrowsing const& filter, Request const& request) {
     request.daemon.broadcast(settingsReport, settings(filter));
 }
 
 // Whether the service can be reached; if not, the client is told so.
-bool reachService(const SafeBrowsing& filter, const Request& request) {
+bool reachService(SafeBrowsing const& filter, Request const& request) {
     if (filter.connectError) {
         Json::Value report;
         report["error"] = *filter.connectError;
@@ -115,8 +115,8 @@ bool reachService(const SafeBrowsing& filter, const Request& request) {
 }
 
 // An empty configuration ends the service, which needs nobody's consent.
-void initialize(SafeBrowsing& filter, const Request& request) {
-    const bool starts = !request.payload["config"].asString().empty();
+void initialize(SafeBrowsing& filter, Request const& request) {
+    bool const starts = !request.payload["config"].asString().empty();
     if (starts && !reachService(filter, request)) {
         return;
     }
@@ -125,23 +125,23 @@ void initialize(SafeBrowsing& filter, const Request& request) {
     reportSettings(filter, request);
 }
 
-void setConfig(SafeBrowsing& filter, const Request& request) {
+void setConfig(SafeBrowsing& filter, Request const& request) {
     filter.isConfigSet = !request.payload["config"].asString().empty();
     reportSettings(filter, request);
 }
 
 // A token, a home network or extra information: the service takes each of them as a start, so that the
 // settings that follow are initialized.
-void contactService(SafeBrowsing& filter, const Request& request) {
+void contactService(SafeBrowsing& filter, Request const& request) {
     if (reachService(filter, request)) {
         filter.isInitialized = true;
         reportSettings(filter, request);
     }
 }
 
-void enable(const std::shared_ptr<SafeBrowsing>& filter, const Request& request) {
+void enable(std::shared_ptr<SafeBrowsing> const& filter, Request const& request) {
     Daemon& daemon = request.daemon;
-    const bool enabled = request.payload["enable"].asBool();
+    bool const enabled = request.payload["enable"].asBool();
     if (enabled && !filter->isEnabled) {
         filter->traffic = daemon.every(daemon.interval(), [filter, &daemon] {
             browse(*filter, daemon);
@@ -154,8 +154,8 @@ void enable(const std::shared_ptr<SafeBrowsing>& filter, const Request& request)
     reportSettings(*filter, request);
 }
 
-void setText(std::string SafeBrowsing::*setting, const char* key, SafeBrowsing& filter,
-             const Request& request) {
+void setText(std::string SafeBrowsing::*setting, char const* key, SafeBrowsing& filter,
+             Request const& request) {
     filter.*setting = request.payload[key].asString();
     reportSettings(filter, request);
 }
@@ -169,25 +169,25 @@ void registerSafeBrowsing(Registry& registry) {
         std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), filter->connectError);
 
     registry.on("initialize_safe_browsing",
-                [filter](const Request& request) { initialize(*filter, request); });
+                [filter](Request const& request) { initialize(*filter, request); });
     registry.on("set_safe_browsing_config",
-                [filter](const Request& request) { setConfig(*filter, request); });
-    registry.on("enable_safe_browsing", [filter](const Request& request) { enable(filter, request); });
-    registry.on("set_safe_browsing_log_level", [filter](const Request& request) {
+                [filter](Request const& request) { setConfig(*filter, request); });
+    registry.on("enable_safe_browsing", [filter](Request const& request) { enable(filter, request); });
+    registry.on("set_safe_browsing_log_level", [filter](Request const& request) {
         setText(&SafeBrowsing::logLevel, "log_level", *filter, request);
     });
-    registry.on("set_safe_browsing_safe_network_override", [filter](const Request& request) {
+    registry.on("set_safe_browsing_safe_network_override", [filter](Request const& request) {
         setText(&SafeBrowsing::networkOverride, "network_override", *filter, request);
     });
-    for (const char* request : {"safe_browsing_token_refresh", "safe_browsing_report_home_network",
+    for (char const* request : {"safe_browsing_token_refresh", "safe_browsing_report_home_network",
                                 "set_safe_browsing_extra_info"}) {
-        registry.on(request, [filter](const Request& each) { contactService(*filter, each); });
+        registry.on(request, [filter](Request const& each) { contactService(*filter, each); });
     }
     registry.alsoLockedBy("set_safe_browsing_config", "initialize_safe_browsing");
     registry.alsoLockedBy("safe_browsing_report_home_network", "safe_browsing_token_refresh");
     registry.on("request_safe_browsing_settings",
-                [filter](const Request& request) { request.answer(settingsReport, settings(*filter)); });
-    registry.on("request_safe_browsing_stats", [filter](const Request& request) {
+                [filter](Request const& request) { request.answer(settingsReport, settings(*filter)); });
+    registry.on("request_safe_browsing_stats", [filter](Request const& request) {
         request.answer("report_safe_browsing_stats", stats(*filter));
     });
 }

@@ -15,12 +15,12 @@ using asio::ip::tcp;
 
 constexpr std::chrono::milliseconds acceptPause{100};
 
-void note(const std::string& text) {
+void note(std::string const& text) {
     std::cerr << "kelvarissim: " + text + '\n';
 }
 
 // The start of a message for the log, on one line of ASCII whatever bytes it holds.
-std::string excerpt(const std::string& message) {
+std::string excerpt(std::string const& message) {
     constexpr std::size_t longest = 200;
     std::string start = message.substr(0, longest);
     std::replace_if(
@@ -29,11 +29,11 @@ std::string excerpt(const std::string& message) {
 }
 
 // Families read payloads without testing types: what doesn't convert throws, and ends here.
-template <typename Action> bool guarded(const std::string& what, Action action) {
+template <typename Action> bool guarded(std::string const& what, Action action) {
     try {
         action();
         return true;
-    } catch (const std::exception& error) {
+    } catch (std::exception const& error) {
         note(what + ": " + error.what());
         return false;
     }
@@ -41,14 +41,14 @@ template <typename Action> bool guarded(const std::string& what, Action action) 
 
 } // namespace
 
-Server::Server(const Registry& families, const Settings& commandLine)
+Server::Server(Registry const& families, Settings const& commandLine)
     : registry(families), settings(commandLine) {}
 
 std::uint16_t Server::listen() {
     // Caught from here on: whoever has read the port may send one at once.
     signals.add(SIGINT);
     signals.add(SIGTERM);
-    const tcp::endpoint endpoint(asio::ip::address_v4::loopback(), settings.port);
+    tcp::endpoint const endpoint(asio::ip::address_v4::loopback(), settings.port);
     acceptor.open(endpoint.protocol());
     acceptor.set_option(tcp::acceptor::reuse_address(true));
     acceptor.bind(endpoint);
@@ -57,7 +57,7 @@ std::uint16_t Server::listen() {
 }
 
 void Server::run() {
-    signals.async_wait([this](const boost::system::error_code& error, int) {
+    signals.async_wait([this](boost::system::error_code const& error, int) {
         if (!error) {
             stop();
         }
@@ -67,7 +67,7 @@ void Server::run() {
 }
 
 void Server::accept() {
-    acceptor.async_accept([this](const boost::system::error_code& error, tcp::socket socket) {
+    acceptor.async_accept([this](boost::system::error_code const& error, tcp::socket socket) {
         if (error) {
             // Out of descriptors, as a rule: some may be free a little later.
             note("accept: " + error.message());
@@ -79,31 +79,31 @@ void Server::accept() {
     });
 }
 
-void Server::opened(const std::shared_ptr<Link>& link) {
+void Server::opened(std::shared_ptr<Link> const& link) {
     links.emplace(link->id(), link);
     log(clientText(link->id()) + " connected");
 }
 
-void Server::ended(const Link& link, const std::string& reason) {
-    const ClientId client = link.id();
+void Server::ended(Link const& link, std::string const& reason) {
+    ClientId const client = link.id();
     links.erase(client);
     if (reason.empty()) {
         log(clientText(client) + " gone");
     } else {
         note(clientText(client) + " gone: " + reason);
     }
-    for (const ClientGoneHook& hook : registry.clientGoneHooks()) {
+    for (ClientGoneHook const& hook : registry.clientGoneHooks()) {
         guarded(clientText(client) + " gone", [&] { hook(*this, client); });
     }
 }
 
-void Server::refused(const std::string& reason) {
+void Server::refused(std::string const& reason) {
     note("refused a connection: " + reason);
 }
 
-bool Server::received(const std::shared_ptr<Link>& link, const Message& message) {
+bool Server::received(std::shared_ptr<Link> const& link, Message const& message) {
     Json::Value request;
-    const bool good = guarded("bad request '" + excerpt(message.text) + '\'', [&] {
+    bool const good = guarded("bad request '" + excerpt(message.text) + '\'', [&] {
         if (!message.isText) {
             throw std::runtime_error("not a text frame");
         }
@@ -112,8 +112,8 @@ bool Server::received(const std::shared_ptr<Link>& link, const Message& message)
             std::cerr << "<- " + compactText(request) + '\n';
         }
     });
-    const bool drops = message.number == settings.dropAfter;
-    const bool closes = message.number == settings.closeFrameAfter;
+    bool const drops = message.number == settings.dropAfter;
+    bool const closes = message.number == settings.closeFrameAfter;
 
     auto action = [this, link, good, request = std::move(request), drops, closes] {
         if (good) {
@@ -136,13 +136,13 @@ bool Server::received(const std::shared_ptr<Link>& link, const Message& message)
 }
 
 void Server::runDelayed() {
-    const std::function<void()> action = std::move(delayed.front());
+    std::function<void()> const action = std::move(delayed.front());
     delayed.pop_front();
     action();
 }
 
-void Server::handle(ClientId client, const Json::Value& request) {
-    const std::string name = request[0].asString();
+void Server::handle(ClientId client, Json::Value const& request) {
+    std::string const name = request[0].asString();
     auto lock = settings.locks.find(name);
     if (lock == settings.locks.end()) {
         lock = settings.locks.find(registry.foreignLock(name));
@@ -154,7 +154,7 @@ void Server::handle(ClientId client, const Json::Value& request) {
         send(client, "report_setting_locked", payload);
         return;
     }
-    const Handler* handler = registry.find(name);
+    Handler const* handler = registry.find(name);
     if (handler == nullptr) {
         log("unknown request '" + excerpt(name) + '\'');
         return;
@@ -162,21 +162,21 @@ void Server::handle(ClientId client, const Json::Value& request) {
     guarded("request " + name, [&] { (*handler)(Request{*this, client, request[1]}); });
 }
 
-void Server::send(ClientId client, const std::string& report, const Json::Value& payload) {
-    const auto link = links.find(client);
+void Server::send(ClientId client, std::string const& report, Json::Value const& payload) {
+    auto const link = links.find(client);
     if (link != links.end()) {
-        sendText(*link->second, std::make_shared<const std::string>(reportText(report, payload)));
+        sendText(*link->second, std::make_shared<std::string const>(reportText(report, payload)));
     }
 }
 
-void Server::broadcast(const std::string& report, const Json::Value& payload) {
-    const auto text = std::make_shared<const std::string>(reportText(report, payload));
-    for (const auto& [client, link] : links) {
+void Server::broadcast(std::string const& report, Json::Value const& payload) {
+    auto const text = std::make_shared<std::string const>(reportText(report, payload));
+    for (auto const& [client, link] : links) {
         sendText(*link, text);
     }
 }
 
-void Server::sendText(Link& link, const std::shared_ptr<const std::string>& text) {
+void Server::sendText(Link& link, std::shared_ptr<std::string const> const& text) {
     if (settings.silent || !link.takesReports()) {
         return;
     }
@@ -194,7 +194,7 @@ TimerId Server::after(std::chrono::milliseconds delay, std::function<void()> act
 }
 
 TimerId Server::every(std::chrono::milliseconds period, std::function<bool()> action) {
-    const TimerId id = ++lastTimer;
+    TimerId const id = ++lastTimer;
     timers.emplace(id, std::make_shared<Timer>(Timer{asio::steady_timer(io), period, std::move(action)}));
     arm(id);
     return id;
@@ -203,13 +203,13 @@ TimerId Server::every(std::chrono::milliseconds period, std::function<bool()> ac
 void Server::arm(TimerId id) {
     Timer& timer = *timers.at(id);
     timer.clock.expires_after(timer.period);
-    timer.clock.async_wait([this, id](const boost::system::error_code&) {
-        const auto found = timers.find(id);
+    timer.clock.async_wait([this, id](boost::system::error_code const&) {
+        auto const found = timers.find(id);
         if (found == timers.end()) {
             return; // cancelled
         }
         // The action may cancel its own timer, so it holds on to itself while it runs.
-        const std::shared_ptr<Timer> running = found->second;
+        std::shared_ptr<Timer> const running = found->second;
         bool again = false;
         guarded("timer", [&] { again = running->action(); });
         if (!again) {
@@ -224,7 +224,7 @@ std::chrono::milliseconds Server::interval() const {
     return std::chrono::milliseconds(settings.intervalMs);
 }
 
-void Server::log(const std::string& line) {
+void Server::log(std::string const& line) {
     if (settings.verbose) {
         note(line);
     }

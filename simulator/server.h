@@ -15,7 +15,7 @@ namespace kelvarissim {
 // received() -> the delay -> handle() -> its family's handler.
 class Server final : public Daemon, public LinkOwner {
 public:
-    Server(const Registry& families, const Settings& commandLine);
+    Server(Registry const& families, Settings const& commandLine);
 
     // Throws boost::system::system_error when the port can't be had. Returns the port.
     std::uint16_t listen();
@@ -25,15 +25,15 @@ public:
     World& world() override {
         return sharedWorld;
     }
-    void send(ClientId client, const std::string& report, const Json::Value& payload) override;
-    void broadcast(const std::string& report, const Json::Value& payload) override;
+    void send(ClientId client, std::string const& report, Json::Value const& payload) override;
+    void broadcast(std::string const& report, Json::Value const& payload) override;
     TimerId after(std::chrono::milliseconds delay, std::function<void()> action) override;
     TimerId every(std::chrono::milliseconds period, std::function<bool()> action) override;
     void cancel(TimerId timer) override {
         timers.erase(timer);
     }
     std::chrono::milliseconds interval() const override;
-    void log(const std::string& line) override;
+    void log(std::string const& line) override;
     void stop() override {
         io.stop();
     }
@@ -45,19 +45,19 @@ private:
         std::function<bool()> action;
     };
 
-    void opened(const std::shared_ptr<Link>& link) override;
-    bool received(const std::shared_ptr<Link>& link, const Message& message) override;
-    void ended(const Link& link, const std::string& reason) override;
-    void refused(const std::string& reason) override;
+    void opened(std::shared_ptr<Link> const& link) override;
+    bool received(std::shared_ptr<Link> const& link, Message const& message) override;
+    void ended(Link const& link, std::string const& reason) override;
+    void refused(std::string const& reason) override;
 
     void accept();
-    void handle(ClientId client, const Json::Value& request);
-    void sendText(Link& link, const std::shared_ptr<const std::string>& text);
+    void handle(ClientId client, Json::Value const& request);
+    void sendText(Link& link, std::shared_ptr<std::string const> const& text);
     void arm(TimerId id);
     void runDelayed();
 
-    const Registry& registry;
-    const Settings& settings;
+    Registry const& registry;
+    Settings const& settings;
     World sharedWorld;
     boost::asio::io_context io{1};
     boost::asio::signal_set signals{io};

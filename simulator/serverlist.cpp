@@ -8,8 +8,8 @@ namespace kelvarissim {
 namespace {
 
 struct Location {
-    const char* country;
-    const char* city;
+    char const* country;
+    char const* city;
     int count;
     int privateCount;
     bool permitsTorrents;
@@ -48,9 +48,9 @@ constexpr Location locations[] = {
 
 std::vector<ListedServer> makeServers() {
     std::vector<ListedServer> list;
-    for (const Location& location : locations) {
-        const std::string country = location.country;
-        const auto add = [&](int num, bool isPrivate) {
+    for (Location const& location : locations) {
+        std::string const country = location.country;
+        auto const add = [&](int num, bool isPrivate) {
             list.push_back({isPrivate ? "private" + country : country, location.city, num, isPrivate,
                             location.permitsTorrents && !isPrivate, static_cast<int>(list.size()) + 1});
         };
@@ -64,7 +64,7 @@ std::vector<ListedServer> makeServers() {
     return list;
 }
 
-Json::Value serverReport(const ListedServer& server) {
+Json::Value serverReport(ListedServer const& server) {
     Json::Value report;
     report["country"] = server.country;
     report["city"] = server.city;
@@ -75,11 +75,11 @@ Json::Value serverReport(const ListedServer& server) {
 }
 
 template <typename Matches> std::optional<ListedServer> firstOf(Matches matches) {
-    const auto server = std::find_if(servers().begin(), servers().end(), matches);
+    auto const server = std::find_if(servers().begin(), servers().end(), matches);
     return server == servers().end() ? std::nullopt : std::optional(*server);
 }
 
-std::optional<ListedServer> findPlace(const std::string& text) {
+std::optional<ListedServer> findPlace(std::string const& text) {
     std::istringstream pieces(text);
     std::string country;
     std::string city;
@@ -87,7 +87,7 @@ std::optional<ListedServer> findPlace(const std::string& text) {
     std::getline(pieces, country, '|');
     std::getline(pieces, city, '|');
     std::getline(pieces, num);
-    return firstOf([&](const ListedServer& server) {
+    return firstOf([&](ListedServer const& server) {
         return server.country == country && (city.empty() || server.city == city) &&
                (num.empty() || std::to_string(server.num) == num);
     });
@@ -95,8 +95,8 @@ std::optional<ListedServer> findPlace(const std::string& text) {
 
 } // namespace
 
-const std::vector<ListedServer>& servers() {
-    static const std::vector<ListedServer> list = makeServers();
+std::vector<ListedServer> const& servers() {
+    static std::vector<ListedServer> const list = makeServers();
     return list;
 }
 
@@ -104,29 +104,29 @@ ListedServer proxyServer() {
     return {"proxy", "", 0, false, false, 0};
 }
 
-std::optional<ListedServer> findServer(const std::string& text) {
+std::optional<ListedServer> findServer(std::string const& text) {
     if (text == "user" || text == "userpublic") {
-        return firstOf([](const ListedServer& server) { return !server.isPrivate; });
+        return firstOf([](ListedServer const& server) { return !server.isPrivate; });
     }
     if (text == "userprivate") {
-        return firstOf([](const ListedServer& server) { return server.isPrivate; });
+        return firstOf([](ListedServer const& server) { return server.isPrivate; });
     }
     if (text == "p2p") {
-        return firstOf([](const ListedServer& server) { return server.permitsTorrents; });
+        return firstOf([](ListedServer const& server) { return server.permitsTorrents; });
     }
     return text == "proxy" ? proxyServer() : findPlace(text);
 }
 
 Json::Value directoryReport() {
     Json::Value report(Json::arrayValue);
-    for (const ListedServer& server : servers()) {
+    for (ListedServer const& server : servers()) {
         report.append(serverReport(server));
     }
     return report;
 }
 
 // The addresses are from the blocks for documentation.
-Json::Value connectedServerReport(const ListedServer& server) {
+Json::Value connectedServerReport(ListedServer const& server) {
     Json::Value report = serverReport(server);
     report["publicIP"].append("203.0.113." + std::to_string(100 + server.place));
     report["publicIP"].append("2001:db8::" + std::to_string(100 + server.place));

@@ -17,16 +17,16 @@ struct ListedServer {
 };
 
 // The closest one first.
-const std::vector<ListedServer>& servers();
+std::vector<ListedServer> const& servers();
 
 // What connects through the proxy; it is no server of the list.
 ListedServer proxyServer();
 
 // The first server that a text names: "user", "userpublic", "userprivate", "p2p", "proxy", or
 // "country[|city[|num]]". An empty city is any.
-std::optional<ListedServer> findServer(const std::string& text);
+std::optional<ListedServer> findServer(std::string const& text);
 
 Json::Value directoryReport();
-Json::Value connectedServerReport(const ListedServer& server);
+Json::Value connectedServerReport(ListedServer const& server);
 
 } // namespace kelvarissim

@@ -31,7 +31,7 @@ struct Session {
 
 using SessionPtr = std::shared_ptr<Session>;
 
-Json::Value errorReport(int type, const std::string& message) {
+Json::Value errorReport(int type, std::string const& message) {
     Json::Value report;
     report["type"] = type;
     report["msg"] = message;
@@ -39,18 +39,18 @@ Json::Value errorReport(int type, const std::string& message) {
 }
 
 // What comes next happens after a while, unless another request changes the course of the session.
-void setNextStep(const SessionPtr& session, Daemon& daemon, std::function<void()> action) {
+void setNextStep(SessionPtr const& session, Daemon& daemon, std::function<void()> action) {
     daemon.cancel(session->nextStep);
     session->nextStep = daemon.after(step, std::move(action));
 }
 
-SessionState restingState(const Session& session) {
+SessionState restingState(Session const& session) {
     return session.account ? SessionState::loggedIn : SessionState::loggedOut;
 }
 
 // A login ends any connection. Without an account it has failed, and the client learns why.
-void logIn(const SessionPtr& session, const Request& request, const std::optional<Account>& account,
-           const Json::Value& error = {}) {
+void logIn(SessionPtr const& session, Request const& request, std::optional<Account> const& account,
+           Json::Value const& error = {}) {
     Daemon& daemon = request.daemon;
     session->account.reset();
     session->server.reset();
@@ -64,7 +64,7 @@ void logIn(const SessionPtr& session, const Request& request, const std::optiona
     });
 }
 
-void logInWithPassword(const SessionPtr& session, const Request& request) {
+void logInWithPassword(SessionPtr const& session, Request const& request) {
     if (request.payload["username"] == "demo" && request.payload["password"] == "demo") {
         logIn(session, request, Account{"demo@example.com"});
     } else {
@@ -72,7 +72,7 @@ void logInWithPassword(const SessionPtr& session, const Request& request) {
     }
 }
 
-void logInWithToken(const SessionPtr& session, const Request& request) {
+void logInWithToken(SessionPtr const& session, Request const& request) {
     if (request.payload["oauth"] == "expired") {
         logIn(session, request, std::nullopt, errorReport(7, "The provided OAUTH token is expired"));
     } else {
@@ -80,7 +80,7 @@ void logInWithToken(const SessionPtr& session, const Request& request) {
     }
 }
 
-void logInAutomatically(const SessionPtr& session, const Request& request) {
+void logInAutomatically(SessionPtr const& session, Request const& request) {
     if (session->autoAccountAllowed) {
         logIn(session, request, Account{"", true});
     } else {
@@ -95,7 +95,7 @@ void logOut(Session& session, Daemon& daemon) {
     enterState(daemon, SessionState::loggedOut);
 }
 
-Json::Value accountingReport(const Account& account) {
+Json::Value accountingReport(Account const& account) {
     Json::Value report;
     report["email"] = account.email;
     report["isAutoAccount"] = account.isAuto;
@@ -110,7 +110,7 @@ Json::Value accountingReport(const Account& account) {
 }
 
 // "auto" is what the connect method says.
-std::optional<ListedServer> serverFor(const Session& session, const std::string& text) {
+std::optional<ListedServer> serverFor(Session const& session, std::string const& text) {
     if (text == "last") {
         return session.lastServer ? session.lastServer : findServer("user");
     }
@@ -120,18 +120,18 @@ std::optional<ListedServer> serverFor(const Session& session, const std::string&
     return findServer(session.connectMethod == "country" ? session.connectCountry : session.connectMethod);
 }
 
-void failToConnect(const Session& session, Daemon& daemon, const Json::Value& error) {
+void failToConnect(Session const& session, Daemon& daemon, Json::Value const& error) {
     daemon.broadcast("report_connect_error", error);
     enterState(daemon, restingState(session));
 }
 
-void arrive(Session& session, Daemon& daemon, const ListedServer& server) {
+void arrive(Session& session, Daemon& daemon, ListedServer const& server) {
     session.server = session.lastServer = server;
     daemon.broadcast("report_connected_server", connectedServerReport(server));
     enterState(daemon, SessionState::connected);
 }
 
-void connect(const SessionPtr& session, const Request& request) {
+void connect(SessionPtr const& session, Request const& request) {
     Daemon& daemon = request.daemon;
     if (!session->account) {
         request.answer("report_login_error", errorReport(3, "Not logged in"));
@@ -140,7 +140,7 @@ void connect(const SessionPtr& session, const Request& request) {
     session->server.reset();
     enterState(daemon, SessionState::autoConnecting);
     setNextStep(session, daemon, [session, &daemon, text = request.payload["server"].asString()] {
-        const std::optional<ListedServer> server = serverFor(*session, text);
+        std::optional<ListedServer> const server = serverFor(*session, text);
         if (session->connectError) {
             failToConnect(*session, daemon, errorReport(*session->connectError, "Unable to connect"));
         } else if (!server) {
@@ -153,13 +153,13 @@ void connect(const SessionPtr& session, const Request& request) {
     });
 }
 
-void disconnect(const SessionPtr& session, Daemon& daemon) {
+void disconnect(SessionPtr const& session, Daemon& daemon) {
     session->server.reset();
     enterState(daemon, SessionState::disconnecting);
     setNextStep(session, daemon, [session, &daemon] { enterState(daemon, restingState(*session)); });
 }
 
-Json::Value serverSettingsReport(const Session& session) {
+Json::Value serverSettingsReport(Session const& session) {
     Json::Value report;
     report["connect_to_best_method"] = session.connectMethod;
     report["connect_country"] = session.connectCountry;
@@ -167,20 +167,20 @@ Json::Value serverSettingsReport(const Session& session) {
 }
 
 // Without a payload it is the default again.
-void setConnectMethod(Session& session, const Request& request) {
-    const Json::Value& method = request.payload["connect_to_best_method"];
+void setConnectMethod(Session& session, Request const& request) {
+    Json::Value const& method = request.payload["connect_to_best_method"];
     session.connectMethod = method.isNull() ? "user" : method.asString();
     session.connectCountry = request.payload["countryCode"].asString();
     request.daemon.broadcast("report_server_settings", serverSettingsReport(session));
 }
 
-void registerAccount(Registry& registry, const SessionPtr& session) {
-    registry.on("login", [session](const Request& request) { logInWithPassword(session, request); });
-    registry.on("login_oauth", [session](const Request& request) { logInWithToken(session, request); });
-    registry.on("allow_auto_account", [session](const Request&) { session->autoAccountAllowed = true; });
-    registry.on("login_auto", [session](const Request& request) { logInAutomatically(session, request); });
-    registry.on("logout", [session](const Request& request) { logOut(*session, request.daemon); });
-    registry.on("request_accounting_data", [session](const Request& request) {
+void registerAccount(Registry& registry, SessionPtr const& session) {
+    registry.on("login", [session](Request const& request) { logInWithPassword(session, request); });
+    registry.on("login_oauth", [session](Request const& request) { logInWithToken(session, request); });
+    registry.on("allow_auto_account", [session](Request const&) { session->autoAccountAllowed = true; });
+    registry.on("login_auto", [session](Request const& request) { logInAutomatically(session, request); });
+    registry.on("logout", [session](Request const& request) { logOut(*session, request.daemon); });
+    registry.on("request_accounting_data", [session](Request const& request) {
         request.answer("report_accounting_data",
                        session->account ? accountingReport(*session->account) : Json::Value());
     });
@@ -194,17 +194,17 @@ void registerSession(Registry& registry) {
                             session->connectError);
     registerAccount(registry, session);
     registry.on("request_directory",
-                [](const Request& request) { request.answer("report_directory", directoryReport()); });
-    registry.on("server_auto_connect", [session](const Request& request) { connect(session, request); });
+                [](Request const& request) { request.answer("report_directory", directoryReport()); });
+    registry.on("server_auto_connect", [session](Request const& request) { connect(session, request); });
     registry.on("server_disconnect",
-                [session](const Request& request) { disconnect(session, request.daemon); });
-    registry.on("request_connected_server", [session](const Request& request) {
+                [session](Request const& request) { disconnect(session, request.daemon); });
+    registry.on("request_connected_server", [session](Request const& request) {
         request.answer("report_connected_server",
                        session->server ? connectedServerReport(*session->server) : Json::Value());
     });
     registry.on("set_server_connectbest",
-                [session](const Request& request) { setConnectMethod(*session, request); });
-    registry.on("request_server_settings", [session](const Request& request) {
+                [session](Request const& request) { setConnectMethod(*session, request); });
+    registry.on("request_server_settings", [session](Request const& request) {
         request.answer("report_server_settings", serverSettingsReport(*session));
     });
 }

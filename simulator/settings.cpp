@@ -17,9 +17,9 @@ struct Tunnel {
 
 // A request that replaces one setting. Many settings have a key of their own in the report.
 struct PlainSetting {
-    const char* request;
-    const char* sentKey;
-    const char* reportedKey;
+    char const* request;
+    char const* sentKey;
+    char const* reportedKey;
 };
 
 constexpr PlainSetting plainSettings[] = {
@@ -66,14 +66,14 @@ Json::Value firstPrivacySettings() {
     return settings;
 }
 
-void reportConnection(const Tunnel& tunnel, Daemon& daemon) {
+void reportConnection(Tunnel const& tunnel, Daemon& daemon) {
     daemon.broadcast("report_connection_settings", tunnel.connection);
 }
 
 // For one adapter when the request names it; for the whole tunnel, which ends the adapters' own settings,
 // when it names none.
-void setEncryption(Tunnel& tunnel, const Request& request) {
-    const bool enable = request.payload["enable"].asBool();
+void setEncryption(Tunnel& tunnel, Request const& request) {
+    bool const enable = request.payload["enable"].asBool();
     Json::Value& settings = tunnel.connection;
     if (request.payload.isMember("guid")) {
         settings["perconn_encryption"] = true;
@@ -86,7 +86,7 @@ void setEncryption(Tunnel& tunnel, const Request& request) {
     reportConnection(tunnel, request.daemon);
 }
 
-void setDnsServers(Tunnel& tunnel, const Request& request) {
+void setDnsServers(Tunnel& tunnel, Request const& request) {
     Json::Value& addresses = tunnel.privacy["dns_addresses"];
     addresses = request.payload["dns_addresses"];
     if (addresses.size() > mostDnsServers) {
@@ -102,8 +102,8 @@ Json::Value captiveNetworks() {
     return report;
 }
 
-void setPortalLogin(const Request& request) {
-    const bool enable = request.payload["enable"].asBool();
+void setPortalLogin(Request const& request) {
+    bool const enable = request.payload["enable"].asBool();
     Json::Value report;
     report["enabled"] = enable;
     report["network"] = enable ? request.payload["network"] : Json::Value("");
@@ -117,25 +117,25 @@ void registerSettings(Registry& registry) {
     tunnel->connection = firstConnectionSettings();
     tunnel->privacy = firstPrivacySettings();
 
-    registry.on("request_connection_settings", [tunnel](const Request& request) {
+    registry.on("request_connection_settings", [tunnel](Request const& request) {
         request.answer("report_connection_settings", tunnel->connection);
     });
-    for (const PlainSetting& setting : plainSettings) {
-        registry.on(setting.request, [tunnel, setting](const Request& request) {
+    for (PlainSetting const& setting : plainSettings) {
+        registry.on(setting.request, [tunnel, setting](Request const& request) {
             tunnel->connection[setting.reportedKey] = request.payload[setting.sentKey];
             reportConnection(*tunnel, request.daemon);
         });
     }
     registry.on("set_encryption_enabled",
-                [tunnel](const Request& request) { setEncryption(*tunnel, request); });
+                [tunnel](Request const& request) { setEncryption(*tunnel, request); });
 
-    registry.on("request_privacy_settings", [tunnel](const Request& request) {
+    registry.on("request_privacy_settings", [tunnel](Request const& request) {
         request.answer("report_privacy_settings", tunnel->privacy);
     });
-    registry.on("set_dns_servers", [tunnel](const Request& request) { setDnsServers(*tunnel, request); });
+    registry.on("set_dns_servers", [tunnel](Request const& request) { setDnsServers(*tunnel, request); });
 
     registry.on("check_captive_networks",
-                [](const Request& request) { request.answer("report_captive_networks", captiveNetworks()); });
+                [](Request const& request) { request.answer("report_captive_networks", captiveNetworks()); });
     registry.on("set_cplogin_enable", setPortalLogin);
 }
 

@@ -32,8 +32,8 @@ struct Telemetry {
 };
 
 // Clients that have named no period hear of this session.
-std::set<Period> periodsOf(const Telemetry& telemetry, ClientId client) {
-    const auto subscription = telemetry.subscriptions.find(client);
+std::set<Period> periodsOf(Telemetry const& telemetry, ClientId client) {
+    auto const subscription = telemetry.subscriptions.find(client);
     if (subscription == telemetry.subscriptions.end() || subscription->second.periods.empty()) {
         return {0};
     }
@@ -41,15 +41,15 @@ std::set<Period> periodsOf(const Telemetry& telemetry, ClientId client) {
 }
 
 bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
-    std::erase_if(telemetry.subscriptions, [&daemon](const auto& entry) {
-        const bool lapsed = entry.second.end <= Clock::now();
+    std::erase_if(telemetry.subscriptions, [&daemon](auto const& entry) {
+        bool const lapsed = entry.second.end <= Clock::now();
         if (lapsed) {
             daemon.log(clientText(entry.first) + " has not repeated its subscription");
         }
         return lapsed;
     });
     telemetry.traffic.advance(daemon.interval());
-    for (const auto& [client, subscription] : telemetry.subscriptions) {
+    for (auto const& [client, subscription] : telemetry.subscriptions) {
         daemon.send(client, "report_networks", networksReport(daemon.world()));
         daemon.send(client, "report_connection_stats", telemetry.traffic.connectionReport());
         daemon.send(client, "report_session_stats",
@@ -60,7 +60,7 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
 }
 
 // A repeat without periods keeps those of before.
-void subscribe(const std::shared_ptr<Telemetry>& telemetry, const Request& request) {
+void subscribe(std::shared_ptr<Telemetry> const& telemetry, Request const& request) {
     if (!request.payload["enable"].asBool()) {
         telemetry->subscriptions.erase(request.client);
         return;
@@ -69,7 +69,7 @@ void subscribe(const std::shared_ptr<Telemetry>& telemetry, const Request& reque
     subscription.end = Clock::now() + subscriptionTime;
     if (request.payload.isMember("periods")) {
         subscription.periods.clear();
-        for (const Json::Value& hours : request.payload["periods"]) {
+        for (Json::Value const& hours : request.payload["periods"]) {
             subscription.periods.insert(hours.asUInt());
         }
     }
@@ -82,7 +82,7 @@ void subscribe(const std::shared_ptr<Telemetry>& telemetry, const Request& reque
 }
 
 std::string localTime() {
-    const std::time_t now = std::time(nullptr);
+    std::time_t const now = std::time(nullptr);
     std::array<char, 32> text{};
     std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", std::localtime(&now));
     return text.data();
@@ -90,7 +90,7 @@ std::string localTime() {
 
 // Each test comes out a little different from the one before.
 Json::Value finishedTest(bool ofStream, unsigned earlier) {
-    const double variation = 1 + 0.05 * (earlier % 5);
+    double const variation = 1 + 0.05 * (earlier % 5);
     Json::Value test;
     test["time"] = localTime();
     test["country"] = "us";
@@ -119,7 +119,7 @@ void finishTest(Telemetry& telemetry, Daemon& daemon, bool ofStream) {
     daemon.broadcast("report_speedtest_results", telemetry.tests);
 }
 
-Json::Value disconnectReport(const Telemetry& telemetry) {
+Json::Value disconnectReport(Telemetry const& telemetry) {
     Json::Value report;
     report["disconnectReason"] = telemetry.disconnectReason;
     report["sessionEnd"] = Json::Int64(telemetry.sessionEnd);
@@ -132,30 +132,30 @@ Json::Value disconnectReport(const Telemetry& telemetry) {
 void registerTelemetry(Registry& registry) {
     auto telemetry = std::make_shared<Telemetry>();
     registry.options.text("--disconnect-reason", "REASON", "why the last session ended (USERINITIATED)",
-                          [telemetry](const std::string& word) {
+                          [telemetry](std::string const& word) {
                               telemetry->disconnectReason = word;
                               return true;
                           });
-    registry.on("stat_subscribe", [telemetry](const Request& request) { subscribe(telemetry, request); });
+    registry.on("stat_subscribe", [telemetry](Request const& request) { subscribe(telemetry, request); });
     registry.onClientGone([telemetry](Daemon&, ClientId client) { telemetry->subscriptions.erase(client); });
-    registry.on("request_connection_stats", [telemetry](const Request& request) {
+    registry.on("request_connection_stats", [telemetry](Request const& request) {
         request.answer("report_connection_stats", telemetry->traffic.connectionReport());
     });
-    registry.on("request_session_stats", [telemetry](const Request& request) {
+    registry.on("request_session_stats", [telemetry](Request const& request) {
         request.answer("report_session_stats",
                        telemetry->traffic.sessionReport(periodsOf(*telemetry, request.client)));
     });
-    registry.on("request_streaming_stats", [telemetry](const Request& request) {
+    registry.on("request_streaming_stats", [telemetry](Request const& request) {
         request.answer("report_streaming_stats", telemetry->traffic.streamingReport());
     });
-    registry.on("request_disconnect_reason", [telemetry](const Request& request) {
+    registry.on("request_disconnect_reason", [telemetry](Request const& request) {
         request.answer("report_disconnect_reason", disconnectReport(*telemetry));
     });
-    registry.on("request_speedtest_results", [telemetry](const Request& request) {
+    registry.on("request_speedtest_results", [telemetry](Request const& request) {
         request.answer("report_speedtest_results", telemetry->tests);
     });
-    for (const bool ofStream : {false, true}) {
-        registry.on(ofStream ? "streamtest" : "speedtest", [telemetry, ofStream](const Request& request) {
+    for (bool const ofStream : {false, true}) {
+        registry.on(ofStream ? "streamtest" : "speedtest", [telemetry, ofStream](Request const& request) {
             Daemon& daemon = request.daemon;
             daemon.after(testTime,
                          [telemetry, &daemon, ofStream] { finishTest(*telemetry, daemon, ofStream); });

@@ -10,7 +10,7 @@ namespace {
 constexpr int packetBytes = 1400;
 
 std::int64_t millisecondsSinceEpoch() {
-    const auto time = std::chrono::system_clock::now().time_since_epoch();
+    auto const time = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
 }
 
@@ -50,7 +50,7 @@ Traffic::Traffic()
 
 void Traffic::advance(std::chrono::milliseconds time) {
     now = millisecondsSinceEpoch();
-    const bool wasUp = links[0].quality > 0;
+    bool const wasUp = links[0].quality > 0;
     advanceLink(links[0], wifiQuality(step));
     advanceLink(links[1], 1);
     if (wasUp && links[0].quality == 0) {
@@ -82,8 +82,8 @@ void Traffic::advanceLink(Link& link, double quality) {
 void Traffic::count(std::chrono::milliseconds time) {
     double down = 0;
     double up = 0;
-    for (const Link& link : links) {
-        const std::int64_t received = link.receiveBps * time.count() / 8000;
+    for (Link const& link : links) {
+        std::int64_t const received = link.receiveBps * time.count() / 8000;
         counters.received += received;
         counters.sent += link.sendBps * time.count() / 8000;
         counters.resent += std::llround(static_cast<double>(received) * link.loss);
@@ -94,9 +94,9 @@ void Traffic::count(std::chrono::milliseconds time) {
     counters.fastestUpMbps = std::max(counters.fastestUpMbps, up);
 }
 
-Json::Value Traffic::connection(const Link& link) const {
-    const bool isUp = link.quality > 0;
-    const auto window = static_cast<double>(link.sendBps) / 8000 * link.latencyMs;
+Json::Value Traffic::connection(Link const& link) const {
+    bool const isUp = link.quality > 0;
+    auto const window = static_cast<double>(link.sendBps) / 8000 * link.latencyMs;
     Json::Value report;
     report["guid"] = link.adapter;
     report["key"] = link.adapter + "-198.51.100.4:443";
@@ -125,7 +125,7 @@ Json::Value Traffic::connection(const Link& link) const {
 Json::Value Traffic::connectionReport() const {
     Json::Value report;
     report["time"] = now;
-    for (const Link& link : links) {
+    for (Link const& link : links) {
         report["connections"].append(connection(link));
     }
     return report;
@@ -135,7 +135,7 @@ Json::Value Traffic::benefit(double Link::*mbps) const {
     double combined = 0;
     double fastest = 0;
     int connections = 0;
-    for (const Link& link : links) {
+    for (Link const& link : links) {
         combined += link.*mbps * link.quality;
         fastest = std::max(fastest, link.*mbps * link.quality);
         connections += link.quality > 0 ? 1 : 0;
@@ -149,9 +149,9 @@ Json::Value Traffic::benefit(double Link::*mbps) const {
 
 // A longer period has this session on top of what earlier ones left: so much an hour, for a year at most.
 Json::Value Traffic::period(Period hours) const {
-    const std::int64_t earlier = std::min<Period>(hours, 8760);
-    const std::int64_t received = counters.received + earlier * 180'000'000;
-    const std::int64_t sent = counters.sent + earlier * 40'000'000;
+    std::int64_t const earlier = std::min<Period>(hours, 8760);
+    std::int64_t const received = counters.received + earlier * 180'000'000;
+    std::int64_t const sent = counters.sent + earlier * 40'000'000;
     Json::Value report;
     report["bytes_recv"] = received;
     report["bytes_sent"] = sent;
@@ -187,17 +187,17 @@ Json::Value Traffic::period(Period hours) const {
     return report;
 }
 
-Json::Value Traffic::sessionReport(const std::set<Period>& periods) const {
+Json::Value Traffic::sessionReport(std::set<Period> const& periods) const {
     Json::Value report(Json::objectValue);
-    for (const Period hours : periods) {
+    for (Period const hours : periods) {
         report[std::to_string(hours)] = period(hours);
     }
     return report;
 }
 
 Json::Value Traffic::streamingReport() const {
-    const double quality = links[0].quality;
-    const double down = quality == 0 ? 2.5 : 4.5;
+    double const quality = links[0].quality;
+    double const down = quality == 0 ? 2.5 : 4.5;
     Json::Value report;
     report["bonding_mode"] = "STR";
     report["badLoss"] = links[0].loss > 0.02 && quality > 0;

@@ -24,7 +24,7 @@ public:
     void advance(std::chrono::milliseconds time);
 
     Json::Value connectionReport() const;
-    Json::Value sessionReport(const std::set<Period>& periods) const;
+    Json::Value sessionReport(std::set<Period> const& periods) const;
     Json::Value streamingReport() const;
 
 private:
@@ -55,12 +55,12 @@ private:
     double noise(double spread); // around 1
     void advanceLink(Link& link, double quality);
     void count(std::chrono::milliseconds time);
-    Json::Value connection(const Link& link) const;
+    Json::Value connection(Link const& link) const;
     Json::Value period(Period hours) const;
     Json::Value benefit(double Link::*mbps) const;
 
     std::minstd_rand random;
-    const std::int64_t start; // milliseconds since the epoch, as are the reports' times
+    std::int64_t const start; // milliseconds since the epoch, as are the reports' times
     std::int64_t now;
     unsigned step = 0;
     std::array<Link, 2> links; // Wi-Fi, cellular

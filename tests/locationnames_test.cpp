@@ -28,7 +28,7 @@ std::u32string decode(std::string text) {
     return points;
 }
 
-bool isOfLanguage(char32_t c, const std::string& language) {
+bool isOfLanguage(char32_t c, std::string const& language) {
     if (language == "ar") {
         return (c >= 0x621 && c <= 0x64A) || c == ' ';
     }
@@ -48,7 +48,7 @@ protected:
         kelvaris::localization::load_sdklibraryTranslationTable();
         getCountry("us"); // fills the table
     }
-    static const std::string& name(const std::string& language, const std::string& place) {
+    static std::string const& name(std::string const& language, std::string const& place) {
         return sdklibraryTranslationTable.at(language).at("LOCATION." + place);
     }
 };
@@ -71,10 +71,10 @@ TEST(LocationNamesFirst, ManyThreadsMayAskAtOnce) {
 TEST_F(LocationNames, EveryLanguageHasEveryPlace) {
     ASSERT_EQ(sdklibraryTranslationTable.size(), 10U);
     EXPECT_EQ(locationRows.size(), 135U);
-    for (const auto& [language, texts] : sdklibraryTranslationTable) {
+    for (auto const& [language, texts] : sdklibraryTranslationTable) {
         EXPECT_EQ(texts.size(), 135U) << language; // a repeated key would make it fewer
         EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
-                                [](const auto& text) { return text.first.starts_with("LOCATION.COUNTRY."); }),
+                                [](auto const& text) { return text.first.starts_with("LOCATION.COUNTRY."); }),
                   55)
             << language;
     }
@@ -83,11 +83,11 @@ TEST_F(LocationNames, EveryLanguageHasEveryPlace) {
 TEST_F(LocationNames, TextsAreInTheScriptOfTheirLanguage) {
     std::set<std::string> odd;
     int stressMarks = 0;
-    for (const auto& [language, texts] : sdklibraryTranslationTable) {
-        for (const auto& [key, text] : texts) {
-            const std::u32string points = decode(text);
+    for (auto const& [language, texts] : sdklibraryTranslationTable) {
+        for (auto const& [key, text] : texts) {
+            std::u32string const points = decode(text);
             ASSERT_FALSE(points.empty()) << language << ' ' << key;
-            const bool isPlain = std::all_of(points.begin(), points.end(), [&name = language](char32_t c) {
+            bool const isPlain = std::all_of(points.begin(), points.end(), [&name = language](char32_t c) {
                 return isOfLanguage(c, name);
             });
             if (!isPlain || text.front() == ' ' || text.back() == ' ' ||
@@ -103,13 +103,13 @@ TEST_F(LocationNames, TextsAreInTheScriptOfTheirLanguage) {
 }
 
 TEST_F(LocationNames, TextsThatLookLikeSlips) {
-    for (const auto& entry : sdklibraryTranslationTable) {
+    for (auto const& entry : sdklibraryTranslationTable) {
         EXPECT_EQ(name(entry.first, "COUNTRY.hk"), name(entry.first, "CITY.kowloon"));
         EXPECT_EQ(name(entry.first, "COUNTRY.sg"), name(entry.first, "CITY.singapore"));
     }
     EXPECT_EQ(name("zh", "CITY.tallinn"), name("zh", "COUNTRY.ee"));
     const struct {
-        const char *language, *place, *text;
+        char const *language, *place, *text;
     } cases[] = {
         {"ar", "CITY.philadelphia", "\uFED2\uFEF3\uFEFB\uFEAA\uFEE0\uFED4\uFEF3\uFE8D"},
         {"es", "COUNTRY.tw", "República de China"},
@@ -118,14 +118,14 @@ TEST_F(LocationNames, TextsThatLookLikeSlips) {
         {"ru", "COUNTRY.tw", "Тайва\u0301нь"},
         {"tr", "COUNTRY.ly", "Libya "},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         EXPECT_EQ(name(c.language, c.place), c.text);
     }
 }
 
 TEST_F(LocationNames, LookUps) {
     const struct {
-        const char *code, *country, *city;
+        char const *code, *country, *city;
     } cases[] = {
         {"", "", ""},
         {"proxy", "proxy", "{{LOCATION.CITY.proxy}}"},
@@ -134,7 +134,7 @@ TEST_F(LocationNames, LookUps) {
         {"izmir", "{{LOCATION.COUNTRY.izmir}}", "İzmir"},
         {"nova", "{{LOCATION.COUNTRY.nova}}", "Northern Virginia"},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         EXPECT_EQ(getCountry(c.code), c.country);
         EXPECT_EQ(getCity(c.code), c.city);
     }

@@ -5,13 +5,13 @@
 namespace kelvaris::localization {
 namespace {
 
-const TranslationTable firstTable{{"en",
+TranslationTable const firstTable{{"en",
                                    {{"GREET", "Hello {who}, {who} of {town}"},
                                     {"PLAIN", "plain"},
                                     {"", "empty key"},
                                     {"both", "first en"}}},
                                   {"de", {{"PLAIN", "schlicht"}}}};
-const TranslationTable secondTable{{"en", {{"second", "second en"}}}, {"de", {{"both", "second de"}}}};
+TranslationTable const secondTable{{"en", {{"second", "second en"}}}, {"de", {{"both", "second de"}}}};
 
 class Translator : public testing::Test {
 protected:
@@ -27,7 +27,7 @@ protected:
 
 // Arguments are replaced in the order of their names: town before who.
 TEST_F(Translator, TemplatesAndArguments) {
-    const std::string untouched = "Hello {who}, {who} of {town}";
+    std::string const untouched = "Hello {who}, {who} of {town}";
     const struct {
         std::string given, expected;
     } cases[] = {
@@ -48,7 +48,7 @@ TEST_F(Translator, TemplatesAndArguments) {
         {"{{GREET}}|" + std::string(5000, '['), untouched},
         {R"({{missing}}|{"who":"Ann"})", R"({{missing}}|{"who":"Ann"})"},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         EXPECT_EQ(translate(c.given), c.expected) << c.given.substr(0, 60);
     }
     EXPECT_EQ(variableReplacements(R"(x|{"who":"Ann"})", "{who}"), "{who}");
@@ -58,7 +58,7 @@ TEST_F(Translator, TemplatesAndArguments) {
 // nothing.
 TEST_F(Translator, LanguagesAreAskedTableByTable) {
     registerTranslationTable(&firstTable);
-    EXPECT_EQ(translationTables, (std::vector<const TranslationTable*>{&firstTable, &secondTable}));
+    EXPECT_EQ(translationTables, (std::vector<TranslationTable const*>{&firstTable, &secondTable}));
     usedLanguage = "de";
     EXPECT_EQ(translate("{{PLAIN}}"), "schlicht");
     EXPECT_EQ(translate("{{second}}"), "second en");
@@ -74,7 +74,7 @@ TEST(ReplaceAll, EveryOccurrenceOnce) {
         {"aXbX", "X", "XX", "aXXbXX"}, {"aaa", "aa", "a", "aa"}, {"abc", "abc", "", ""},
         {"abc", "x", "y", "abc"},      {"ab", "", "-", "-a-b-"}, {"ab", "", "", "ab"},
     };
-    for (const auto& c : cases) {
+    for (auto const& c : cases) {
         std::string text = c.text;
         ReplaceAll(text, c.from, c.to);
         EXPECT_EQ(text, c.expected) << c.text << ' ' << c.from;

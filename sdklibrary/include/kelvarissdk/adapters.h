@@ -20,7 +20,7 @@ KELVARISSDK_ENUM(KelvarisSDK_ConnectionState)
 
 /** "disconnected", "connecting" or "connected"; "disconnected" for any other number. A constant; never
  * freed. */
-KELVARISSDK_API const char* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state);
+KELVARISSDK_API char const* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state);
 
 /** The kind of network that an adapter is in. */
 enum KelvarisSDK_NetworkType KELVARISSDK_UINT32 {
@@ -35,7 +35,7 @@ enum KelvarisSDK_NetworkType KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_NetworkType)
 
 /** "Wi-Fi", "Ethernet" and so on, "Unknown" for 6; "Wi-Fi" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type);
+KELVARISSDK_API char const* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type);
 
 /** When an adapter is used. */
 enum KelvarisSDK_ConnectionPriority KELVARISSDK_UINT32 {
@@ -47,7 +47,7 @@ enum KelvarisSDK_ConnectionPriority KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_ConnectionPriority)
 
 /** "always", "secondary", "backup" or "never"; "always" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority);
+KELVARISSDK_API char const* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_ConnectionPriority priority);
 
 /** What an adapter has carried and may carry. */
 typedef struct KelvarisSDK_AdapterUsageData {
@@ -95,52 +95,52 @@ KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_H
 
 /** Sets when one adapter is used. INVALID_ARGUMENT (3842) when the priority is above NEVER. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(
-    KelvarisSDK_Handle* sdk, const char* adapterID, KelvarisSDK_ConnectionPriority priority,
+    KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_ConnectionPriority priority,
     KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Limits an adapter's rate; 0 lifts the limit. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult
-KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, const char* adapterID, long long bitsPerSecond,
+KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, char const* adapterID, long long bitsPerSecond,
                                    KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Lifts the limit of an adapter's rate. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_ResetConnectionRateLimit(
-    KelvarisSDK_Handle* sdk, const char* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /**
  * Limits what an adapter carries in a month; 0 bytes lift the limit. The month begins on `resetDay`; with 0
  * it is the last 30 days.
  */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterMonthlyDataLimit(
-    KelvarisSDK_Handle* sdk, const char* adapterID, long long bytes, long long resetDay,
+    KelvarisSDK_Handle* sdk, char const* adapterID, long long bytes, long long resetDay,
     KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Lifts the monthly limit. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterMonthlyDataLimit(
-    KelvarisSDK_Handle* sdk, const char* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Limits what an adapter carries in a day; 0 bytes lift the limit. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult
-KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk, const char* adapterID, long long bytes,
+KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk, char const* adapterID, long long bytes,
                                      KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Lifts the daily limit. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterDailyDataLimit(
-    KelvarisSDK_Handle* sdk, const char* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Raises the daily limit for this day only. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult
-KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk, const char* adapterID, long long bytes,
+KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk, char const* adapterID, long long bytes,
                                           KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** The rate of an adapter that is over one of its data limits; with 0 the adapter isn't used then. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterOverlimitRateLimit(
-    KelvarisSDK_Handle* sdk, const char* adapterID, long long bitsPerSecond,
+    KelvarisSDK_Handle* sdk, char const* adapterID, long long bitsPerSecond,
     KelvarisSDK_AdaptersCallback callback, void* userData);
 
 /** Begins an adapter's usage anew. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(
-    KelvarisSDK_Handle* sdk, const char* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 
 #ifdef __cplusplus
 }

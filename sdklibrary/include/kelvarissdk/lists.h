@@ -44,7 +44,7 @@ enum KelvarisSDK_FirewallMode KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_FirewallMode)
 
 /** "off", "allowlist" or "denylist"; "Unknown mode" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode);
+KELVARISSDK_API char const* KelvarisSDK_FirewallMode_toString(KelvarisSDK_FirewallMode mode);
 
 /** From report_firewall_settings. */
 typedef struct KelvarisSDK_FirewallSettingsResult {
@@ -148,7 +148,7 @@ KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyPo
 
 /** Switches the service of this title. No lock ends it; a title unknown to the daemon is no error here. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyDomainWatchlistEnable(
-    KelvarisSDK_Handle* sdk, const char* title, bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
+    KelvarisSDK_Handle* sdk, char const* title, bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
     void* userData);
 
 /* ---- Streaming ---- */

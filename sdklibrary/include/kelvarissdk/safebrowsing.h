@@ -25,7 +25,7 @@ enum KelvarisSDK_SafeBrowsingLogLevel KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_SafeBrowsingLogLevel)
 
 /** "debug", "info", "error", "trace" or "warning"; "debug" for any other number. A constant; never freed. */
-KELVARISSDK_API const char*
+KELVARISSDK_API char const*
 KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level);
 
 /** What the network is taken for, whatever the service makes of it. */
@@ -37,7 +37,7 @@ enum KelvarisSDK_SafeBrowsingSafeNetworkOverride KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_SafeBrowsingSafeNetworkOverride)
 
 /** "none", "unsafe" or "safe"; "none" for any other number. A constant; never freed. */
-KELVARISSDK_API const char*
+KELVARISSDK_API char const*
 KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(KelvarisSDK_SafeBrowsingSafeNetworkOverride value);
 
 /**
@@ -103,7 +103,7 @@ typedef bool (*KelvarisSDK_SafeBrowsingStatsCallback)(KelvarisSDK_SafeBrowsingSt
  * in KelvarisSDK_InitSafeBrowsing, a connect error is a result.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StartSafeBrowsing(
-    KelvarisSDK_Handle* sdk, const char* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /** Disables the filter, then initializes it with an empty configuration. Otherwise like the start. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StopSafeBrowsing(
@@ -111,11 +111,11 @@ KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StopSafeBrowsing(
 
 /** Hands the service its configuration. A connect error is a result. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_InitSafeBrowsing(
-    KelvarisSDK_Handle* sdk, const char* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /** Changes the configuration. The lock that concerns this call is the initialization's. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_SetSafeBrowsingConfig(
-    KelvarisSDK_Handle* sdk, const char* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /** Turns the filter on or off. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_SetSafeBrowsingEnabled(
@@ -136,7 +136,7 @@ KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_SetSafeBrowsingSafeNe
  * which is a result.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_RefreshSafeBrowsingToken(
-    KelvarisSDK_Handle* sdk, const char* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /**
  * Reports this network to the service as the home network. The numbers go to the daemon as they are. Ends
@@ -148,7 +148,7 @@ KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_ReportSafeBrowsingHom
 
 /** Hands the service extra information. Ends like KelvarisSDK_RefreshSafeBrowsingToken. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_UpdateSafeBrowsingExtraInfo(
-    KelvarisSDK_Handle* sdk, const char* info, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* info, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /** The filter's state. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_GetSafeBrowsing(

@@ -25,7 +25,7 @@ enum KelvarisSDK_AccountPaymentType KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_AccountPaymentType)
 
 /** "free", "monthly" or "yearly"; "Unknown payment type" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type);
+KELVARISSDK_API char const* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_AccountPaymentType type);
 
 /** The account and what it has used in its data period, from report_accounting_data. */
 typedef struct KelvarisSDK_AccountingResult {
@@ -48,12 +48,12 @@ typedef bool (*KelvarisSDK_AccountingCallback)(KelvarisSDK_AccountingResult resu
  * settles in, LOGGED_IN, CONNECTED or OVERLIMIT, from report_current_state; or with the daemon's own error
  * type and message, from report_login_error. The time-out is 60 seconds; the daemon may go on after it.
  */
-KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_Login(KelvarisSDK_Handle* sdk, const char* username,
-                                                          const char* password,
+KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_Login(KelvarisSDK_Handle* sdk, char const* username,
+                                                          char const* password,
                                                           KelvarisSDK_StateCallback callback, void* userData);
 
 /** The same with an OAuth access token. */
-KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_LoginOAuth(KelvarisSDK_Handle* sdk, const char* token,
+KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_LoginOAuth(KelvarisSDK_Handle* sdk, char const* token,
                                                                KelvarisSDK_StateCallback callback,
                                                                void* userData);
 
@@ -110,20 +110,20 @@ KELVARISSDK_API KelvarisSDK_DirectoryResult KelvarisSDK_GetDirectory(KelvarisSDK
  * The English name of the server's country: "United States"; "proxy" for the proxy; the code between braces
  * where no name is known for it; empty where there is no code. A static buffer, valid until the next call.
  */
-KELVARISSDK_API const char* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info);
+KELVARISSDK_API char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info);
 
 /** The same for the city. A static buffer, valid until the next call. */
-KELVARISSDK_API const char* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info);
+KELVARISSDK_API char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info);
 
 /**
  * A name for people, of at most 100 bytes: "United States - New York City #12", without the city or the
  * number where there is none. A static buffer, valid until the next call; the buffers of the two functions
  * above change with it.
  */
-KELVARISSDK_API const char* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info);
+KELVARISSDK_API char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info);
 
 /** The same for a server in use, in the same buffer. */
-KELVARISSDK_API const char*
+KELVARISSDK_API char const*
 KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info);
 
 /* ---- Connecting ---- */
@@ -142,7 +142,7 @@ enum KelvarisSDK_AutoConnectMethod KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_AutoConnectMethod)
 
 /** "closest", "private" and so on; "closest" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method);
+KELVARISSDK_API char const* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod method);
 
 /** The server of the connection, from report_connected_server. */
 typedef struct KelvarisSDK_ConnectResult {
@@ -167,19 +167,19 @@ KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectAuto(KelvarisSDK_Ha
 
 /** The same with a server of a country: its code, or "private" and the code. Nothing is checked here. */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectCountry(KelvarisSDK_Handle* sdk,
-                                                                     const char* country,
+                                                                     char const* country,
                                                                      KelvarisSDK_ConnectCallback callback,
                                                                      void* userData);
 
 /** The same with a server of a city. */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectCity(KelvarisSDK_Handle* sdk,
-                                                                  const char* country, const char* city,
+                                                                  char const* country, char const* city,
                                                                   KelvarisSDK_ConnectCallback callback,
                                                                   void* userData);
 
 /** The same with one server. */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_ConnectServer(KelvarisSDK_Handle* sdk,
-                                                                    const char* country, const char* city,
+                                                                    char const* country, char const* city,
                                                                     int num,
                                                                     KelvarisSDK_ConnectCallback callback,
                                                                     void* userData);
@@ -226,17 +226,17 @@ KelvarisSDK_SetConnectMethodAuto(KelvarisSDK_Handle* sdk, KelvarisSDK_AutoConnec
 
 /** Sets a country. Nothing is checked here. */
 KELVARISSDK_API KelvarisSDK_ServerSettingsResult
-KelvarisSDK_SetConnectMethodCountry(KelvarisSDK_Handle* sdk, const char* country,
+KelvarisSDK_SetConnectMethodCountry(KelvarisSDK_Handle* sdk, char const* country,
                                     KelvarisSDK_ServerSettingsCallback callback, void* userData);
 
 /** Sets a city. Nothing is checked here. */
 KELVARISSDK_API KelvarisSDK_ServerSettingsResult
-KelvarisSDK_SetConnectMethodCity(KelvarisSDK_Handle* sdk, const char* country, const char* city,
+KelvarisSDK_SetConnectMethodCity(KelvarisSDK_Handle* sdk, char const* country, char const* city,
                                  KelvarisSDK_ServerSettingsCallback callback, void* userData);
 
 /** Sets one server. Nothing is checked here. */
 KELVARISSDK_API KelvarisSDK_ServerSettingsResult
-KelvarisSDK_SetConnectMethodServer(KelvarisSDK_Handle* sdk, const char* country, const char* city, int num,
+KelvarisSDK_SetConnectMethodServer(KelvarisSDK_Handle* sdk, char const* country, char const* city, int num,
                                    KelvarisSDK_ServerSettingsCallback callback, void* userData);
 
 /* ---- Directory settings ---- */
@@ -265,7 +265,7 @@ KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_SetESNIEnabled(
 
 /** Sets the directory server's domain; null goes back to the daemon's own. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult
-KelvarisSDK_SetDirectoryDomain(KelvarisSDK_Handle* sdk, const char* domain,
+KelvarisSDK_SetDirectoryDomain(KelvarisSDK_Handle* sdk, char const* domain,
                                KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
 /** Goes back to the daemon's own domain. The callback's user data is null, whatever is given here. */
@@ -274,7 +274,7 @@ KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_ResetDirectoryDo
 
 /** Sets the URI of a directory gateway; null goes back to the daemon's own. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_SetDirectoryGatewayURI(
-    KelvarisSDK_Handle* sdk, const char* uri, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
+    KelvarisSDK_Handle* sdk, char const* uri, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 
 /** Goes back to the daemon's own gateway. The callback's user data is null, whatever is given here. */
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_ResetDirectoryGatewayURI(

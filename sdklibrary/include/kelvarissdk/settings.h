@@ -109,7 +109,7 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisS
 
 /** Encrypts one adapter's part of the tunnel. */
 KELVARISSDK_API KelvarisSDK_SettingsResult
-KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, const char* adapterID, bool enable,
+KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, char const* adapterID, bool enable,
                                     KelvarisSDK_SettingsCallback callback, void* userData);
 
 /* ---- Privacy and DNS ---- */
@@ -171,7 +171,7 @@ KELVARISSDK_API KelvarisSDK_CaptivePortalCheckResult KelvarisSDK_CheckForCaptive
  * `enable` is true.
  */
 KELVARISSDK_API KelvarisSDK_CaptivePortalLoginResult
-KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, const char* adapterID,
+KelvarisSDK_SetCaptivePortalLoginMode(KelvarisSDK_Handle* sdk, bool enable, char const* adapterID,
                                       KelvarisSDK_CaptivePortalLoginCallback callback, void* userData);
 
 #ifdef __cplusplus

@@ -26,7 +26,7 @@ extern "C" {
  */
 KELVARISSDK_API KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
                                                                      unsigned char periodCount,
-                                                                     const unsigned int* periods);
+                                                                     unsigned int const* periods);
 
 /* ---- Connections ---- */
 
@@ -140,7 +140,7 @@ enum KelvarisSDK_StreamHealth KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_StreamHealth)
 
 /** "stopped", "poor" or "good"; "stopped" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health);
+KELVARISSDK_API char const* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health);
 
 /** A stream that the daemon follows: a call, a video. */
 typedef struct KelvarisSDK_StreamStats {
@@ -203,7 +203,7 @@ enum KelvarisSDK_DisconnectReason KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_DisconnectReason)
 
 /** "CONNECTIVITY", "AIRPLANE" and so on; "UNKNOWN" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason);
+KELVARISSDK_API char const* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_DisconnectReason reason);
 
 /** From report_disconnect_reason. */
 typedef struct KelvarisSDK_DisconnectEventResult {
@@ -229,7 +229,7 @@ enum KelvarisSDK_SpeedTestType KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_SpeedTestType)
 
 /** "speed" or "streaming"; "speed" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type);
+KELVARISSDK_API char const* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_SpeedTestType type);
 
 /** One finished test. */
 typedef struct KelvarisSDK_SpeedTestEntry {

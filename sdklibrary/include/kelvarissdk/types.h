@@ -67,7 +67,7 @@ enum KelvarisSDK_ErrorType KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_ErrorType)
 
 /** The text of an error type; "Unknown error" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type);
+KELVARISSDK_API char const* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type);
 
 /** State of the daemon's session. */
 enum KelvarisSDK_State KELVARISSDK_UINT32 {
@@ -84,7 +84,7 @@ enum KelvarisSDK_State KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_State)
 
 /** "LOGGED_OUT", "LOGGED_IN" and so on; "UNKNOWN" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_State_toString(KelvarisSDK_State state);
+KELVARISSDK_API char const* KelvarisSDK_State_toString(KelvarisSDK_State state);
 
 /** The session's state, from report_current_state. */
 typedef struct KelvarisSDK_StateResult {
@@ -103,7 +103,7 @@ enum KelvarisSDK_BondingMode KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_BondingMode)
 
 /** "speed", "redundant" or "streaming"; "speed" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode);
+KELVARISSDK_API char const* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode);
 
 /** How the tunnel's packets travel. Any other number is taken as auto. */
 enum KelvarisSDK_TransportMode KELVARISSDK_UINT32 {
@@ -116,7 +116,7 @@ enum KelvarisSDK_TransportMode KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_TransportMode)
 
 /** "tcp", "udp", "auto", "https" or "tcp-multi"; "auto" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode);
+KELVARISSDK_API char const* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode);
 
 /** The protocol of a port. */
 enum KelvarisSDK_PortProtocol KELVARISSDK_UINT32 {
@@ -126,7 +126,7 @@ enum KelvarisSDK_PortProtocol KELVARISSDK_UINT32 {
 KELVARISSDK_ENUM(KelvarisSDK_PortProtocol)
 
 /** "tcp" for 0, "udp" for any other number. A constant; never freed. */
-KELVARISSDK_API const char* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol);
+KELVARISSDK_API char const* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol);
 
 /** A port of a protocol. */
 typedef struct KelvarisSDK_ProtocolPortPair {
