@@ -73,7 +73,8 @@ std::vector<Call> const serviceCalls = {
 };
 
 // The listeners ask for nothing, so nothing tells when they are in place: the events are sent again and again
-// until the tool has printed both. A run of two seconds then has one more to go; an endless one is killed.
+// until the tool has printed both, each whole: the last line of a document comes with the next one. A run of two
+// seconds then has one more to go; an endless one is killed.
 void testStream(std::string const& words, std::string const& event, std::string const& payload,
                 std::string const& document, bool endless) {
     ScriptedDaemon daemon;
@@ -87,8 +88,8 @@ void testStream(std::string const& words, std::string const& event, std::string 
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     });
-    process.waitForOutput("\"host\"");
-    process.waitForOutput("Error from SDK");
+    process.waitForOutput(document + "]\n\n");
+    process.waitForOutput(unreadable + "]\n\n");
     heard = true;
     sender.join();
     if (endless) {
