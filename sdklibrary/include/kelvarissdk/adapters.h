@@ -1,5 +1,7 @@
 /*
  * The network adapters that the daemon bonds: what they are, when they are used, how much they may carry.
+ *
+ * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
 #ifndef KELVARISSDK_ADAPTERS_H
 #define KELVARISSDK_ADAPTERS_H
@@ -62,14 +64,14 @@ typedef struct KelvarisSDK_AdapterUsageData {
 
 /** One network adapter with its limits and its usage. */
 typedef struct KelvarisSDK_AdapterData {
-    char adapterID[100]; /* names the adapter in calls */
-    char name[100];
-    char description[100];
+    char adapterID[100];   /* names the adapter in calls; no terminator when full */
+    char name[100];        /* text; no terminator when full */
+    char description[100]; /* text; no terminator when full */
     KelvarisSDK_ConnectionState state;
-    KelvarisSDK_NetworkType type;
+    KelvarisSDK_NetworkType type; /* UNKNOWN: none reported, or an unknown one */
     KelvarisSDK_ConnectionPriority priority;
-    char ssid[100];    /* the wireless network's name */
-    char bssid[100];   /* the wireless network's hardware address */
+    char ssid[100];    /* the wireless network's name; no terminator when full */
+    char bssid[100];   /* the wireless network's hardware address; no terminator when full */
     int64_t rateLimit; /* bits per second, -1: none reported */
     KelvarisSDK_AdapterUsageData dataUsage;
 } KelvarisSDK_AdapterData;
@@ -77,7 +79,7 @@ typedef struct KelvarisSDK_AdapterData {
 /** The adapters, from report_networks. */
 typedef struct KelvarisSDK_AdaptersResult {
     KelvarisSDK_BaseResult base;
-    uint32_t adapterCount;
+    uint32_t adapterCount; /* elements of `adapters` in use */
     KelvarisSDK_AdapterData adapters[25];
 } KelvarisSDK_AdaptersResult;
 

@@ -3,6 +3,8 @@
  *
  * The daemon replaces whole lists only. To add or remove an item, get the list, change it and set it; nothing
  * keeps another client from changing it in between.
+ *
+ * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
 #ifndef KELVARISSDK_LISTS_H
 #define KELVARISSDK_LISTS_H
@@ -17,13 +19,13 @@ extern "C" {
 
 /** The four lists that each of the three records holds. */
 typedef struct KelvarisSDK_ListBlock {
-    uint16_t domainCount;
-    char domains[100][50]; /* text; no terminator when full */
-    uint16_t ipv4Count;
-    struct in_addr ipv4[100]; /* all zero: the report's text is no such address */
-    uint16_t ipv6Count;
+    uint16_t domainCount;      /* elements of `domains` in use */
+    char domains[100][50];     /* text; no terminator when full */
+    uint16_t ipv4Count;        /* elements of `ipv4` in use */
+    struct in_addr ipv4[100];  /* all zero: the report's text is no such address */
+    uint16_t ipv6Count;        /* elements of `ipv6` in use */
     struct in6_addr ipv6[100]; /* likewise */
-    uint16_t portCount;
+    uint16_t portCount;        /* elements of `ports` in use */
     KelvarisSDK_ProtocolPortPair ports[100];
 } KelvarisSDK_ListBlock;
 
@@ -98,9 +100,9 @@ KELVARISSDK_ENUM(KelvarisSDK_LocalProxyMatchMode)
 typedef struct KelvarisSDK_LocalProxyService {
     char title[30]; /* the service's name; no terminator when full */
     bool enabled;
-    uint16_t watchedDomainCount;
+    uint16_t watchedDomainCount; /* elements of `watchedDomains` in use */
     char watchedDomains[12][50]; /* text; no terminator when full */
-    uint16_t proxiedDomainCount;
+    uint16_t proxiedDomainCount; /* elements of `proxiedDomains` in use */
     char proxiedDomains[12][50]; /* text; no terminator when full */
 } KelvarisSDK_LocalProxyService;
 
@@ -110,7 +112,7 @@ typedef struct KelvarisSDK_LocalProxySettingsResult {
     bool enabled;
     KelvarisSDK_LocalProxyMatchMode matchMode; /* allowlist when the report names none or an unknown one */
     KelvarisSDK_ListBlock lists;
-    uint16_t watchlistCount;
+    uint16_t watchlistCount; /* elements of `watchlist` in use */
     KelvarisSDK_LocalProxyService watchlist[25];
 } KelvarisSDK_LocalProxySettingsResult;
 

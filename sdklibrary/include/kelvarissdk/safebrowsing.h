@@ -3,7 +3,7 @@
  * Configuration, token and extra information are texts that the daemon passes on to that service; nobody
  * looks into them on the way.
  *
- * Include csdkinterface.h; it opens with the conventions.
+ * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
 #ifndef KELVARISSDK_SAFEBROWSING_H
 #define KELVARISSDK_SAFEBROWSING_H
@@ -83,7 +83,7 @@ typedef bool (*KelvarisSDK_SafeBrowsingBlockCallback)(KelvarisSDK_SafeBrowsingBl
 /** The filter's counters, from report_safe_browsing_stats. */
 typedef struct KelvarisSDK_SafeBrowsingStatsResult {
     KelvarisSDK_BaseResult base;
-    uint32_t min;     /* shortest look-up */
+    uint32_t min;     /* shortest look-up, in the daemon's unit, as are the next two */
     uint32_t max;     /* longest look-up */
     uint32_t average; /* mean of all look-ups */
     uint32_t num_errors;
@@ -99,8 +99,9 @@ typedef bool (*KelvarisSDK_SafeBrowsingStatsCallback)(KelvarisSDK_SafeBrowsingSt
 
 /**
  * Enables the filter, then initializes it with the configuration. Returns the record of the second step, what
- * became of the first is lost; a callback runs for both. A synchronous call can last two time-outs, 10 s. As
- * in KelvarisSDK_InitSafeBrowsing, a connect error is a result.
+ * became of the first is lost; a callback runs for both. Only the second step can be unregistered, so the
+ * user data must live until both have called back. A synchronous call can last two time-outs, 10 s. As in
+ * KelvarisSDK_InitSafeBrowsing, a connect error is a result.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StartSafeBrowsing(
     KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);

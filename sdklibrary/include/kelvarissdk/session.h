@@ -88,14 +88,14 @@ typedef struct KelvarisSDK_ServerInformationDetailed {
     int32_t num;            /* number of the server within the city */
     bool isPrivate;         /* private to this account */
     bool torrentAllowed;    /* true where the report doesn't say */
-    uint16_t publicIPCount; /* entries of `publicIP` in use */
+    uint16_t publicIPCount; /* elements of `publicIP` in use */
     char publicIP[12][46];  /* IPv4 or IPv6 addresses as text; no terminator when full */
 } KelvarisSDK_ServerInformationDetailed;
 
 /** The servers that the account may use, in the order of report_directory. */
 typedef struct KelvarisSDK_DirectoryResult {
     KelvarisSDK_BaseResult base;
-    uint32_t serverCount; /* entries of `servers` in use */
+    uint32_t serverCount; /* elements of `servers` in use */
     KelvarisSDK_ServerInformation servers[400];
 } KelvarisSDK_DirectoryResult;
 
@@ -107,12 +107,13 @@ KELVARISSDK_API KelvarisSDK_DirectoryResult KelvarisSDK_GetDirectory(KelvarisSDK
                                                                      void* userData);
 
 /**
- * The English name of the server's country: "United States"; "proxy" for the proxy; the code between braces
- * where no name is known for it; empty where there is no code. A static buffer, valid until the next call.
+ * The English name of the server's country, of at most 100 bytes: "United States"; "proxy" for the proxy;
+ * "{{LOCATION.COUNTRY.xx}}" where no name is known for the code xx (known codes are in lower case); empty
+ * where there is no code. A static buffer, valid until the next call.
  */
 KELVARISSDK_API char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info);
 
-/** The same for the city. A static buffer, valid until the next call. */
+/** The same for the city: "New York City" or "{{LOCATION.CITY.xx}}". A static buffer of its own. */
 KELVARISSDK_API char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info);
 
 /**
@@ -202,8 +203,8 @@ KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_GetConnectedServer(Kelvari
 /* ---- Connect method ---- */
 
 /**
- * The daemon's setting of how it picks a server, from report_server_settings. A method that isn't known leaves
- * `connectMethod` as it was: CLOSEST in the first report.
+ * The daemon's setting of how it picks a server, from report_server_settings. A method that isn't known
+ * leaves `connectMethod` as it was: CLOSEST in the first report.
  */
 typedef struct KelvarisSDK_ServerSettingsResult {
     KelvarisSDK_BaseResult base;

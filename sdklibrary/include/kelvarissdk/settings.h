@@ -1,5 +1,7 @@
 /*
  * How the daemon's tunnel is set up: connection settings, privacy and DNS, captive portals.
+ *
+ * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
 #ifndef KELVARISSDK_SETTINGS_H
 #define KELVARISSDK_SETTINGS_H
@@ -14,13 +16,13 @@ extern "C" {
 
 /** Whether an adapter's part of the tunnel is encrypted. */
 typedef struct KelvarisSDK_ConnectionEncryption {
-    char adapterID[100];
+    char adapterID[100]; /* text; no terminator when full */
     bool encrypted;
 } KelvarisSDK_ConnectionEncryption;
 
 /** How many sockets an adapter's part of the tunnel uses. */
 typedef struct KelvarisSDK_ConnectionParallelSockets {
-    char adapterID[100];
+    char adapterID[100]; /* text; no terminator when full */
     uint16_t sockets;
 } KelvarisSDK_ConnectionParallelSockets;
 
@@ -31,21 +33,21 @@ typedef struct KelvarisSDK_SettingsResult {
     bool encrypted; /* the whole tunnel */
     bool allowChaChaEncryption;
     KelvarisSDK_BondingMode bondingMode;
-    bool startupConnect; /* connects when the daemon starts */
-    KelvarisSDK_TransportMode transportMode;
-    uint16_t forwardedPortCount; /* a later report without ports leaves these as they were */
+    bool startupConnect;                     /* connects when the daemon starts */
+    KelvarisSDK_TransportMode transportMode; /* AUTO: none reported, or an unknown one */
+    uint16_t forwardedPortCount;             /* a report without ports leaves these as they were */
     KelvarisSDK_ProtocolPortPair forwardedPorts[20];
     bool perConnectionEncryptionEnabled;   /* the adapters' own settings are in force */
     uint16_t perConnectionEncryptionCount; /* 0 while they are not */
     KelvarisSDK_ConnectionEncryption perConnectionEncryptionSettings[25];
-    uint16_t perConnectionParallelSocketsCount;
+    uint16_t perConnectionParallelSocketsCount; /* elements of `perConnectionParallelSockets` in use */
     KelvarisSDK_ConnectionParallelSockets perConnectionParallelSockets[25];
     double overflowThreshold;         /* Mbps */
     double priorityOverflowThreshold; /* the daemon's own; no call sets it */
     bool packetAggregation;
     bool enableDefaultRoute;
     bool headerCompression;
-    char language[3]; /* the daemon's language code */
+    char language[3]; /* the daemon's language code; no terminator when full */
 } KelvarisSDK_SettingsResult;
 
 typedef bool (*KelvarisSDK_SettingsCallback)(KelvarisSDK_SettingsResult result, void* userData);
@@ -117,11 +119,11 @@ KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, char const* adapter
 /** The privacy settings, from report_privacy_settings. */
 typedef struct KelvarisSDK_PrivacySettingsResult {
     KelvarisSDK_BaseResult base;
-    bool killswitch; /* no traffic while the tunnel is down */
-    bool dnsleak;    /* protection against DNS queries beside the tunnel */
-    bool ipleak;     /* protection against IP traffic beside the tunnel */
-    uint16_t dnsAddressCount;
-    char dnsAddresses[3][46]; /* address texts */
+    bool killswitch;          /* no traffic while the tunnel is down */
+    bool dnsleak;             /* protection against DNS queries beside the tunnel */
+    bool ipleak;              /* protection against IP traffic beside the tunnel */
+    uint16_t dnsAddressCount; /* elements of `dnsAddresses` in use */
+    char dnsAddresses[3][46]; /* address texts; no terminator when full */
     bool doNotStoreCredentials;
 } KelvarisSDK_PrivacySettingsResult;
 
@@ -144,8 +146,8 @@ KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count, char (*
 /** The networks behind a captive portal, from report_captive_networks. */
 typedef struct KelvarisSDK_CaptivePortalCheckResult {
     KelvarisSDK_BaseResult base;
-    uint32_t networkCount;
-    char networks[25][100];
+    uint32_t networkCount;  /* elements of `networks` in use */
+    char networks[25][100]; /* text; no terminator when full */
 } KelvarisSDK_CaptivePortalCheckResult;
 
 typedef bool (*KelvarisSDK_CaptivePortalCheckCallback)(KelvarisSDK_CaptivePortalCheckResult result,
@@ -155,7 +157,7 @@ typedef bool (*KelvarisSDK_CaptivePortalCheckCallback)(KelvarisSDK_CaptivePortal
 typedef struct KelvarisSDK_CaptivePortalLoginResult {
     KelvarisSDK_BaseResult base;
     bool enabled;
-    char adapterID[100];
+    char adapterID[100]; /* text; no terminator when full */
 } KelvarisSDK_CaptivePortalLoginResult;
 
 typedef bool (*KelvarisSDK_CaptivePortalLoginCallback)(KelvarisSDK_CaptivePortalLoginResult result,

@@ -2,6 +2,9 @@
  * Telemetry: statistics of connections, sessions and streams, why the last session ended, speed tests.
  *
  * Numbers are the daemon's own; the library calculates with none of them but the two benefits of a session.
+ * Where neither a name (Ms, Mbps, Bps, Bytes, Minutes) nor a note tells a unit, it is the daemon's.
+ *
+ * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
 #ifndef KELVARISSDK_TELEMETRY_H
 #define KELVARISSDK_TELEMETRY_H
@@ -16,8 +19,8 @@ extern "C" {
 
 /**
  * Asks the daemon to send its statistics at regular intervals, or no longer to do so. The reports reach those
- * who subscribed to them. While they are wanted the library repeats the request every 45 seconds, without
- * periods, so that the daemon goes on after a lost link.
+ * who subscribed to them. While they are wanted the library repeats the request every 45 seconds (a first
+ * time within 250 ms), without periods, so that the daemon goes on after a lost link.
  *
  * `periods` are those of the session statistics, in hours: 0 is the current session, 4294967295 all time. At
  * most five are sent; a `periodCount` of five or more takes five values from the array. With `enable` false

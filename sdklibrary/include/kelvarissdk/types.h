@@ -39,7 +39,7 @@ typedef struct KelvarisSDK_BaseResult {
     bool error;             /* the call failed; nothing but this says so */
     int32_t errorCode;      /* a KelvarisSDK_ErrorType */
     char errorMessage[200]; /* text; no terminator when full */
-    uint64_t callbackId;    /* what KelvarisSDK_UnregisterCallback takes */
+    uint64_t callbackId;    /* for KelvarisSDK_UnregisterCallback; none where the call failed at once */
 } KelvarisSDK_BaseResult;
 
 /** Why a call failed. 0 to 8 come from the daemon, the others from the library. */
@@ -53,13 +53,13 @@ enum KelvarisSDK_ErrorType KELVARISSDK_UINT32 {
     KelvarisSDK_ErrorType_TOO_MANY_REQUESTS = 6,
     KelvarisSDK_ErrorType_OAUTH_TOKEN_EXPIRED = 7,
     KelvarisSDK_ErrorType_VPN_ADAPTER = 8,
-    KelvarisSDK_ErrorType_ASYNC_CALL = 3584,              /* no failure: the callback brings the result */
-    KelvarisSDK_ErrorType_SDK = 3840,                     /* no link object, or a report that can't be read */
-    KelvarisSDK_ErrorType_TIMEOUT = 3841,                 /* no report in time, the link being open */
+    KelvarisSDK_ErrorType_ASYNC_CALL = 3584, /* no failure: the callback brings the result */
+    KelvarisSDK_ErrorType_SDK = 3840,        /* a report that can't be read; ConnectAuto's refusal */
+    KelvarisSDK_ErrorType_TIMEOUT = 3841,    /* no report in time; the link is open, or closed for good */
     KelvarisSDK_ErrorType_INVALID_ARGUMENT = 3842,        /* refused before anything was sent */
     KelvarisSDK_ErrorType_CALLBACK_REQUIRED = 3843,       /* the call has no synchronous form */
     KelvarisSDK_ErrorType_PLATFORM_UNSUPPORTED = 3844,    /* not raised */
-    KelvarisSDK_ErrorType_NOT_CONNECTED = 3845,           /* no report in time, and no link to the daemon */
+    KelvarisSDK_ErrorType_NOT_CONNECTED = 3845,           /* no report in time, no link; it is tried again */
     KelvarisSDK_ErrorType_LOCKED_BY_SERVER = 3846,        /* the setting can't be changed */
     KelvarisSDK_ErrorType_SYNCHRONOUS_IN_CALLBACK = 3847, /* refused on the library's thread */
     KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT = 3848,       /* the setting can't be changed */
