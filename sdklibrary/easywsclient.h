@@ -1,8 +1,8 @@
 // The client end of a WebSocket connection (RFC 6455) over plain TCP: upgrade, frames, whole messages.
 //
-// Nothing here starts a thread or takes a lock. Only from_url(), poll() and flush() touch the socket: the sending
-// operations queue, dispatch() takes messages out of what poll() has read. All of them also work, without any
-// effect on the socket, when the connection has ended.
+// Nothing here starts a thread or takes a lock. Only from_url(), poll() and flush() touch the socket: the
+// sending operations queue, dispatch() takes messages out of what poll() has read. All of them also work,
+// without any effect on the socket, when the connection has ended.
 
 #pragma once
 

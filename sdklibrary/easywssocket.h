@@ -1,4 +1,4 @@
-// What the two halves of the WebSocket client share: the descriptor, the bytes that have arrived, and sending.
+// What the two halves of the WebSocket client share: the descriptor, the bytes that have arrived, sending.
 
 #pragma once
 

@@ -20,8 +20,8 @@ template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
     std::memset(field + length, 0, N - length);
 }
 
-// A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or an
-// object throws. The value must live as long.
+// A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or
+// an object throws. The value must live as long.
 class Text {
 public:
     explicit Text(Json::Value const& value) {

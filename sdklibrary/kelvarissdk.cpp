@@ -14,7 +14,7 @@ namespace kelvarissdk {
 namespace {
 
 constexpr std::chrono::milliseconds statsTick(250);
-constexpr uint64_t statsRepeatMs = 45001;
+constexpr uint64_t statsRepeatMs = 45000;
 
 // The address as C callers see it: a full field runs on to the record's end.
 std::string addressOf(KelvarisSDK_CreateSettings const& settings) {
@@ -57,7 +57,7 @@ void KelvarisSDK::statsEnabledRunner() {
     while (statsRunnerActive) {
         if (statsEnabled) {
             uint64_t const now = getTimeMillis();
-            if (now - lastRepeat >= statsRepeatMs) {
+            if (now - lastRepeat > statsRepeatMs) {
                 enableStatUpdates(true, 0, nullptr);
                 lastRepeat = now;
             }

@@ -255,7 +255,7 @@ public:
     KelvarisSDK_SafeBrowsingStatsResult getSafeBrowsingStats(KelvarisSDK_SafeBrowsingStatsCallback callback,
                                                              void* userData);
 
-protected:
+protected: // tests make objects without a link
     // Repeats the subscription to statistics while it is wanted; the body of statsThread.
     void statsEnabledRunner();
 

@@ -26,8 +26,8 @@ namespace kelvarissdk {
 constexpr std::array<std::string_view, 10> locationLanguages{"ar", "de", "en", "es", "fr",
                                                              "pt", "ro", "ru", "tr", "zh"};
 
-// A place: its key in the table and its name in each language. Texts in place instead of pointers to them: the
-// dynamic linker would have to relocate each pointer at every start of the program.
+// A place: its key in the table and its name in each language. Texts in place instead of pointers to them:
+// the dynamic linker would have to relocate each pointer at every start of the program.
 struct LocationRow {
     char key[28];
     char names[locationLanguages.size()][60];

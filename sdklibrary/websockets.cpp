@@ -366,7 +366,7 @@ void WebsocketImpl::sendLast() {
 }
 
 void WebsocketImpl::sweepTimeouts() {
-    static std::string const event = "sdk_error";
+    static std::string const event = timeoutEvent;
     uint64_t const now = getTimeMillis();
     bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
     visitEntries([&](EventDescription& entry) {

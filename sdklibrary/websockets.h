@@ -44,6 +44,9 @@ void asyncMode(KelvarisSDK_BaseResult* result);
 // Reason 1 is the server's lock and 2 the account's; any other leaves the record as it is.
 void settingLocked(KelvarisSDK_BaseResult* result, int reason);
 
+// The event that tells a handler of a time-out. No daemon can send it, because no entry awaits it by name.
+constexpr char timeoutEvent[] = "sdk_error";
+
 // Called with the event's name, the raw text and the parsed message; true removes the entry.
 using EventHandler = std::function<bool(std::string const&, std::string const&, Json::Value const&)>;
 
@@ -80,9 +83,10 @@ private:
 };
 
 // The link to the daemon. Any thread may queue requests and register or remove entries; handlers run on the
-// reader thread. Locks, in the order in which one thread may take them: eventsMutex, then a call's own;
-// eventsMutex, then runningMutex, then outgoingMutex. eventsMutex is held while callbacks run; making a call
-// takes outgoingMutex alone, so no call waits for another one's callback.
+// reader thread. Locks, in the order in which one thread may take them: eventsMutex, then a call's own, then
+// the library object's statsLock, then outgoingMutex; eventsMutex, then runningMutex, then outgoingMutex. The
+// first two are held while callbacks run. Making a call takes outgoingMutex alone, so no call waits for
+// another one's callback.
 class WebsocketImpl {
 public:
     // Starts the reader thread, which begins to connect.

@@ -5,44 +5,44 @@
 #include <utility>
 
 #include "fields.h"
+#include "keys.h"
 
 namespace kelvarissdk {
 
 namespace {
-
-constexpr char lockedEvent[] = "report_setting_locked";
 
 // The engine's own failures: a time-out, which brings its type and text, or a report that can't be read.
 void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
     head.error = true;
     head.errorCode = static_cast<int32_t>(KelvarisSDK_ErrorType_SDK);
     setText(head.errorMessage, "Error from SDK");
-    if (message.isMember("type")) {
-        head.errorCode = message["type"].asInt();
+    if (message.isMember(Keys::_type)) {
+        head.errorCode = message[Keys::_type].asInt();
     }
-    if (message.isMember("msg")) {
-        copyText(head.errorMessage, message["msg"]);
+    if (message.isMember(Keys::_msg)) {
+        copyText(head.errorMessage, message[Keys::_msg]);
     }
 }
 
 // Whether the lock is this call's; then the record says so.
 bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Json::Value const& payload) {
-    if (!payload.isObject() || !payload.isMember("setting") || payload["setting"].asString() != settingName) {
+    if (!payload.isObject() || !payload.isMember(Keys::_setting) ||
+        payload[Keys::_setting].asString() != settingName) {
         return false;
     }
-    settingLocked(&head, payload["reason"].asInt());
+    settingLocked(&head, payload[Keys::_reason].asInt());
     return true;
 }
 
 // Whether the event finishes the record. A report that can't be converted finishes it as an error.
 bool takesEvent(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
                 std::string const& event, std::string const& text, Json::Value const& message) {
-    if (event == "sdk_error") {
+    if (event == timeoutEvent) {
         setSdkError(head, message);
         return true;
     }
     try {
-        if (event == lockedEvent && !settingName.empty()) {
+        if (event == lockReport && !settingName.empty()) {
             return takesLock(head, settingName, payloadOf(message));
         }
         return parser(event, text, message);

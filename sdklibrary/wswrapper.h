@@ -25,11 +25,14 @@ template <class T> struct lockedResult {
     T result{};
 };
 
+// The daemon's answer in the place of a report when a setting can't be changed.
+constexpr char lockReport[] = "report_setting_locked";
+
 struct wsWrapperOptions {
     bool async = false;        // a callback was given
     bool subscription = false; // the callback may keep the entry alive
-    std::string settingName =
-        {}; // empty, or the name that "report_setting_locked" must carry to concern the call
+    // Empty, or the name that a lock report must carry to concern the call.
+    std::string settingName = {};
 };
 
 // Given an event it fills the record; true: the record is complete.
@@ -73,7 +76,7 @@ T wsWrapper(WebsocketImpl* websocket, EventDescription& description, std::shared
         return shared->result;
     }
     if (!options.settingName.empty()) {
-        WebsocketImpl::waitForEvent(description, "report_setting_locked");
+        WebsocketImpl::waitForEvent(description, lockReport);
     }
     auto completion = std::make_shared<Completion>();
     EventHandler handler = callHandler({shared, shared->mutex, head}, options, std::move(parser),

@@ -115,7 +115,8 @@ int dailyBoostAction(int argc, char* argv[]) {
 
 int dataLimitAction(int argc, char* argv[]) {
     if (argc == 3) {
-        return missing("adapter encryption <adapter id> <on|off>"); // this form has always shown that usage
+        // Not this form's own: it shows the usage of adapter encryption.
+        return missing("adapter encryption <adapter id> <on|off>");
     }
     char const* const period = argv[3];
     if (is(period, "monthly")) {
@@ -127,6 +128,7 @@ int dataLimitAction(int argc, char* argv[]) {
     if (is(period, "dailyboost")) {
         return dailyBoostAction(argc, argv);
     }
+    // This message alone has the capital L.
     return invalid("adapter dataLimit <monthly|daily|dailyboost>");
 }
 

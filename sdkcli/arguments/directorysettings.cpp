@@ -19,10 +19,5 @@ int gatewayAction(int argc, char* argv[]) {
 }
 
 int esniAction(int argc, char* argv[]) {
-    char const* const usage = "esni <on|off>";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    std::optional<bool> const enabled = argc == 3 ? readOnOff(argv[2]) : std::nullopt;
-    return enabled ? setEsniEnabled(*enabled) : invalid(usage);
+    return oneWordAction(argc, argv, "esni <on|off>", readOnOff, setEsniEnabled);
 }

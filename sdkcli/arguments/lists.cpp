@@ -116,7 +116,8 @@ int editList(int argc, char* argv[], ListFamily const& family, ListKind<Item> co
     int const count = argc - 4;
     Item items[mostListItems] = {};
     for (int i = 0; i < count; ++i) {
-        // A word beyond the buffer is judged and counted; the library wouldn't send its item.
+        // A word beyond the buffer is judged and counted; the library wouldn't send its item. The count leaves
+        // here whole and is cut to the 16 bits that the library takes.
         Item surplus = {};
         if (!kind.read(argv[4 + i], i < mostListItems ? items[i] : surplus)) {
             return invalid(listUsage(family, kind.word, operation, kind.item).c_str());
@@ -151,6 +152,7 @@ int firewallModeAction(int argc, char* argv[]) {
     if (argc == 3) {
         return missing(usage);
     }
+    // Words behind the mode don't matter, nor behind those of the next two actions.
     char const* const mode = argv[3];
     if (is(mode, "off")) {
         return setFirewallMode(KelvarisSDK_FirewallMode_OFF);

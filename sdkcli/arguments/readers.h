@@ -38,3 +38,14 @@ template <std::size_t N> void copyWord(char (&field)[N], char const* word) {
     std::memcpy(field, word, length);
     std::memset(field + length, 0, N - length);
 }
+
+// Exactly one word behind the keyword, which `read` takes.
+template <class Value>
+int oneWordAction(int argc, char* argv[], char const* usage, std::optional<Value> (*read)(char const*),
+                  int (*set)(Value)) {
+    if (argc == 2) {
+        return missing(usage);
+    }
+    std::optional<Value> const value = argc == 3 ? read(argv[2]) : std::nullopt;
+    return value ? set(*value) : invalid(usage);
+}

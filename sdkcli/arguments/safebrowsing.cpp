@@ -55,6 +55,7 @@ int listenAction(char const* word, int (*listen)(int)) {
     return duration ? listen(*duration) : invalid(durationUsage);
 }
 
+// An action without the word that it needs is invalid here, not missing.
 int oneWord(char const* action) {
     // clang-format off
     if (is(action, "settings")) return getSafeBrowsingSettings();

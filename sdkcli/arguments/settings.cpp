@@ -58,17 +58,6 @@ std::optional<double> readSpeed(char const* word) {
     return speed;
 }
 
-// Exactly one word behind the keyword, which `read` takes.
-template <class Value>
-int oneWordAction(int argc, char* argv[], char const* usage, std::optional<Value> (*read)(char const*),
-                  int (*set)(Value)) {
-    if (argc == 2) {
-        return missing(usage);
-    }
-    std::optional<Value> const value = argc == 3 ? read(argv[2]) : std::nullopt;
-    return value ? set(*value) : invalid(usage);
-}
-
 int captivePortalLogin(int argc, char* argv[]) {
     char const* const usage = "captiveportal login <on|off> <adapter id>";
     if (argc == 3) {

@@ -5,8 +5,8 @@
 #include "recordtext.h"
 #include "servertag.h"
 
-// A directory has hundreds of servers. To build a document of them and to write it would take twice as long as to
-// parse the report, so the text is put together as it goes: to the byte what the styled document would be.
+// A directory has hundreds of servers. To build a document of them and to write it would take twice as long as
+// to parse the report, so the text is put together as it goes: to the byte what the styled document would be.
 
 namespace {
 

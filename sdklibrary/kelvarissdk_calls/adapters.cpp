@@ -1,5 +1,6 @@
 #include <string>
 
+#include "core.h"
 #include "fields.h"
 #include "kelvarissdk.h"
 #include "keys.h"
@@ -21,16 +22,6 @@ KelvarisSDK_ConnectionState connectionStateFrom(Json::Value const& number) {
     default:
         return KelvarisSDK_ConnectionState_DISCONNECTED;
     }
-}
-
-KelvarisSDK_NetworkType stringToNetworkType(std::string const& name) {
-    for (uint32_t number = 0; number < KelvarisSDK_NetworkType_UNKNOWN; ++number) {
-        auto const type = static_cast<KelvarisSDK_NetworkType>(number);
-        if (name == KelvarisSDK_NetworkType_toString(type)) {
-            return type;
-        }
-    }
-    return KelvarisSDK_NetworkType_UNKNOWN;
 }
 
 KelvarisSDK_ConnectionPriority priorityFrom(Json::Value const& number) {
@@ -61,7 +52,9 @@ void setAdapterData(KelvarisSDK_AdapterData& data, Json::Value const& adapter) {
     copyText(data.name, adapter[Keys::_name]);
     copyText(data.description, adapter[Keys::_description]);
     data.state = connectionStateFrom(adapter[Keys::_connectionState]);
-    data.type = stringToNetworkType(adapter[Keys::_type].asString());
+    data.type =
+        enumFrom(adapter[Keys::_type], KelvarisSDK_NetworkType_UNKNOWN, KelvarisSDK_NetworkType_toString)
+            .value_or(KelvarisSDK_NetworkType_UNKNOWN);
     data.priority = priorityFrom(adapter[Keys::_priority]);
     copyText(data.ssid, adapter[Keys::_ssid]);
     copyText(data.bssid, adapter[Keys::_bssid]);
@@ -74,9 +67,7 @@ void setAdaptersResult(KelvarisSDK_AdaptersResult& result, Json::Value const& pa
 }
 
 Json::Value network(char const* adapterID) {
-    Json::Value payload;
-    payload[Keys::_network] = adapterID;
-    return payload;
+    return with(Keys::_network, adapterID);
 }
 
 // The payload of requests that set one number of an adapter.
@@ -173,10 +164,8 @@ KelvarisSDK_AdaptersResult KelvarisSDK::setAdapterOverlimitRatelimit(char const*
 KelvarisSDK_AdaptersResult
 KelvarisSDK::resetAdapterUsage(char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData) {
     // The one request that doesn't call the adapter's id "network".
-    Json::Value payload;
-    payload[Keys::_guid] = adapterID;
-    return oneShotCall(websocket.get(), callback, userData, order("reset_network_usage", payload, report),
-                       setAdaptersResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       order("reset_network_usage", with(Keys::_guid, adapterID), report), setAdaptersResult);
 }
 
 } // namespace kelvarissdk

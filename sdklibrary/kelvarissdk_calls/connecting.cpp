@@ -11,11 +11,12 @@ namespace kelvarissdk {
 
 namespace {
 
+constexpr char serverReport[] = "report_connected_server";
 constexpr uint64_t connectTimeoutMs = 60000;
 
 // The record holds the server that was reported last when the session is connected.
 bool connectCallback(KelvarisSDK_ConnectResult& result, std::string const& event, Json::Value const& report) {
-    if (event == "report_connected_server") {
+    if (event == serverReport) {
         setServerDetailedData(result.server, report);
         return false;
     }
@@ -50,7 +51,7 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectAuto(KelvarisSDK_AutoConnectMethod
     case KelvarisSDK_AutoConnectMethod_P2P:
         return connectCombined("p2p", callback, userData);
     case KelvarisSDK_AutoConnectMethod_COUNTRY:
-        // No country came with it. Callers know this refusal by the code of a missing link.
+        // No country came with it. Callers test for SDK (3840), not for INVALID_ARGUMENT.
         return refused<KelvarisSDK_ConnectResult>(noWebsocketImplementation);
     case KelvarisSDK_AutoConnectMethod_AUTO:
     case KelvarisSDK_AutoConnectMethod_PROXY: // connectProxy leads there
@@ -80,14 +81,12 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectProxy(KelvarisSDK_ConnectCallback 
 
 KelvarisSDK_ConnectResult KelvarisSDK::connectCombined(std::string const& server,
                                                        KelvarisSDK_ConnectCallback callback, void* userData) {
-    Json::Value payload;
-    payload[Keys::_server] = server;
     return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"server_auto_connect", payload}},
+                       {.requests = {{"server_auto_connect", with(Keys::_server, server)}},
                         .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
                                     {"report_connect_error"},
                                     {"report_login_error"}},
-                        .subscribed = {"report_connected_server"},
+                        .subscribed = {serverReport},
                         .timeoutMs = connectTimeoutMs,
                         .settingName = "server_auto_connect"},
                        connectCallback);
@@ -105,7 +104,7 @@ KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callba
 KelvarisSDK_ConnectResult KelvarisSDK::getConnectedServer(KelvarisSDK_ConnectCallback callback,
                                                           void* userData) {
     return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_connected_server", "report_connected_server"), setConnectResult);
+                            read("request_connected_server", serverReport), setConnectResult);
 }
 
 } // namespace kelvarissdk

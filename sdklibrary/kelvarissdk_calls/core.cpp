@@ -36,6 +36,12 @@ void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload)
     result.state = static_cast<KelvarisSDK_State>(std::min<uint32_t>(number, KelvarisSDK_State_UNKNOWN));
 }
 
+Json::Value with(Json::StaticString const& key, Json::Value const& value) {
+    Json::Value payload;
+    payload[key] = value;
+    return payload;
+}
+
 KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text) {
     std::string const mode = text.asString();
     if (mode == "RD") {
@@ -67,9 +73,7 @@ Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count)
 }
 
 KelvarisSDK_BaseResult KelvarisSDK::setAppName(char const* name) {
-    Json::Value payload;
-    payload[Keys::_app_name] = name;
-    return tell(websocket.get(), "set_app_name", payload);
+    return tell(websocket.get(), "set_app_name", with(Keys::_app_name, name));
 }
 
 void KelvarisSDK::unregisterCallback(unsigned long long callbackId) {

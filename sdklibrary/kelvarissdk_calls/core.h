@@ -2,6 +2,10 @@
 
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include <json/json.h>
 #include <kelvarissdk/types.h>
 
@@ -17,5 +21,20 @@ KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);
 // The array of such objects; one whose protocol has no name goes without "proto".
 Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count);
+
+// A payload of one member.
+Json::Value with(Json::StaticString const& key, Json::Value const& value);
+
+// The number from 0 to `last` whose text this is; nothing for any other text.
+template <class Enum>
+std::optional<Enum> enumFrom(Json::Value const& text, Enum last, char const* (*textOf)(Enum)) {
+    std::string const name = text.asString();
+    for (uint32_t number = 0; number <= last; ++number) {
+        if (name == textOf(static_cast<Enum>(number))) {
+            return static_cast<Enum>(number);
+        }
+    }
+    return std::nullopt;
+}
 
 } // namespace kelvarissdk

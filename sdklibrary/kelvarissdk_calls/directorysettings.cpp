@@ -1,3 +1,4 @@
+#include "core.h"
 #include "fields.h"
 #include "kelvarissdk.h"
 #include "keys.h"
@@ -6,6 +7,8 @@
 namespace kelvarissdk {
 
 namespace {
+
+constexpr char report[] = "report_directory_settings";
 
 // These records count as failed until a report has reached them.
 Exchange failedUntilReported(Exchange exchange) {
@@ -25,17 +28,15 @@ void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
     return subscriptionCall(websocket.get(), callback, userData,
-                            failedUntilReported(read("request_directory_url", "report_directory_settings")),
-                            setDirectoryResult);
+                            failedUntilReported(read("request_directory_url", report)), setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
-    Json::Value payload;
-    payload[Keys::_enableEsni] = enabled;
-    return oneShotCall(websocket.get(), callback, userData,
-                       failedUntilReported(change("set_esni_enabled", payload, "report_directory_settings")),
-                       setDirectoryResult);
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        failedUntilReported(change("set_esni_enabled", with(Keys::_enableEsni, enabled), report)),
+        setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult
@@ -45,10 +46,9 @@ KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySetting
     if (domain != nullptr) {
         payload[Keys::_domain] = domain;
     }
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        failedUntilReported(order("set_directory_domain", payload, "report_directory_settings")),
-        setDirectoryResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       failedUntilReported(order("set_directory_domain", payload, report)),
+                       setDirectoryResult);
 }
 
 // The resets hand no user data on: callers rely on a null pointer in their callback.
@@ -64,10 +64,9 @@ KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettin
     if (uri != nullptr) {
         payload[Keys::_url] = uri; // the report spells this key differently
     }
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        failedUntilReported(order("set_directory_gateway_uri", payload, "report_directory_settings")),
-        setDirectoryResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       failedUntilReported(order("set_directory_gateway_uri", payload, report)),
+                       setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult

@@ -15,6 +15,10 @@ namespace kelvarissdk {
 
 namespace {
 
+constexpr char firewallReport[] = "report_firewall_settings";
+constexpr char localProxyReport[] = "report_localproxy_settings";
+constexpr char streamingReport[] = "report_streaming_settings";
+
 constexpr unsigned mostItems = 100;
 
 // A text that isn't an address of that family leaves zeroes, and still counts as an item.
@@ -98,9 +102,7 @@ Json::Value ipv6Payload(unsigned short count, in6_addr const* addresses) {
 }
 
 Json::Value portsPayload(unsigned short count, KelvarisSDK_ProtocolPortPair const* ports) {
-    Json::Value payload;
-    payload[Keys::_ports] = portPairs(ports, sent(count));
-    return payload;
+    return with(Keys::_ports, portPairs(ports, sent(count)));
 }
 
 } // namespace
@@ -108,32 +110,31 @@ Json::Value portsPayload(unsigned short count, KelvarisSDK_ProtocolPortPair cons
 KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::getFirewallSettings(KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
     return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_firewall_settings", "report_firewall_settings"), setFirewallResult);
+                            read("request_firewall_settings", firewallReport), setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallMode(KelvarisSDK_FirewallMode mode,
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
-    Json::Value payload;
-    payload[Keys::_mode] = KelvarisSDK_FirewallMode_toString(mode);
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_mode", payload, "report_firewall_settings"), setFirewallResult);
+                       change("set_firewall_mode", with(Keys::_mode, KelvarisSDK_FirewallMode_toString(mode)),
+                              firewallReport),
+                       setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::setFirewallDomains(unsigned short count, char (*domains)[50],
                                 KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_firewall_domains", domainsPayload(count, domains), "report_firewall_settings"),
-        setFirewallResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_firewall_domains", domainsPayload(count, domains), firewallReport),
+                       setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv4(unsigned short count, in_addr* addresses,
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ipv4", ipv4Payload(count, addresses), "report_firewall_settings"),
+                       change("set_firewall_ipv4", ipv4Payload(count, addresses), firewallReport),
                        setFirewallResult);
 }
 
@@ -141,7 +142,7 @@ KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv6(unsigned short c
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ipv6", ipv6Payload(count, addresses), "report_firewall_settings"),
+                       change("set_firewall_ipv6", ipv6Payload(count, addresses), firewallReport),
                        setFirewallResult);
 }
 
@@ -149,52 +150,46 @@ KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::setFirewallPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                               KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ports", portsPayload(count, ports), "report_firewall_settings"),
+                       change("set_firewall_ports", portsPayload(count, ports), firewallReport),
                        setFirewallResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::getLocalProxySettings(KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
     return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_localproxy_settings", "report_localproxy_settings"),
-                            setLocalProxyResult);
+                            read("request_localproxy_settings", localProxyReport), setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyEnabled(bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
                                   void* userData) {
-    Json::Value payload;
-    payload[Keys::_enabled] = enabled;
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_localproxy_enabled", payload, "report_localproxy_settings"),
+                       change("set_localproxy_enabled", with(Keys::_enabled, enabled), localProxyReport),
                        setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyDomains(unsigned short count, char (*domains)[50],
                                   KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_localproxy_domains", domainsPayload(count, domains), "report_localproxy_settings"),
-        setLocalProxyResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_localproxy_domains", domainsPayload(count, domains), localProxyReport),
+                       setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyIPv4(unsigned short count, in_addr* addresses,
                                KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_localproxy_ipv4", ipv4Payload(count, addresses), "report_localproxy_settings"),
-        setLocalProxyResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_localproxy_ipv4", ipv4Payload(count, addresses), localProxyReport),
+                       setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
                                KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_localproxy_ipv6", ipv6Payload(count, addresses), "report_localproxy_settings"),
-        setLocalProxyResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_localproxy_ipv6", ipv6Payload(count, addresses), localProxyReport),
+                       setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
@@ -203,7 +198,7 @@ KelvarisSDK::setLocalProxyPorts(unsigned short count, KelvarisSDK_ProtocolPortPa
     // The daemon locks these ports together with the firewall's, under the name of those.
     return oneShotCall(websocket.get(), callback, userData,
                        {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
-                        .awaited = {{"report_localproxy_settings"}},
+                        .awaited = {{localProxyReport}},
                         .settingName = "set_firewall_ports"},
                        setLocalProxyResult);
 }
@@ -215,49 +210,45 @@ KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEn
     payload[Keys::_enabled] = enabled;
     // Services can't be locked.
     return oneShotCall(websocket.get(), callback, userData,
-                       order("set_localproxy_domainwatchlist_enable", payload, "report_localproxy_settings"),
+                       order("set_localproxy_domainwatchlist_enable", payload, localProxyReport),
                        setLocalProxyResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::getStreamingSettings(KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
     return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_streaming_settings", "report_streaming_settings"),
-                            setStreamingResult);
+                            read("request_streaming_settings", streamingReport), setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingDomains(unsigned short count, char (*domains)[50],
                                  KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_streaming_domains", domainsPayload(count, domains), "report_streaming_settings"),
-        setStreamingResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_streaming_domains", domainsPayload(count, domains), streamingReport),
+                       setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingIPv4(unsigned short count, in_addr* addresses,
                               KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_streaming_ipv4", ipv4Payload(count, addresses), "report_streaming_settings"),
-        setStreamingResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_streaming_ipv4", ipv4Payload(count, addresses), streamingReport),
+                       setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingIPv6(unsigned short count, in6_addr* addresses,
                               KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        change("set_streaming_ipv6", ipv6Payload(count, addresses), "report_streaming_settings"),
-        setStreamingResult);
+    return oneShotCall(websocket.get(), callback, userData,
+                       change("set_streaming_ipv6", ipv6Payload(count, addresses), streamingReport),
+                       setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                                KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       change("set_streaming_ports", portsPayload(count, ports), "report_streaming_settings"),
+                       change("set_streaming_ports", portsPayload(count, ports), streamingReport),
                        setStreamingResult);
 }
 

@@ -69,9 +69,7 @@ void setAccountingResult(KelvarisSDK_AccountingResult& result, Json::Value const
 } // namespace
 
 AwaitedReport stateReached(KelvarisSDK_State state) {
-    Json::Value members;
-    members[Keys::_state] = static_cast<int>(state);
-    return {"report_current_state", members};
+    return {"report_current_state", with(Keys::_state, static_cast<int>(state))};
 }
 
 void setReportedError(KelvarisSDK_BaseResult& result, Json::Value const& report) {
@@ -91,10 +89,8 @@ KelvarisSDK_StateResult KelvarisSDK::login(char const* username, char const* pas
 
 KelvarisSDK_StateResult KelvarisSDK::loginOAuth(char const* token, KelvarisSDK_StateCallback callback,
                                                 void* userData) {
-    Json::Value payload;
-    payload[Keys::_oauth] = token;
-    return oneShotCall(websocket.get(), callback, userData, loginExchange({{"login_oauth", payload}}),
-                       loginCallback);
+    return oneShotCall(websocket.get(), callback, userData,
+                       loginExchange({{"login_oauth", with(Keys::_oauth, token)}}), loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData) {

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "core.h"
 #include "fields.h"
 #include "kelvarissdk.h"
 #include "keys.h"
@@ -12,26 +13,18 @@ namespace {
 constexpr char settingsReport[] = "report_safe_browsing_settings";
 constexpr char connectErrorReport[] = "report_safe_browsing_connect_error";
 
-// A text that stands for none of the numbers up to `last` leaves the field as it was.
-template <class Enum>
-void setByText(Enum& field, Json::Value const& value, Enum last, char const* (*textOf)(Enum)) {
-    std::string const text = value.asString();
-    for (uint32_t number = 0; number <= last; ++number) {
-        if (text == textOf(static_cast<Enum>(number))) {
-            field = static_cast<Enum>(number);
-        }
-    }
-}
-
 void setSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult& result, Json::Value const& settings) {
     result.initialized = settings[Keys::_initialized].asBool();
     result.enabled = settings[Keys::_enabled].asBool();
     result.configSet = settings[Keys::_config_set].asBool();
-    setByText(result.logLevel, settings[Keys::_log_level], KelvarisSDK_SafeBrowsingLogLevel_WARNING,
-              KelvarisSDK_SafeBrowsing_LogLevel_toString);
-    setByText(result.networkOverride, settings[Keys::_network_override],
-              KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE,
-              KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString);
+    // A text without a number leaves the field as it was.
+    result.logLevel = enumFrom(settings[Keys::_log_level], KelvarisSDK_SafeBrowsingLogLevel_WARNING,
+                               KelvarisSDK_SafeBrowsing_LogLevel_toString)
+                          .value_or(result.logLevel);
+    result.networkOverride =
+        enumFrom(settings[Keys::_network_override], KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE,
+                 KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString)
+            .value_or(result.networkOverride);
 }
 
 // The calls that the service has a say in: a connect error finishes the record without failing the call.
@@ -71,16 +64,10 @@ void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Jso
     result.num_packets_filtered = stats[Keys::_num_safe_browsing_packets_filtered].asUInt64();
 }
 
-Json::Value object(Json::StaticString const& key, Json::Value const& value) {
-    Json::Value payload;
-    payload[key] = value;
-    return payload;
-}
-
 // Settings from before the initialization say nothing about the request: they don't end the call.
 Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
     return {.requests = {{request, payload}},
-            .awaited = {{settingsReport, object(Keys::_initialized, true)}, {connectErrorReport}},
+            .awaited = {{settingsReport, with(Keys::_initialized, true)}, {connectErrorReport}},
             .settingName = settingName};
 }
 
@@ -89,7 +76,7 @@ Exchange untilInitialized(char const* request, Json::Value const& payload, char 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"initialize_safe_browsing", object(Keys::_config, config)}},
+                       {.requests = {{"initialize_safe_browsing", with(Keys::_config, config)}},
                         .awaited = {{settingsReport}, {connectErrorReport}},
                         .settingName = "initialize_safe_browsing"},
                        settingsOrConnectError);
@@ -100,7 +87,7 @@ KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* co
                                                                   KelvarisSDK_SafeBrowsingCallback callback,
                                                                   void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"set_safe_browsing_config", object(Keys::_config, config)}},
+                       {.requests = {{"set_safe_browsing_config", with(Keys::_config, config)}},
                         .awaited = {{settingsReport}},
                         .settingName = "initialize_safe_browsing"},
                        setSafeBrowsingResult);
@@ -109,7 +96,7 @@ KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* co
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::setSafeBrowsingEnabled(bool enable, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       change("enable_safe_browsing", object(Keys::_enable, enable), settingsReport),
+                       change("enable_safe_browsing", with(Keys::_enable, enable), settingsReport),
                        setSafeBrowsingResult);
 }
 
@@ -118,7 +105,7 @@ KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingLogLevel(KelvarisSDK_
                                                                     void* userData) {
     char const* const text = KelvarisSDK_SafeBrowsing_LogLevel_toString(level);
     return oneShotCall(websocket.get(), callback, userData,
-                       order("set_safe_browsing_log_level", object(Keys::_log_level, text), settingsReport),
+                       order("set_safe_browsing_log_level", with(Keys::_log_level, text), settingsReport),
                        setSafeBrowsingResult);
 }
 
@@ -126,17 +113,17 @@ KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
                                                 KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
     char const* const text = KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(value);
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("set_safe_browsing_safe_network_override", object(Keys::_network_override, text),
-                             settingsReport),
-                       setSafeBrowsingResult);
+    return oneShotCall(
+        websocket.get(), callback, userData,
+        order("set_safe_browsing_safe_network_override", with(Keys::_network_override, text), settingsReport),
+        setSafeBrowsingResult);
 }
 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback,
                                       void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       untilInitialized("safe_browsing_token_refresh", object(Keys::_token, token),
+                       untilInitialized("safe_browsing_token_refresh", with(Keys::_token, token),
                                         "safe_browsing_token_refresh"),
                        settingsOrConnectError);
 }
@@ -160,7 +147,7 @@ KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::updateSafeBrowsingExtraInfo(char const* info, KelvarisSDK_SafeBrowsingCallback callback,
                                          void* userData) {
     return oneShotCall(websocket.get(), callback, userData,
-                       untilInitialized("set_safe_browsing_extra_info", object(Keys::_info, info),
+                       untilInitialized("set_safe_browsing_extra_info", with(Keys::_info, info),
                                         "set_safe_browsing_extra_info"),
                        settingsOrConnectError);
 }

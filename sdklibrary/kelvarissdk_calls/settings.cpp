@@ -19,17 +19,6 @@ constexpr char privacyReport[] = "report_privacy_settings";
 constexpr unsigned short mostForwardedPorts = 20;
 constexpr unsigned short mostDnsServers = 3;
 
-KelvarisSDK_TransportMode transportModeFrom(Json::Value const& text) {
-    std::string const name = text.asString();
-    for (uint32_t number = 0; number <= KelvarisSDK_TransportMode_TCP_MULTI; ++number) {
-        auto const mode = static_cast<KelvarisSDK_TransportMode>(number);
-        if (name == KelvarisSDK_TransportMode_toString(mode)) {
-            return mode;
-        }
-    }
-    return KelvarisSDK_TransportMode_AUTO;
-}
-
 char const* algorithmOf(KelvarisSDK_BondingMode mode) {
     switch (mode) {
     case KelvarisSDK_BondingMode_SPEED:
@@ -68,7 +57,9 @@ void setConnectionSettings(KelvarisSDK_SettingsResult& result, Json::Value const
     result.allowChaChaEncryption = settings[Keys::_allow_chacha_encryption].asBool();
     result.bondingMode = bondingModeFrom(settings[Keys::_algorithm]);
     result.startupConnect = settings[Keys::_startup_connect].asBool();
-    result.transportMode = transportModeFrom(settings[Keys::_transport_mode]);
+    result.transportMode = enumFrom(settings[Keys::_transport_mode], KelvarisSDK_TransportMode_TCP_MULTI,
+                                    KelvarisSDK_TransportMode_toString)
+                               .value_or(KelvarisSDK_TransportMode_AUTO);
     if (settings.isMember(Keys::_forward_ports)) { // without it the ports of an earlier report stand
         fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports],
                   setPortPair);
@@ -107,13 +98,6 @@ void setCaptiveNetworksResult(KelvarisSDK_CaptivePortalCheckResult& result, Json
 void setCaptiveLoginResult(KelvarisSDK_CaptivePortalLoginResult& result, Json::Value const& payload) {
     result.enabled = payload[Keys::_enabled].asBool();
     copyText(result.adapterID, payload[Keys::_network]);
-}
-
-// A payload of one member.
-Json::Value with(Json::StaticString const& key, Json::Value const& value) {
-    Json::Value payload;
-    payload[key] = value;
-    return payload;
 }
 
 } // namespace

@@ -179,19 +179,11 @@ void setStreamingStatsResult(KelvarisSDK_StreamingStatsResult& result, Json::Val
     fillSlots(result.streamCount, result.streams, report[Keys::_streams], setStream);
 }
 
-KelvarisSDK_DisconnectReason disconnectReasonFromString(std::string const& text) {
-    for (uint32_t number = KelvarisSDK_DisconnectReason_CONNECTIVITY;
-         number <= KelvarisSDK_DisconnectReason_SAFENETWORK; ++number) {
-        auto const reason = static_cast<KelvarisSDK_DisconnectReason>(number);
-        if (text == KelvarisSDK_DisconnectReason_toString(reason)) {
-            return reason;
-        }
-    }
-    return KelvarisSDK_DisconnectReason_UNKNOWN;
-}
-
 void setDisconnectEventResult(KelvarisSDK_DisconnectEventResult& result, Json::Value const& event) {
-    result.disconnectReason = disconnectReasonFromString(event[Keys::_disconnectReason].asString());
+    result.disconnectReason =
+        enumFrom(event[Keys::_disconnectReason], KelvarisSDK_DisconnectReason_SAFENETWORK,
+                 KelvarisSDK_DisconnectReason_toString)
+            .value_or(KelvarisSDK_DisconnectReason_UNKNOWN);
     result.sessionEnd = event[Keys::_sessionEnd].asInt64();
     result.sessionLength = event[Keys::_sessionLength].asInt64();
 }
@@ -227,35 +219,25 @@ void setSpeedTest(KelvarisSDK_SpeedTestEntry& entry, int64_t time, Json::Value c
     }
 }
 
-// The first tests of the list, or the newest alone; of several that are equally new, the last.
-void setSpeedTestResults(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests, bool onlyLatest) {
-    result.testCount = 0;
-    int64_t latest = 0;
-    for (Json::Value const& test : tests) {
-        if (result.testCount == std::size(result.tests)) {
-            break;
-        }
-        int64_t const time = testTime(test[Keys::_time].asString());
-        if (onlyLatest && time < latest) {
-            continue;
-        }
-        latest = time;
-        setSpeedTest(result.tests[result.testCount], time, test);
-        if (!onlyLatest) {
-            ++result.testCount;
-        }
-    }
-    if (onlyLatest && latest != 0) {
-        result.testCount = 1;
-    }
+void setTimedTest(KelvarisSDK_SpeedTestEntry& entry, Json::Value const& test) {
+    setSpeedTest(entry, testTime(test[Keys::_time].asString()), test);
 }
 
 void setAllTests(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
-    setSpeedTestResults(result, tests, false);
+    fillSlots(result.testCount, result.tests, tests, setTimedTest);
 }
 
+// The newest test alone; of several that are equally new, the last. None where no time can be read.
 void setLatestTest(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
-    setSpeedTestResults(result, tests, true);
+    int64_t latest = 0;
+    for (Json::Value const& test : tests) {
+        int64_t const time = testTime(test[Keys::_time].asString());
+        if (time >= latest) {
+            latest = time;
+            setSpeedTest(result.tests[0], time, test);
+        }
+    }
+    result.testCount = latest != 0 ? 1 : 0;
 }
 
 Exchange testWithin(char const* request, uint64_t timeoutMs) {
