@@ -9,6 +9,7 @@
 
 #include "websockets.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <iterator>
@@ -55,6 +56,19 @@ bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* end = nullptr;
     return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
+
+// A thread's writer of requests. At the program's end it goes before the static objects and the handlers of
+// exit(), and they may still make calls. The flag has no destructor, so it can be read for as long as anything
+// runs.
+thread_local bool threadsWriterGone = false;
+
+struct ThreadsWriter {
+    ~ThreadsWriter() {
+        threadsWriterGone = true;
+    }
+
+    std::unique_ptr<Json::StreamWriter> const writer{Json::StreamWriterBuilder().newStreamWriter()};
+};
 
 } // namespace
 
@@ -212,11 +226,13 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     envelope.append(request);
     envelope.append(payload);
     envelope.append("kelvaris_sdk");
+    if (threadsWriterGone) {
+        return envelope.toStyledString();
+    }
     // What toStyledString() writes; making its writer costs more than writing a small request with it.
-    thread_local std::unique_ptr<Json::StreamWriter> const writer(
-        Json::StreamWriterBuilder().newStreamWriter());
+    thread_local ThreadsWriter const threads;
     std::ostringstream text;
-    writer->write(envelope, &text);
+    threads.writer->write(envelope, &text);
     text << '\n';
     return std::move(text).str();
 }
@@ -260,10 +276,14 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     }
     std::vector<std::string> requests = std::move(description.requests);
     description.startTime = getTimeMillis();
+    std::map<uint64_t, EventDescription> arrival;
+    arrival.emplace(id, std::move(description));
     {
         std::lock_guard const lock(outgoingMutex);
-        arrivals.emplace(id, std::move(description));
-        std::move(requests.begin(), requests.end(), std::back_inserter(outgoing));
+        // Before the merge, which can't fail: a call that throws leaves no entry behind.
+        outgoing.insert(outgoing.end(), std::move_iterator(requests.begin()),
+                        std::move_iterator(requests.end()));
+        arrivals.merge(arrival);
     }
     wakeup.signal();
     return id;
@@ -271,11 +291,11 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
 
 void WebsocketImpl::removeCallback(unsigned long long id) {
     std::lock_guard const lock(eventsMutex);
-    admitArrivals();
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
-    } else {
-        events.erase(id);
+    } else if (events.erase(id) == 0) {
+        std::lock_guard const arrivalsLock(outgoingMutex);
+        arrivals.erase(id);
     }
 }
 
@@ -425,10 +445,14 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     return remove;
 }
 
-// A request leaves after its entry has arrived and its answer comes later still, so no answer is missed. The
-// caller holds eventsMutex.
+// A request leaves after its entry has arrived and its answer comes later still, so no answer is missed. What
+// arrived while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called between
+// two visits; the caller holds eventsMutex.
 void WebsocketImpl::admitArrivals() {
     std::lock_guard const lock(outgoingMutex);
+    for (auto& [id, entry] : arrivals) {
+        entry.startTime = std::max(entry.startTime, visitEnded);
+    }
     events.merge(arrivals);
 }
 
@@ -446,6 +470,7 @@ template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
         visitedId = nullptr;
         entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
     }
+    visitEnded = getTimeMillis();
 }
 
 } // namespace kelvarissdk

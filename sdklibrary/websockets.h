@@ -153,9 +153,10 @@ private:
     bool running = true; // guarded by runningMutex
 
     std::recursive_mutex eventsMutex;            // recursive: callbacks remove entries
-    std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next two
+    std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next three
     uint64_t const* visitedId = nullptr;         // the entry under delivery
     bool visitedRemoved = false;                 // it was removed meanwhile
+    uint64_t visitEnded = 0;                     // of getTimeMillis; when callbacks ran last
 
     std::mutex outgoingMutex;
     std::deque<std::string> outgoing;              // guarded by outgoingMutex, as is the next

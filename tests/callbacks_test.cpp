@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <future>
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace harness;
@@ -138,4 +141,22 @@ TEST(Callbacks, TenHandlesInOneProcess) {
         EXPECT_EQ(pairs[i]->inbox.take().state, i % 8);
         pairs.pop_back();
     }
+}
+
+// The thread's own objects are gone by then, the library's among them.
+TEST(Handles, ServeTheProgramsExitHandlers) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    static KelvarisSDK_Handle* sdk = nullptr;
+    auto const useAtExit = [] {
+        Handle handle(1);
+        sdk = std::exchange(handle.sdk, nullptr);
+        KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
+        std::atexit([] {
+            bool const failed = KelvarisSDK_EnableStatUpdates(sdk, false, 0, nullptr).error;
+            KelvarisSDK_Destroy(sdk);
+            std::fputs(failed ? "failed" : "served", stderr);
+        });
+        std::exit(0);
+    };
+    EXPECT_EXIT(useAtExit(), testing::ExitedWithCode(0), "^served$");
 }

@@ -182,6 +182,7 @@ TEST(Engine, TimeOuts) {
     ScriptedDaemon silent({asked()}, noName);
     ScriptedDaemon absent({}, {.appName = std::nullopt, .listen = false});
     ScriptedDaemon closing({asked({}, Then::closeFrame)}, noName);
+    ScriptedDaemon answering({asked({connected})}, noName);
     ScriptedDaemon rejecting({{"set", "null", {R"(["report_setting_locked",{"setting":"other"}])"}}}, noName);
     auto const timeOut = [](ScriptedDaemon const& daemon, int code, std::string const& message) {
         WebsocketImpl link("127.0.0.1", daemon.port());
@@ -223,6 +224,24 @@ TEST(Engine, TimeOuts) {
         EXPECT_EQ(waiting.take().base.errorCode, 3845);
         EXPECT_TRUE(waiting.empty());
         EXPECT_TRUE(listening.empty());
+    });
+    // A request can't leave while a callback runs, so its time-out begins when the callback has returned.
+    threads.emplace_back([&] {
+        WebsocketImpl link("127.0.0.1", answering.port());
+        std::promise<void> entered;
+        EventDescription slow;
+        WebsocketImpl::subscribeToEvent(slow, "slow");
+        link.getResult(slow, [&](std::string const&, std::string const&, Json::Value const&) {
+            entered.set_value();
+            std::this_thread::sleep_for(std::chrono::milliseconds(900));
+            return true;
+        });
+        answering.waitForConnections(1);
+        answering.send(R"(["slow",{}])");
+        entered.get_future().wait();
+        Exchange exchange = read("request_current_state", "report_current_state");
+        exchange.timeoutMs = 700;
+        EXPECT_EQ(messageOf(call(link, exchange).base), "");
     });
 }
 
