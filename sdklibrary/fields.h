@@ -45,6 +45,7 @@ private:
     std::string_view text;
 };
 
+// setText() with a value of a report.
 template <std::size_t N> void copyText(char (&field)[N], Json::Value const& value) {
     setText(field, Text(value).view());
 }

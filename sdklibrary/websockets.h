@@ -156,7 +156,7 @@ private:
     std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next three
     uint64_t const* visitedId = nullptr;         // the entry under delivery
     bool visitedRemoved = false;                 // it was removed meanwhile
-    uint64_t visitEnded = 0;                     // of getTimeMillis; when callbacks ran last
+    uint64_t visitEnded = 0;                     // of getTimeMillis; until then callbacks may have run
 
     std::mutex outgoingMutex;
     std::deque<std::string> outgoing;              // guarded by outgoingMutex, as is the next
