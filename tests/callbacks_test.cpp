@@ -4,12 +4,10 @@
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <future>
-#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -117,29 +115,6 @@ TEST(Callbacks, ManyThreadsOnOneHandle) {
     }
     for (auto& thread : threads) {
         EXPECT_TRUE(thread.get());
-    }
-}
-
-TEST(Callbacks, TenHandlesInOneProcess) {
-    struct Pair {
-        explicit Pair(int state)
-            : daemon({{.request = "request_current_state",
-                       .answers = {R"(["report_current_state",{"state":)" + std::to_string(state) + "}]"}}},
-                     noName),
-              handle(daemon.port()) {
-            KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
-        }
-        Inbox inbox;
-        ScriptedDaemon daemon;
-        Handle handle;
-    };
-    std::vector<std::unique_ptr<Pair>> pairs;
-    for (int i = 0; i < 10; ++i) {
-        pairs.push_back(std::make_unique<Pair>(i % 8));
-    }
-    for (unsigned i = 10; i-- > 0;) {
-        EXPECT_EQ(pairs[i]->inbox.take().state, i % 8);
-        pairs.pop_back();
     }
 }
 

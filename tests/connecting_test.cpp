@@ -56,6 +56,7 @@ TEST(Connecting, FormsOfTheWords) {
              Form{" proxy", "proxy", "proxy", ""},
              Form{" US", "US", "country", "US"},
              Form{" us nyc", "us|nyc", "country", "us|nyc"},
+             Form{" us nyc 1", "us|nyc|1", "country", "us|nyc|1"},
              Form{" us ''", "us|", "country", "us|"},
              Form{" privateus nyc 2147483647", "privateus|nyc|2147483647", "country",
                   "privateus|nyc|2147483647"},
@@ -80,8 +81,9 @@ TEST(Connecting, RefusedWords) {
     Refusals method{"connectmethod < closest | public | private | p2p | <country> [<city> [<number>]] >",
                     {"connectmethod"},
                     {"connectmethod last"}};
-    for (std::string const words : {"USA", "u1", "''", "privateu1", "public nyc", "u1 nyc2 0", "us nyc 0",
-                                    "us nyc 3x", "us nyc 2147483648", "us nyc 3 4"}) {
+    for (std::string const words :
+         {"USA", "u1", "''", "privateu1", "privateu", "privateuss", "private1x", "Privateus", "public nyc",
+          "u1 nyc2 0", "us nyc 0", "us nyc 3x", "us nyc 2147483648", "us nyc 3 4"}) {
         connect.invalid.push_back("connect " + words);
         method.invalid.push_back("connectmethod " + words);
     }

@@ -1,6 +1,7 @@
 // The frame of the tool: options, dispatch, usage text, the actions of no family, the error document, the
-// prompt.
+// prompt, the product's name in messages.
 
+#include "productStringReplacement.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -10,20 +11,11 @@ using namespace harness;
 namespace {
 
 std::vector<Step> state(std::string const& payload) {
-    return {{"request_current_state", "null", {"[\"report_current_state\"," + payload + "]"}}};
+    return {asked("current_state", payload)};
 }
 
 std::string stateDocument(std::string const& name) {
     return styled(R"({"state":")" + name + "\"}");
-}
-
-// FNV-1a: the usage text is long and never changes.
-uint64_t hash(std::string const& text) {
-    uint64_t value = 14695981039346656037U;
-    for (char const byte : text) {
-        value = (value ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-    return value;
 }
 
 } // namespace
@@ -112,4 +104,14 @@ TEST(Frame, OutputThatCantBeWritten) {
         EXPECT_EQ(outcome.status, 1);
         EXPECT_EQ(outcome.err, "sdkcli: can't write to standard output\n");
     }
+}
+
+TEST(Product, PlaceholderIsReplaced) {
+    char const* const plain = "kelvarisProductName {kelvarisProductname}";
+    EXPECT_EQ(replaceProductString(plain), plain);
+    EXPECT_STREQ(replaceProductString("{kelvarisProductName} & {kelvarisProductName}{"),
+                 "Kelvaris & Kelvaris{");
+    std::string const full = replaceProductString(("{kelvarisProductName}" + std::string(300, 'x')).c_str());
+    EXPECT_EQ(full, "Kelvaris" + std::string(192, 'x'));
+    EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
 }

@@ -1,10 +1,8 @@
 // The request engine: event table, filters, time-outs, reconnecting, callbacks. Calls with short time-outs of
 // their own go through the wrappers; the others through the C interface.
 
-#include "kelvarissdk.h"
 #include "support/handle.h"
-#include "support/scripteddaemon.h"
-#include "websockets.h"
+#include "support/sdk.h"
 #include "wswrapper.h"
 
 #include <future>
@@ -17,8 +15,6 @@ using namespace kelvarissdk;
 namespace {
 
 constexpr char connected[] = R"(["report_current_state",{"state":6}])";
-
-Options const noName{.appName = std::nullopt};
 
 void fillState(KelvarisSDK_StateResult& result, Json::Value const& payload) {
     result.state = static_cast<KelvarisSDK_State>(payload["state"].asUInt());
@@ -342,14 +338,12 @@ TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
 }
 
 TEST(Engine, WithoutALinkEveryFormOfCallFails) {
-    class Unlinked : public KelvarisSDK {
-    public:
-        Unlinked() : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = 0}) {
-            websocket.reset();
-        }
-    } sdk;
+    ScriptedDaemon daemon({}, noName);
+    Sdk sdk(daemon);
+    sdk.unlink();
     for (KelvarisSDK_BaseResult const& base :
-         {sdk.daemonExit(), sdk.getState(nullptr, nullptr).base, sdk.getVersion(nullptr, nullptr).base}) {
+         {sdk.daemonExit(), sdk.enableStatUpdates(true, 0, nullptr), sdk.getState(nullptr, nullptr).base,
+          sdk.getVersion(nullptr, nullptr).base}) {
         EXPECT_TRUE(base.error);
         EXPECT_EQ(base.errorCode, 3840);
         EXPECT_EQ(messageOf(base), "An error in the SDK");

@@ -22,8 +22,8 @@ struct Family {
 Family const firewall{"firewall", "firewall", R"(,"mode":"denylist")", R"("mode":"denylist",)"};
 Family const streaming{"streaming", "streaming", "", ""};
 Family const bypass{"streamingbypass", "localproxy",
-                    R"(,"domain_watchlist":[{"title":"video","enabled":true}])",
-                    R"("services":[{"title":"video","enabled":true}],)"};
+                    R"(,"domain_watchlist":[{"title":"video","enabled":true},{"title":"music"}])",
+                    R"("services":[{"title":"video","enabled":true},{"title":"music","enabled":false}],)"};
 std::vector<Family> const families{firewall, streaming, bypass};
 
 std::vector<std::string> const kinds{"domains", "ipv4", "ipv6", "ports"};

@@ -67,8 +67,8 @@ std::vector<Call> const settingCalls = {
 std::vector<Call> const serviceCalls = {
     {"token t", "safe_browsing_token_refresh", R"({"token":"t"})", "safe_browsing_token_refresh"},
     {"update i", "set_safe_browsing_extra_info", R"({"info":"i"})", "set_safe_browsing_extra_info"},
-    {"homenetwork 1 -2 18446744073709551615", "safe_browsing_report_home_network",
-     R"({"retries":1,"delay":18446744073709551614,"timeout":18446744073709551615})",
+    {"homenetwork 0 -2 18446744073709551615", "safe_browsing_report_home_network",
+     R"({"retries":0,"delay":18446744073709551614,"timeout":18446744073709551615})",
      "safe_browsing_token_refresh"},
 };
 
@@ -224,7 +224,8 @@ TEST(SafeBrowsing, RefusedWords) {
                        {name + "homenetwork [retries delay timeout]",
                         {},
                         {name + "homenetwork -1 2 3", name + "homenetwork 4294967296 2 3",
-                         name + "homenetwork 1 18446744073709551616 3", name + "homenetwork 1 2 3s"}},
+                         name + "homenetwork 1 18446744073709551616 3", name + "homenetwork 1 2 3s",
+                         name + "homenetwork 1 '' 3", name + "homenetwork 1 0x10 3"}},
                        {name + "<initialize|config|enable|errors|stats|redirects|loglevel|token|homenetwork|"
                                "override|settings|start|stop|update>",
                         {"safebrowsing"},

@@ -108,7 +108,7 @@ TEST(Settings, AreChanged) {
                    {"route default off", route, R"({"enabled":false})"},
                    {"route default on extra", route, R"({"enabled":true})"},
                    {"ports", ports, R"({"forward_ports":[]})"},
-                   {"ports 80/tcpx 443 53/udp", ports,
+                   {"ports 80/tcpx 443 53/udp/tcp", ports,
                     R"({"forward_ports":[{"proto":"tcp","port":80},{"proto":"tcp","port":443},
                                          {"proto":"udp","port":53}]})"},
                    {"ports" + repeated(" 9", 20), ports,
@@ -135,7 +135,10 @@ TEST(Settings, AreRefused) {
                   {},
                   {"overflow -1", "overflow 1e10", "overflow nan", "overflow 12abc", "overflow ''"}},
                  {"route default <on|off>", {"route", "route default"}, {"route on", "route default yes"}},
-                 {"ports [port/proto] ...", {}, {"ports 80 0"}},
+                 {"ports [port/proto] ...",
+                  {},
+                  {"ports 80 0", "ports 65536", "ports -1", "ports 80x", "ports /tcp", "ports 80/",
+                   "ports 80/TCP", "ports ''"}},
                  {"only 20 ports may be requested\n", {}, {"ports" + repeated(" 0", 21)}}});
     runRows(rows);
 }

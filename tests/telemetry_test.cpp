@@ -4,6 +4,7 @@
 #include "support/rows.h"
 #include "support/sdk.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -255,15 +256,19 @@ TEST(Stats, SubscriptionAndItsRepeat) {
     sdk.getLastDisconnectEvent(nullptr, nullptr);
 }
 
-// Twenty ticks would be five seconds.
+// A tick is 250 ms. Some ends come before the first tick begins, and a busy machine may hold up a few.
 TEST(Stats, DestructionEndsATick) {
     ScriptedDaemon daemon({}, noName);
-    auto const start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 20; ++i) {
-        Sdk const sdk(daemon);
-        daemon.waitForConnections(static_cast<std::size_t>(i) + 1);
+    std::vector<std::chrono::steady_clock::duration> times;
+    for (std::size_t i = 1; i <= 20; ++i) {
+        auto sdk = std::make_unique<Sdk>(daemon);
+        daemon.waitForConnections(i);
+        auto const start = std::chrono::steady_clock::now();
+        sdk.reset();
+        times.push_back(std::chrono::steady_clock::now() - start);
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    std::sort(times.begin(), times.end());
+    EXPECT_LT(times[15], std::chrono::milliseconds(200));
 }
 
 TEST(Stats, BriefForm) {

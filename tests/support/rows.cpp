@@ -126,6 +126,14 @@ std::string series(int count, std::string const& element, int first) {
     return text;
 }
 
+uint64_t hash(std::string const& text) {
+    uint64_t value = 14695981039346656037U;
+    for (char const byte : text) {
+        value = (value ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    }
+    return value;
+}
+
 std::string changed(std::string const& document, std::string const& members) {
     Json::Value whole = parsed(document);
     Json::Value const replaced = parsed(members);

@@ -3,6 +3,7 @@
 #include "support/process.h"
 #include "support/scripteddaemon.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -79,6 +80,9 @@ Step asked(std::string const& what, std::string const& payload); // "request_", 
 
 // `count` elements with commas between them; each "#" in an element is its number.
 std::string series(int count, std::string const& element, int first = 0);
+
+// FNV-1a, for texts that are long and never change.
+uint64_t hash(std::string const& text);
 
 std::string changed(std::string const& document, std::string const& members); // with these members replaced
 std::string errorDocument(int code, std::string const& type, std::string const& message);
