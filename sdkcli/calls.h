@@ -119,7 +119,7 @@ int addLocalProxyPorts(int count, KelvarisSDK_ProtocolPortPair* ports);
 int remLocalProxyPorts(int count, KelvarisSDK_ProtocolPortPair* ports);
 
 // telemetry
-int requestStats(int duration, unsigned char count, unsigned int const* periods);
+int requestStats(int duration, unsigned char count, unsigned int* periods);
 int requestLastDisconnectEvent();
 int startSpeedtest();
 int startStreamtest();

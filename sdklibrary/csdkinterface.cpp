@@ -482,7 +482,7 @@ KelvarisSDK_SetStreamingPorts(KelvarisSDK_Handle* sdk, unsigned short count,
 // telemetry
 
 KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
-                                                     unsigned char periodCount, unsigned int const* periods) {
+                                                     unsigned char periodCount, unsigned int* periods) {
     return object(sdk)->enableStatUpdates(enable, periodCount, periods);
 }
 

@@ -212,8 +212,7 @@ public:
                                                           void* userData);
 
     // telemetry
-    KelvarisSDK_BaseResult enableStatUpdates(bool enable, unsigned char periodCount,
-                                             unsigned int const* periods);
+    KelvarisSDK_BaseResult enableStatUpdates(bool enable, unsigned char periodCount, unsigned int* periods);
     KelvarisSDK_ConnectionStatsResult getConnectionStats(KelvarisSDK_ConnectionStatsCallback callback,
                                                          void* userData);
     KelvarisSDK_SessionStatsResult getSessionStats(KelvarisSDK_SessionStatsCallback callback, void* userData);

@@ -33,7 +33,7 @@ bool statsCbStreamingStats(KelvarisSDK_StreamingStatsResult result, void* userDa
 } // namespace
 
 // A registration that fails says so through its callback.
-int requestStats(int duration, unsigned char count, unsigned int const* periods) {
+int requestStats(int duration, unsigned char count, unsigned int* periods) {
     FirstReportTime firstReportTime = 0;
     auto const state = KelvarisSDK_GetState(sdk, statsCbState, &firstReportTime);
     auto const adapters = KelvarisSDK_GetAdapters(sdk, statsCbAdapters, &firstReportTime);

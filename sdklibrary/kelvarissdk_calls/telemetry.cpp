@@ -249,7 +249,7 @@ Exchange testWithin(char const* request, uint64_t timeoutMs) {
 // Nobody answers. The lock is held until the request is queued, so that the last of several calls is also the
 // last that the daemon hears of.
 KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char periodCount,
-                                                      unsigned int const* periods) {
+                                                      unsigned int* periods) {
     KelvarisSDK_BaseResult result{};
     if (!websocket) {
         noWebsocketImplementation(&result);

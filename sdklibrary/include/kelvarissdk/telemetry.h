@@ -29,7 +29,7 @@ extern "C" {
  */
 KELVARISSDK_API KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
                                                                      unsigned char periodCount,
-                                                                     unsigned int const* periods);
+                                                                     unsigned int* periods);
 
 /* ---- Connections ---- */
 
