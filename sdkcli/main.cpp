@@ -11,7 +11,8 @@
 #include <unistd.h>
 
 #include "arguments.h"
-#include "arguments/readers.h"
+#include "calls.h"
+#include "readers.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ void setBinName(char const* path) {
 }
 
 bool isOption(char const* word, char const* brief, char const* full) {
-    return is(word, brief) || is(word, full);
+    return equals(word, brief) || equals(word, full);
 }
 
 // The options stand in fixed places: "-i ADDRESS" first, "-p PORT" first or directly behind it. Moves the

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 // Prints the record, or why there is none. Returns the run's status.
 template <class Result> int finish(Result const& result, void (*print)(Result const&)) {

@@ -1,6 +1,5 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
 #include "stream.h"
 
@@ -16,11 +15,11 @@ int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int conne
 }
 
 bool safeBrowsingErrorCb(KelvarisSDK_SafeBrowsingErrorResult result, void* userData) {
-    return streamDocument("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
+    return printReport("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
 }
 
 bool safeBrowsingBlockCb(KelvarisSDK_SafeBrowsingBlockResult result, void* userData) {
-    return streamDocument("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
+    return printReport("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 // When the stream's first document came; 0 before that. Written on the library's thread, read by the main
 // thread.
@@ -20,7 +20,7 @@ void printStreamError(KelvarisSDK_BaseResult const& result);
 // What a stream's callback does; `userData` is the stream's FirstReportTime. Returns true: the stream goes
 // on.
 template <class Result>
-bool streamDocument(char const* tag, Result const& result, void* userData, void (*print)(Result const&)) {
+bool printReport(char const* tag, Result const& result, void* userData, void (*print)(Result const&)) {
     noteReport(*static_cast<FirstReportTime*>(userData));
     if (result.base.error) {
         printStreamError(result.base);

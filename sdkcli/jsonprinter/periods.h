@@ -1,0 +1,14 @@
+// The periods of session statistics that have a name, in documents and on the command line.
+
+#pragma once
+
+#include <cstdint>
+
+struct NamedPeriod {
+    uint32_t hours;
+    char const* name;
+};
+
+inline constexpr NamedPeriod namedPeriods[] = {
+    {0, "current"}, {UINT32_MAX, "total"}, {24, "day"}, {168, "week"}, {720, "month"},
+};
