@@ -52,7 +52,7 @@ inline constexpr char transport[] = "transport <auto|tcp|tcp-multi|udp|https>";
 inline constexpr char adapter[] =
     "adapter <datalimit|priority|ratelimit|overlimitratelimit|encryption|resetusage>";
 inline constexpr char dataLimit[] =
-    "adapter dataLimit <monthly|daily|dailyboost>"; // with a capital L here alone
+    "adapter dataLimit <monthly|daily|dailyboost>"; // this line alone has the capital L
 inline constexpr char dailyBoost[] = "adapter datalimit dailyboost <adapter id> <additional bytes>";
 inline constexpr char dailyLimit[] = "adapter datalimit daily <adapter id> <data usage in bytes|unlimited>";
 inline constexpr char monthlyLimit[] =
@@ -158,7 +158,8 @@ inline constexpr char const* helpLines[] = {
     usage::version,
 };
 
-// The help text leaves these out, though they are accepted.
+// The help text leaves these out, though their words are accepted. Whoever completes or documents the command line
+// needs them too.
 inline constexpr char const* unlistedLines[] = {
     "connect proxy",
     "connectmethod proxy",
@@ -235,7 +236,7 @@ int streamtestAction(int argc, char* argv[]);
 // safebrowsing
 int safeBrowsingAction(int argc, char* argv[]);
 
-// The keywords behind a keyword stand with its action.
+// The keywords that follow a keyword are defined beside its action.
 extern Keywords const showKeywords;
 extern Keywords const daemonKeywords;
 extern Keywords const loginKeywords;

@@ -1,4 +1,4 @@
-// This is the grammar of "adapter". Each form has its own idea of which number of words is missing and which is
+// This is the grammar of "adapter". The forms differ in which wrong number of words they call missing and which
 // invalid.
 
 #include "actions.h"
@@ -13,7 +13,7 @@ constexpr auto readPriority =
     readEnumeration<KelvarisSDK_ConnectionPriority_toString, KelvarisSDK_ConnectionPriority_NEVER>;
 
 int priorityAction(int argc, char* argv[]) {
-    if (argc != 5) { // too many words as well
+    if (argc != 5) { // too many words count as missing as well
         return missing(usage::priority);
     }
     auto const priority = readPriority(argv[4]);
@@ -21,7 +21,7 @@ int priorityAction(int argc, char* argv[]) {
 }
 
 int rateLimitAction(int argc, char* argv[]) {
-    if (argc != 5) { // too few words as well
+    if (argc != 5) { // too few words count as invalid as well
         return invalid(usage::rateLimit);
     }
     if (equals(argv[4], unlimited)) {
@@ -57,7 +57,7 @@ int monthlyLimitAction(int argc, char* argv[]) {
     if (argc > 7) {
         return invalid(usage::monthlyLimit);
     }
-    if (equals(argv[5], unlimited)) { // the day has to be there, whatever it is
+    if (equals(argv[5], unlimited)) { // the count asks for a day, which isn't read here
         return disableAdapterMonthlyDataLimit(argv[4]);
     }
     auto const bytes = readNumber(argv[5]);

@@ -12,7 +12,7 @@ struct Keyword {
     // The action judges the words behind its keyword, the count first, then the values from left to right, and
     // makes its call when all of them pass. It returns the exit status.
     int (*action)(int argc, char* argv[]);
-    // The keywords that may follow; null where none does.
+    // These keywords may follow; null says that none does.
     Keywords const* following = nullptr;
 };
 

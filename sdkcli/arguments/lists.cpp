@@ -116,7 +116,7 @@ int firewallModeAction(int argc, char* argv[]) {
     if (argc == 3) {
         return missing(usage::firewallMode);
     }
-    // Words behind the mode don't matter, nor behind those of the next two actions.
+    // Words behind the mode are accepted and ignored, as they are in the next two actions.
     auto const mode =
         readEnumeration<KelvarisSDK_FirewallMode_toString, KelvarisSDK_FirewallMode_DENYLIST>(argv[3]);
     return mode ? setFirewallMode(*mode) : invalid(usage::firewallMode);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::array endingSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
-termios echoing; // constant while the handlers are in place
+termios echoing; // is constant while the handlers are in place
 
 // The handler is installed to fire once, so the signal that it raises again has its default effect.
 extern "C" void restoreAndEnd(int signal) {

@@ -40,12 +40,12 @@ std::optional<uint32_t> readCount(char const* word);
 std::optional<int> readInt(char const* word, int min);
 // Reads a number of 64 bits; a minus sign wraps it around.
 std::optional<unsigned long long> readUnsigned(char const* word);
-// Reads a port, 1 to 65535, with "/tcp" or "/udp" behind it; tcp without. What follows those three letters
-// isn't looked at.
+// Reads a port, 1 to 65535, with "/tcp" or "/udp" behind it; without them it is tcp. What follows those three
+// letters isn't looked at.
 std::optional<KelvarisSDK_ProtocolPortPair> readPortPair(char const* word);
 
-// Reads a value of an enumeration by its text. The values run from 0 to `last`; any number behind it has the text
-// of one of them.
+// Reads a value of an enumeration by its text. The values run from 0 to `last`; numbers above it aren't asked for
+// their text, because toString() gives them one too.
 template <auto toString, auto last> std::optional<decltype(last)> readEnumeration(char const* word) {
     for (uint32_t number = 0; number <= last; ++number) {
         auto const value = static_cast<decltype(last)>(number);

@@ -29,7 +29,7 @@ constexpr auto readLogLevel =
 constexpr auto readOverride = readEnumeration<KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString,
                                               KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE>;
 
-// The usage line names the errors, for the redirects too.
+// A bad duration of the redirects shows the usage line of the errors, since they have none of their own.
 template <int (*listen)(int)> int listenAction(int argc, char* argv[]) {
     if (argc > 4) {
         return invalid(usage::safeBrowsing);

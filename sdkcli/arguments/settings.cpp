@@ -23,7 +23,7 @@ constexpr auto readTransportMode =
 std::optional<double> readSpeed(char const* word) {
     char* end = nullptr;
     double const speed = std::strtod(word, &end);
-    bool const inRange = speed >= 0 && speed <= 4294967295.0; // false for "nan"
+    bool const inRange = speed >= 0 && speed <= 4294967295.0; // this is false for "nan"
     if (end == word || *end != '\0' || !inRange) {
         return std::nullopt;
     }
@@ -34,7 +34,7 @@ int defaultRouteAction(int argc, char* argv[]) {
     if (argc == 3) {
         return missing(usage::routeDefault);
     }
-    auto const enable = readOnOff(argv[3]); // words behind it don't matter
+    auto const enable = readOnOff(argv[3]); // further words are accepted and ignored
     return enable ? enableDefaultRoute(*enable) : invalid(usage::routeDefault);
 }
 
@@ -54,7 +54,7 @@ int captivePortalLoginAction(int argc, char* argv[]) {
     if (!enable) {
         return invalid(usage::captivePortalLogin);
     }
-    if (!*enable) { // "off" takes no id, whatever the usage says
+    if (!*enable) { // the usage line shows an id, but "off" is refused with one
         return argc == 4 ? setCaptivePortalLoginOff() : invalid(usage::captivePortalLogin);
     }
     if (argc == 4) {
@@ -135,7 +135,7 @@ int adapterEncryptionAction(int argc, char* argv[]) {
 }
 
 int privacyAction(int argc, char* /*argv*/[]) {
-    return argc == 2 ? missing(usage::privacy) : invalid(usage::privacy); // no words would make an action
+    return argc == 2 ? missing(usage::privacy) : invalid(usage::privacy); // no words of it make an action
 }
 
 int dnsAction(int argc, char* argv[]) {

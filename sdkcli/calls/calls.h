@@ -82,8 +82,8 @@ int setLocalProxyEnabled(bool enabled);
 int requestStreamingSettings();
 int requestStreamingBypass();
 int setStreamingBypass(char const* name, bool enable);
-// These replace a list, add to it and remove from it. The array has a size of maxListItems; of a larger count it
-// holds the first of them. Adding and removing are a read and a write; nobody locks the list in between.
+// These replace a list, add to it and remove from it. The array has maxListItems elements, and of a
+// larger count it holds the first. Adding and removing are a read and a write; nobody locks the list in between.
 using DomainText = std::remove_extent_t<decltype(KelvarisSDK_ListBlock::domains)>;
 constexpr int maxListItems = std::extent_v<decltype(KelvarisSDK_ListBlock::domains)>;
 int setFirewallDomains(int count, DomainText* domains);
@@ -143,7 +143,7 @@ int refreshSafeBrowsingToken(char const* token);
 int reportSafeBrowsingHomeNetwork(unsigned int retries, unsigned long long delay, unsigned long long timeout);
 int updateSafeBrowsingExtraInfo(char const* info);
 int getSafeBrowsingSettings();
-// Both print events as a stream until `duration` seconds after the first one; without end for 0 and -1.
+// Both print events as a stream until `duration` seconds after the first one; 0 and -1 have no end.
 int listenForSafeBrowsingErrors(int duration);
 int listenForSafeBrowsingBlocks(int duration);
 int getSafeBrowsingStats();

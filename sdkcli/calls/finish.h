@@ -1,4 +1,4 @@
-// The end of an action.
+// Most actions end in the same way.
 
 #pragma once
 

@@ -1,5 +1,5 @@
-// Firewall, local proxy and streaming. The daemon replaces whole lists only, so adding and removing read a
-// list, change it and set it.
+// These are the actions of the firewall, the local proxy and streaming. The requests replace whole lists only, so
+// adding and removing read a list, change it and set it.
 
 #include "calls.h"
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-// The kinds: where the record holds them and when two items are the same.
+// A kind says where the record holds its items and when two of them are the same.
 
 struct Domains {
     using Item = DomainText;
@@ -48,7 +48,7 @@ struct Ports {
     }
 };
 
-// The families: how their record is read, set and shown.
+// A family says how its record is read, set and shown.
 
 // clang-format off
 struct Firewall {

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Like finish(), but for a connect error, which is a result with a document and a status of its own.
+// Does what finish() does, but a connect error is a result with a document and a status of its own.
 int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int connectErrorStatus) {
     if (!result.base.error && result.connectErrorSet) {
         printSafeBrowsingConnectError(result);

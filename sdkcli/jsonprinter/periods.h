@@ -1,4 +1,4 @@
-// The periods of session statistics that have a name, in documents and on the command line.
+// Some periods of session statistics have a name, which documents and the command line share.
 
 #pragma once
 

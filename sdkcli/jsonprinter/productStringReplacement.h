@@ -1,8 +1,8 @@
-// The product's name in messages of the daemon.
+// Messages of the daemon name the product by a placeholder.
 
 #pragma once
 
-// The text with every "{kelvarisProductName}" replaced by the product's name. A text without one is returned
-// itself; otherwise the result stands in a static buffer of 200 bytes until the next call: one thread at a
-// time.
+// Returns the text with every "{kelvarisProductName}" replaced by the product's name. A text without one is
+// returned itself. Otherwise the result stands in a static buffer of 200 bytes until the next call, so only one
+// thread may call this at a time.
 char const* replaceProductString(char const* text);

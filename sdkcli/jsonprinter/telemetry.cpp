@@ -114,7 +114,7 @@ Json::Value streamStatsDocument(KelvarisSDK_StreamingStatsResult const& result,
     return document;
 }
 
-// A failed test has nothing but its message.
+// A failed test has measured nothing, so its message stands in the place of the measures.
 Json::Value testDocument(KelvarisSDK_SpeedTestResult const& result, KelvarisSDK_SpeedTestEntry const& test) {
     Json::Value document;
     document["time"] = test.time;
