@@ -1,6 +1,7 @@
 #include "shells.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -58,26 +59,27 @@ std::string replaced(std::string text, char sign, std::string const& by) {
 // bash
 
 std::string bashBody(Rule const& rule) {
-    std::string text;
+    std::ostringstream text;
     if (!rule.offers.empty()) {
         std::string words;
         for (Offer const& offer : rule.offers) {
-            words += words.empty() ? offer.word : ' ' + offer.word;
+            words += words.empty() ? "" : " ";
+            words += offer.word;
         }
-        text += "        offer=" + quoted(words) + '\n';
+        text << "        offer=" << quoted(words) << '\n';
     }
     if (!rule.source.empty()) {
-        text += "        _sdkcli_offer_lines < <(_sdkcli_" + rule.source + ")\n";
+        text << "        _sdkcli_offer_lines < <(_sdkcli_" << rule.source << ")\n";
     }
-    return text;
+    return text.str();
 }
 
 std::string bashRules(std::vector<Rule> const& rules) {
-    std::string text;
+    std::ostringstream text;
     for (auto const& [label, body] : branches(rules, quotedButStars, " | \\\n        ", bashBody)) {
-        text += "    " + label + ")\n" + body + "        ;;\n";
+        text << "    " << label << ")\n" << body << "        ;;\n";
     }
-    return text;
+    return text.str();
 }
 
 std::string bashOptions(std::vector<Option> const& options) {
@@ -89,80 +91,80 @@ std::string bashOptions(std::vector<Option> const& options) {
             withValue += (withValue.empty() ? "" : " | ") + option.name;
         }
     }
-    return "    " + withValue + ") ;;\n    *) mapfile -t COMPREPLY < <(compgen -W " + quoted(names) +
-           " -- \"$2\") ;;\n";
+    std::ostringstream text;
+    text << "    " << withValue << ") ;;\n";
+    text << "    *) mapfile -t COMPREPLY < <(compgen -W " << quoted(names) << " -- \"$2\") ;;\n";
+    return text.str();
 }
 
 // zsh
 
 std::string zshBody(Rule const& rule) {
-    std::string text;
+    std::ostringstream text;
     if (!rule.offers.empty()) {
-        text += "        offers=(\n";
+        text << "        offers=(\n";
         for (Offer const& offer : rule.offers) {
             std::string const summary =
                 offer.summary.empty() ? "" : ':' + replaced(offer.summary, ':', "\\:");
-            text += "            " + quoted(offer.word + summary) + '\n';
+            text << "            " << quoted(offer.word + summary) << '\n';
         }
-        text += "        )\n";
+        text << "        )\n";
     }
     if (!rule.source.empty()) {
-        text += "        what=" + quoted(rule.placeholder) + " values=(${(f)\"$(_sdkcli_" + rule.source +
-                ")\"})\n";
+        text << "        what=" << quoted(rule.placeholder);
+        text << " values=(${(f)\"$(_sdkcli_" << rule.source << ")\"})\n";
     }
-    return text;
+    return text.str();
 }
 
 std::string zshRules(std::vector<Rule> const& rules) {
-    std::string text;
+    std::ostringstream text;
     for (auto const& [label, body] : branches(rules, quotedButStars, "| \\\n        ", zshBody)) {
-        text += "    (" + label + ")\n" + body + "        ;;\n";
+        text << "    (" << label << ")\n" << body << "        ;;\n";
     }
-    return text;
+    return text.str();
 }
 
 std::string zshOptions(std::vector<Option> const& options) {
-    std::string text;
+    std::ostringstream text;
     for (Option const& option : options) {
-        std::string summary = replaced(replaced(option.summary, '[', "\\["), ']', "\\]");
-        bool const isRepeatable = summary.find("repeatable") != summary.npos;
-        std::string const value = option.value.empty() ? "" : ':' + option.value + ':';
-        text +=
-            "    " + quoted((isRepeatable ? "*" : "") + option.name + '[' + summary + ']' + value) + " \\\n";
+        std::string const summary = replaced(replaced(option.summary, '[', "\\["), ']', "\\]");
+        text << "    '" << (summary.find("repeatable") != summary.npos ? "*" : "") << option.name;
+        text << '[' << summary << ']' << (option.value.empty() ? "" : ':' + option.value + ':') << "' \\\n";
     }
-    return text;
+    return text.str();
 }
 
 // fish
 
 std::string fishBody(Rule const& rule) {
-    std::string text;
+    std::ostringstream text;
     for (Offer const& offer : rule.offers) {
-        text += "            echo " + offer.word;
-        text += offer.summary.empty() ? "\n" : "\\t" + quoted(offer.summary) + '\n';
+        text << "            echo " << offer.word;
+        text << (offer.summary.empty() ? "" : "\\t" + quoted(offer.summary)) << '\n';
     }
     if (!rule.source.empty()) {
-        text += "            __sdkcli_" + rule.source + " | string replace -r '$' \\t" +
-                quoted(rule.placeholder) + '\n';
+        text << "            __sdkcli_" << rule.source;
+        text << " | string replace -r '$' \\t" << quoted(rule.placeholder) << '\n';
     }
-    return text;
+    return text.str();
 }
 
 std::string fishRules(std::vector<Rule> const& rules) {
-    std::string text;
+    std::ostringstream text;
     for (auto const& [label, body] : branches(rules, quoted, " \\\n            ", fishBody)) {
-        text += "        case " + label + '\n' + body;
+        text << "        case " << label << '\n' << body;
     }
-    return text;
+    return text.str();
 }
 
 std::string fishOptions(std::vector<Option> const& options) {
-    std::string text;
+    std::ostringstream text;
     for (Option const& option : options) {
-        text += "complete -c kelvarissim -l " + option.name.substr(2) + (option.value.empty() ? "" : " -x") +
-                " -d " + quoted(option.summary) + '\n';
+        text << "complete -c kelvarissim -l " << option.name.substr(2) << (option.value.empty() ? "" : " -x");
+        text << " -d " << quoted(option.summary) << '\n';
     }
-    return text;
+    return text.str();
 }
 
 } // namespace
