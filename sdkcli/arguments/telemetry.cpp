@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <optional>
 #include <type_traits>
 
@@ -29,9 +28,10 @@ int statsAction(int argc, char* argv[]) {
     if (argc == 2) {
         return requestStats(-1, 0, nullptr);
     }
-    uint32_t periods[std::extent_v<decltype(KelvarisSDK_SessionStatsResult::periods)>] = {};
+    constexpr std::size_t maxPeriods = std::extent_v<decltype(KelvarisSDK_SessionStatsResult::periods)>;
+    uint32_t periods[maxPeriods] = {};
     auto const count = static_cast<std::size_t>(argc - 3);
-    if (count > std::size(periods)) {
+    if (count > maxPeriods) {
         return invalid(usage::stats);
     }
     std::optional<int> const duration = readInt(argv[2], -1);
