@@ -218,7 +218,7 @@ TEST(Grammar, EverySettingShowsInItsKey) {
             }
         }
         std::erase_if(values, [](auto const& each) { return each.second.size() == 1; });
-        ASSERT_EQ(values.size(), 1U) << line << " changes so many keys";
+        ASSERT_EQ(values.size(), 1U) << line << ": it changes another number of keys";
         EXPECT_EQ(values.begin()->second.size(), offers.size())
             << line << " changes " << values.begin()->first;
         EXPECT_TRUE(settings.emplace(values.begin()->first, line).second)
