@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "actions.h"
-#include "description.h"
+#include "hints.h"
 
 namespace {
 

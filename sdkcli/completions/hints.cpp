@@ -1,4 +1,4 @@
-#include "description.h"
+#include "hints.h"
 
 #include <algorithm>
 #include <iterator>
