@@ -18,6 +18,7 @@
 #include <climits>
 #include <cstdio>
 #include <iterator>
+#include <new>
 #include <poll.h>
 #include <sstream>
 #include <string_view>
@@ -65,19 +66,6 @@ bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* end = nullptr;
     return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
-
-// Each thread keeps a writer of requests. At the program's end the writer is destroyed before the static objects and
-// the handlers of exit(), which may still make calls. The flag has no destructor, so it can be read for as long as
-// anything runs.
-thread_local bool threadsWriterGone = false;
-
-struct ThreadsWriter {
-    ~ThreadsWriter() {
-        threadsWriterGone = true;
-    }
-
-    std::unique_ptr<Json::StreamWriter> const writer{Json::StreamWriterBuilder().newStreamWriter()};
-};
 
 } // namespace
 
@@ -247,23 +235,25 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     envelope.append(request);
     envelope.append(payload);
     envelope.append("kelvaris_sdk");
-    if (threadsWriterGone) {
-        return envelope.toStyledString();
-    }
     // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
-    thread_local ThreadsWriter const threads;
+    if (!requestWriter) {
+        requestWriter.reset(Json::StreamWriterBuilder().newStreamWriter());
+    }
     std::ostringstream text;
-    threads.writer->write(envelope, &text);
+    requestWriter->write(envelope, &text);
     text << '\n';
+    if (!text) {
+        throw std::bad_alloc(); // a stream keeps it to itself and would leave half a request
+    }
     return std::move(text).str();
 }
 
 void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& payload) {
-    std::string text = requestToString(request, payload);
+    Request queued{request, payload};
     bool wake = false;
     {
         std::lock_guard const lock(outgoingMutex);
-        outgoing.push_back(std::move(text));
+        outgoing.push_back(std::move(queued));
         wake = !closingWait;
     }
     if (wake) {
@@ -273,7 +263,7 @@ void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& p
 
 void WebsocketImpl::sendRequest(EventDescription& description, std::string const& request,
                                 Json::Value const& payload) {
-    description.requests.push_back(requestToString(request, payload));
+    description.requests.push_back({request, payload});
 }
 
 void WebsocketImpl::waitForEvent(EventDescription& description, std::string const& event) {
@@ -300,7 +290,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     if (assignedId != nullptr) {
         *assignedId = id;
     }
-    std::vector<std::string> requests = std::move(description.requests);
+    std::vector<Request> requests = std::move(description.requests);
     description.startTime = getTimeMillis();
     uint64_t const due = dueTime(description);
     std::map<uint64_t, EventDescription> registered;
@@ -390,13 +380,13 @@ int WebsocketImpl::timeToWait(bool closing) {
 }
 
 void WebsocketImpl::sendOutgoing() {
-    std::deque<std::string> requests;
+    std::deque<Request> requests;
     {
         std::lock_guard const lock(outgoingMutex);
         requests.swap(outgoing);
     }
-    for (std::string const& request : requests) {
-        ws->send(request);
+    for (Request const& request : requests) {
+        ws->send(requestToString(request.name, request.payload));
     }
     ws->flush();
 }

@@ -52,11 +52,16 @@ constexpr char timeoutEvent[] = "sdk_error";
 // Called with the event's name, the raw text and the parsed message; true removes the entry.
 using EventHandler = std::function<bool(std::string const&, std::string const&, Json::Value const&)>;
 
+struct Request {
+    std::string name;
+    Json::Value payload = {};
+};
+
 // One waiting call.
 struct EventDescription {
     std::vector<Json::Value> awaitedEvents;    // {"event": name, "members": [filter objects]}
     std::vector<std::string> subscribedEvents; // delivered without filter and without time-out
-    std::vector<std::string> requests;         // finished texts, queued by getResult
+    std::vector<Request> requests;             // queued by getResult
     EventHandler callback;
     uint64_t startTime = 0; // of getTimeMillis; 0: the time-out isn't armed
     bool skipParse = false; // the handler wants no parsed message
@@ -101,7 +106,8 @@ public:
     WebsocketImpl(WebsocketImpl const&) = delete;
     WebsocketImpl& operator=(WebsocketImpl const&) = delete;
 
-    static std::string requestToString(std::string const& request, Json::Value const& payload);
+    // The text of a request on the wire. Called by the reader thread, which owns the writer.
+    std::string requestToString(std::string const& request, Json::Value const& payload);
 
     // A request without an answer, queued at once.
     void sendRequest(std::string const& request, Json::Value const& payload = {});
@@ -157,6 +163,7 @@ private:
 
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
+    std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;
@@ -170,7 +177,7 @@ private:
     uint64_t nextTimeout = never;                // of getTimeMillis; the earliest of the table's
 
     std::mutex outgoingMutex;
-    std::deque<std::string> outgoing;                   // guarded by outgoingMutex, as are the next three
+    std::deque<Request> outgoing;                       // guarded by outgoingMutex, as are the next three
     std::map<uint64_t, EventDescription> pendingEvents; // registered, and not in the table yet
     bool closingWait = false;         // the reader waits in the closing state: requests can't leave any more
     uint64_t closingWaitEnds = never; // of getTimeMillis; only what is due earlier has to end that wait

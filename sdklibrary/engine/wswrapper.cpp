@@ -82,9 +82,7 @@ bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, Even
 EventDescription describe(Exchange const& exchange) {
     EventDescription description;
     description.timeoutMs = exchange.timeoutMs;
-    for (Request const& request : exchange.requests) {
-        WebsocketImpl::sendRequest(description, request.name, request.payload);
-    }
+    description.requests = exchange.requests;
     for (std::string const& event : exchange.subscribed) {
         WebsocketImpl::subscribeToEvent(description, event);
     }
