@@ -201,7 +201,7 @@ private:
 };
 
 std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
-thread_local bool WebsocketImpl::isInReaderThread = false;
+constinit thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
     : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {

@@ -134,7 +134,7 @@ public:
     // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
     void handle_message(std::string const& text);
 
-    static thread_local bool isInReaderThread;
+    static constinit thread_local bool isInReaderThread;
 
 private:
     class Message;
