@@ -28,6 +28,7 @@ Run run(Row const& row) {
     words.insert(words.end(), row.argv.begin(), row.argv.end());
     Command command = tool(words);
     command.input = row.input;
+    command.clock = row.clock;
     Outcome const outcome = runProcess(command);
     return {outcome, daemon.finish()};
 }

@@ -40,6 +40,7 @@ struct Row {
     int status = 0;
     std::string input = {};
     Options daemon = {};
+    int clock = 1; // times as fast, for a run that waits long; the daemon's own delays stay as they are
 };
 
 // Words are written as one text with blanks between them, and an empty one as ''.
