@@ -1,6 +1,7 @@
 #pragma once
 
-#include <chrono>
+#include "support/process.h"
+
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -44,7 +45,7 @@ public:
 
     T take() {
         std::unique_lock lock(mutex);
-        if (!changed.wait_for(lock, std::chrono::seconds(20), [this] { return !results.empty(); })) {
+        if (!changed.wait_for(lock, patience(), [this] { return !results.empty(); })) {
             ADD_FAILURE() << "no callback came";
             return {};
         }

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -221,6 +222,11 @@ bool ranOnClock(int clock) {
     Outcome const outcome = runProcess({.path = "/proc/self/exe", .argv = {"test", filter}, .clock = clock});
     EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
     return true;
+}
+
+std::chrono::seconds patience() {
+    char const* const clock = std::getenv("FAKETIME");
+    return 20s * (clock == nullptr ? 1 : std::atoi(std::strchr(clock, 'x') + 1));
 }
 
 } // namespace harness

@@ -68,4 +68,7 @@ Outcome runProcess(Command const& command);
 // The test then runs in a child, on a clock so many times as fast, and what the child says is the result.
 bool ranOnClock(int clock);
 
+// How long the harness waits for what has to come: 20 s, whatever the clock.
+std::chrono::seconds patience();
+
 } // namespace harness

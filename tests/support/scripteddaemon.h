@@ -18,6 +18,9 @@ std::string styled(std::string const& json); // the document as the tool prints 
 
 // One frame as a server sends it, unmasked. `first` is FIN, reserved bits and opcode: 0x81 is a whole text.
 std::string frame(unsigned char first, std::string_view payload);
+// As a client sends it.
+std::string maskedFrame(unsigned char first, std::string_view payload,
+                        std::string const& key = "\xA7\x1C\x5E\x39");
 
 // What one answer puts on the wire: a text becomes a text frame, raw() leaves the bytes alone.
 struct Answer {
@@ -44,7 +47,7 @@ struct Step {
     std::string payload = "null"; // compact JSON
     std::vector<Answer> answers = {};
     Then then = Then::carryOn;
-    int delayMs = 0; // before the answers; the connection isn't read meanwhile
+    int delayMs = 0; // before the answers; nothing is read meanwhile
 };
 
 // How one connection's upgrade is answered. Default: properly. Otherwise with these bytes alone, and what the
@@ -63,7 +66,7 @@ struct Options {
 };
 
 // A test may drive the daemon by a script, by hand with the calls below, or by both. All of them are for the
-// test's thread; those that wait give up after 20 s and fail the test.
+// test's thread; those that wait give up after the harness's patience and fail the test.
 class ScriptedDaemon {
 public:
     explicit ScriptedDaemon(std::vector<Step> script = {}, Options options = {});
