@@ -180,9 +180,9 @@ TEST(Privacy, DnsServers) {
                 {"dns not-an-address", request, R"({"dns_addresses":["not-an-address"]})"},
                 {"dns 1.1.1.1 8.8.8.8 9.9.9.9 8.8.4.4", request,
                  R"({"dns_addresses":["1.1.1.1","8.8.8.8","9.9.9.9"]})"},
-                // A full text runs on into the next one, and ends with the last.
+                // A text is cut to its slot and never runs on into the next one.
                 {"dns " + wide + ' ' + wide, request,
-                 R"({"dns_addresses":[")" + full + full + R"(",")" + full + "\"]}"},
+                 R"({"dns_addresses":[")" + full + R"(",")" + full + "\"]}"},
                 // Far more words than an array of fixed size would hold; the call's count has 16 bits.
                 {"dns" + repeated(" 1", 65536), request, R"({"dns_addresses":["1","1","1"]})"}});
     addRefusals(rows, {{"privacy", {"privacy"}, {"privacy on"}}});

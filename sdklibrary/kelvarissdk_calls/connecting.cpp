@@ -81,21 +81,21 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectProxy(KelvarisSDK_ConnectCallback 
 
 KelvarisSDK_ConnectResult KelvarisSDK::connectCombined(std::string const& server,
                                                        KelvarisSDK_ConnectCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"server_auto_connect", with(Keys::_server, server)}},
-                        .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
-                                    {"report_connect_error"},
-                                    {"report_login_error"}},
-                        .subscribed = {serverReport},
-                        .timeoutMs = connectTimeoutMs,
-                        .settingName = "server_auto_connect"},
-                       connectCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"server_auto_connect", with(Keys::_server, server)}},
+                                     .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
+                                                 {"report_connect_error"},
+                                                 {"report_login_error"}},
+                                     .subscribed = {serverReport},
+                                     .timeoutMs = connectTimeoutMs,
+                                     .settingName = "server_auto_connect"},
+                                    connectCallback);
 }
 
 // The session may be logged out in the meantime.
 KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         {.requests = {{"server_disconnect"}},
          .awaited = {stateReached(KelvarisSDK_State_LOGGED_IN), stateReached(KelvarisSDK_State_LOGGED_OUT)}},
         setStateResult);
@@ -103,8 +103,8 @@ KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callba
 
 KelvarisSDK_ConnectResult KelvarisSDK::getConnectedServer(KelvarisSDK_ConnectCallback callback,
                                                           void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_connected_server", serverReport), setConnectResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_connected_server", serverReport), setConnectResult);
 }
 
 } // namespace kelvarissdk

@@ -70,8 +70,9 @@ std::string placeText(char const* country, char const* city, int num) {
 
 KelvarisSDK_ServerSettingsResult KelvarisSDK::getServerSettings(KelvarisSDK_ServerSettingsCallback callback,
                                                                 void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_server_settings", "report_server_settings"), setServerSettingsData);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_server_settings", "report_server_settings"),
+                                 setServerSettingsData);
 }
 
 KelvarisSDK_ServerSettingsResult
@@ -109,9 +110,9 @@ KelvarisSDK::setConnectMethodCombined(std::string const& method, std::string con
     Json::Value payload;
     payload[Keys::_connect_to_best_method] = method;
     payload[Keys::_countryCode] = countryCode;
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_server_connectbest", payload, "report_server_settings"),
-                       setServerSettingsData);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_server_connectbest", payload, "report_server_settings"),
+                                    setServerSettingsData);
 }
 
 } // namespace kelvarissdk

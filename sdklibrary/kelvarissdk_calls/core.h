@@ -20,7 +20,7 @@ KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
 // An object with "proto" and "port". A protocol but "tcp" and "udp" leaves the pair's as it was.
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);
 // The array of such objects; one whose protocol has no name goes without "proto".
-Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count);
+Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, std::size_t count);
 
 // A payload of one member.
 Json::Value with(Json::StaticString const& key, Json::Value const& value);

@@ -27,14 +27,15 @@ void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value
 // The request speaks of the URL, the report has all three settings.
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            failedUntilReported(read("request_directory_url", report)), setDirectoryResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 failedUntilReported(query("request_directory_url", report)),
+                                 setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         failedUntilReported(change("set_esni_enabled", with(Keys::_enableEsni, enabled), report)),
         setDirectoryResult);
 }
@@ -46,9 +47,9 @@ KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySetting
     if (domain != nullptr) {
         payload[Keys::_domain] = domain;
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       failedUntilReported(order("set_directory_domain", payload, report)),
-                       setDirectoryResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    failedUntilReported(command("set_directory_domain", payload, report)),
+                                    setDirectoryResult);
 }
 
 // The resets hand no user data on: callers rely on a null pointer in their callback.
@@ -64,9 +65,9 @@ KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettin
     if (uri != nullptr) {
         payload[Keys::_url] = uri; // the report spells this key differently
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       failedUntilReported(order("set_directory_gateway_uri", payload, report)),
-                       setDirectoryResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        failedUntilReported(command("set_directory_gateway_uri", payload, report)), setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult

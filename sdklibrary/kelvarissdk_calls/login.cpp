@@ -83,33 +83,35 @@ KelvarisSDK_StateResult KelvarisSDK::login(char const* username, char const* pas
     Json::Value payload;
     payload[Keys::_username] = username;
     payload[Keys::_password] = password;
-    return oneShotCall(websocket.get(), callback, userData, loginExchange({{"login", payload}}),
-                       loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket, loginExchange({{"login", payload}}),
+                                    loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginOAuth(char const* token, KelvarisSDK_StateCallback callback,
                                                 void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       loginExchange({{"login_oauth", with(Keys::_oauth, token)}}), loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    loginExchange({{"login_oauth", with(Keys::_oauth, token)}}),
+                                    loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       loginExchange({{"allow_auto_account"}, {"login_auto"}}), loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    loginExchange({{"allow_auto_account"}, {"login_auto"}}), loginCallback);
 }
 
 // Asks for the state as well: a session that is logged out already has no change of state to report.
 KelvarisSDK_StateResult KelvarisSDK::logout(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"logout"}, {"request_current_state"}},
-                        .awaited = {stateReached(KelvarisSDK_State_LOGGED_OUT)}},
-                       loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"logout"}, {"request_current_state"}},
+                                     .awaited = {stateReached(KelvarisSDK_State_LOGGED_OUT)}},
+                                    loginCallback);
 }
 
 KelvarisSDK_AccountingResult KelvarisSDK::getAccountingData(KelvarisSDK_AccountingCallback callback,
                                                             void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_accounting_data", "report_accounting_data"), setAccountingResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_accounting_data", "report_accounting_data"),
+                                 setAccountingResult);
 }
 
 } // namespace kelvarissdk

@@ -34,8 +34,7 @@ void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& serve
 void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server) {
     setPlace(info, server);
     info.torrentAllowed = server[Keys::_torrent].asString() != "no";
-    fillSlots(info.publicIPCount, info.publicIP, server[Keys::_publicIP],
-              [](char(&slot)[46], Json::Value const& address) { copyText(slot, address); });
+    fillTexts(info.publicIPCount, info.publicIP, server[Keys::_publicIP]);
 }
 
 void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list) {
@@ -44,8 +43,8 @@ void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value con
 
 KelvarisSDK_DirectoryResult KelvarisSDK::getDirectory(KelvarisSDK_DirectoryCallback callback,
                                                       void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_directory", "report_directory"), setDirectoryListResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_directory", "report_directory"), setDirectoryListResult);
 }
 
 } // namespace kelvarissdk

@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "fields.h"
+#include "keys.h"
 
 namespace kelvarissdk {
 
@@ -159,7 +160,7 @@ void Wakeup::signal() {
     }
 }
 
-// Emptied before it is taken back: a signal that comes in between finds the reader awake.
+// The descriptor is emptied before the flag is cleared: a signal that comes between the two finds the reader awake.
 void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
@@ -276,14 +277,14 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     }
     std::vector<std::string> requests = std::move(description.requests);
     description.startTime = getTimeMillis();
-    std::map<uint64_t, EventDescription> arrival;
-    arrival.emplace(id, std::move(description));
+    std::map<uint64_t, EventDescription> registered;
+    registered.emplace(id, std::move(description));
     {
         std::lock_guard const lock(outgoingMutex);
         // Before the merge, which can't fail: a call that throws leaves no entry behind.
         outgoing.insert(outgoing.end(), std::move_iterator(requests.begin()),
                         std::move_iterator(requests.end()));
-        arrivals.merge(arrival);
+        pendingEvents.merge(registered);
     }
     wakeup.signal();
     return id;
@@ -294,8 +295,8 @@ void WebsocketImpl::removeCallback(unsigned long long id) {
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
     } else if (events.erase(id) == 0) {
-        std::lock_guard const arrivalsLock(outgoingMutex);
-        arrivals.erase(id);
+        std::lock_guard const pendingLock(outgoingMutex);
+        pendingEvents.erase(id);
     }
 }
 
@@ -362,18 +363,18 @@ void WebsocketImpl::waitForEnd(int milliseconds) {
 
 bool WebsocketImpl::sweepAndGoOn() {
     std::lock_guard const eventsLock(eventsMutex);
-    admitArrivals();
+    admitPending();
     sweepTimeouts();
     std::lock_guard const runningLock(runningMutex);
     if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
-        sendLast();
+        drainOnShutdown();
     }
     return running;
 }
 
-// What arrived is read as well: closing with bytes unread would reset the connection under the daemon's
-// hands.
-void WebsocketImpl::sendLast() {
+// Sends what is queued, and reads what has come, because closing with bytes unread would reset the connection
+// while the daemon still reads from it.
+void WebsocketImpl::drainOnShutdown() {
     ws->watch(-1);
     sendOutgoing();
     ws->poll(0);
@@ -395,8 +396,8 @@ void WebsocketImpl::sweepTimeouts() {
             return false;
         }
         Json::Value message;
-        message["msg"] = linked ? "Timeout" : "Unable to connect";
-        message["type"] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
+        message[Keys::_msg] = linked ? "Timeout" : "Unable to connect";
+        message[Keys::_type] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
         bool const remove = entry.callback(event, event, message);
         entry.startTime = 0;
         entry.finished = true;
@@ -414,7 +415,7 @@ void WebsocketImpl::handle_message(std::string const& text) {
     }
     Message message(text.substr(2, nameEnd - 2), text);
     std::lock_guard const lock(eventsMutex);
-    admitArrivals();
+    admitPending();
     visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
 }
 
@@ -445,15 +446,15 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     return remove;
 }
 
-// A request leaves after its entry has arrived and its answer comes later still, so no answer is missed. What
-// arrived while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called between
-// two visits; the caller holds eventsMutex.
-void WebsocketImpl::admitArrivals() {
+// A request leaves after its entry became pending and its answer comes later still, so no answer is missed. What
+// was registered while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called
+// between two visits; the caller holds eventsMutex.
+void WebsocketImpl::admitPending() {
     std::lock_guard const lock(outgoingMutex);
-    for (auto& [id, entry] : arrivals) {
+    for (auto& [id, entry] : pendingEvents) {
         entry.startTime = std::max(entry.startTime, visitEnded);
     }
-    events.merge(arrivals);
+    events.merge(pendingEvents);
 }
 
 // Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited
