@@ -11,6 +11,7 @@
 #include <json/reader.h>
 #include <list>
 #include <mutex>
+#include <netinet/tcp.h>
 #include <optional>
 #include <poll.h>
 #include <sstream>
@@ -103,6 +104,8 @@ struct ScriptedDaemon::Impl {
         getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
         port = ntohs(address.sin_port);
         if (options.listen) {
+            int const on = 1; // its connections have it too
+            setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
             listen(listener, SOMAXCONN);
         }
         thread = std::thread([this] { run(); });
@@ -362,6 +365,11 @@ void ScriptedDaemon::waitForRequest(std::string const& name) {
 
 void ScriptedDaemon::waitForConnections(std::size_t count) {
     impl->wait("a connection", [&] { return impl->upgraded >= count; });
+}
+
+std::size_t ScriptedDaemon::connections() const {
+    std::scoped_lock const lock(impl->mutex);
+    return impl->upgraded;
 }
 
 std::string ScriptedDaemon::finish() {

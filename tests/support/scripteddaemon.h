@@ -81,7 +81,8 @@ public:
     void dropConnection(Then how = Then::reset);
 
     void waitForRequest(std::string const& name); // one more of this name; it needs no step
-    void waitForConnections(std::size_t count);   // upgraded since the start
+    void waitForConnections(std::size_t count);   // whose upgrades have been answered since the start
+    std::size_t connections() const;              // the same, so far
 
     // To be called once, when the client is gone: reads what it left in the sockets, and returns one text per
     // line for each unexpected request, wrong payload, bad frame and unused step. Empty when all went by the
