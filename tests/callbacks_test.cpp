@@ -3,7 +3,6 @@
 #include "support/handle.h"
 #include "support/rows.h"
 #include "support/sdk.h"
-#include "support/simulator.h"
 
 #include <atomic>
 #include <cstdio>
@@ -130,31 +129,6 @@ TEST(Callbacks, OneShotEndsAlwaysAndSubscriptionWithFalse) {
     EXPECT_EQ(states, 2);
     versions.take();
     EXPECT_TRUE(versions.empty());
-}
-
-// Each thread finds in its records what the first call found, whoever else asks.
-TEST(Callbacks, ManyThreadsOnOneHandle) {
-    Simulator const simulator;
-    Handle const handle(simulator.port);
-    auto const look = [sdk = handle.sdk](int which) -> std::string {
-        switch (which % 3) {
-        case 0:
-            return std::to_string(KelvarisSDK_GetVersion(sdk, nullptr, nullptr).build);
-        case 1:
-            return std::to_string(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).serverCount);
-        default:
-            return KelvarisSDK_GetAccountingData(sdk, nullptr, nullptr).email;
-        }
-    };
-    std::vector<std::future<void>> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.push_back(std::async(std::launch::async, [&look, i, wanted = look(i)] {
-            EXPECT_FALSE(wanted.empty() || wanted == "0");
-            for (int round = 0; round < 50; ++round) {
-                EXPECT_EQ(look(i), wanted);
-            }
-        }));
-    }
 }
 
 // The thread's own objects are gone by then, the library's among them.

@@ -26,10 +26,11 @@ namespace harness {
 namespace {
 
 struct Connection {
-    int fd = -1;          // -1 at its end
-    std::string received; // and not taken yet
+    int fd;
+    std::string received = {}; // and not taken yet
     bool isUpgraded = false;
     bool isHeard = true; // or else what comes is ignored
+    bool isOver = false;
 };
 
 struct Request {
@@ -91,7 +92,7 @@ Answer raw(std::string bytes) {
     return answer;
 }
 
-// The thread does all that is done to sockets, and holds the mutex but for its waits.
+// Each connection is read by a thread of its own, which holds the mutex for all that it does then.
 struct ScriptedDaemon::Impl {
     Impl(std::vector<Step> steps, Options given) : script(std::move(steps)), options(std::move(given)) {
         for (Step const& step : script) {
@@ -107,66 +108,57 @@ struct ScriptedDaemon::Impl {
             int const on = 1; // its connections have it too
             setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
             listen(listener, SOMAXCONN);
+            threads.emplace_back([this] { acceptAll(); });
         }
-        thread = std::thread([this] { run(); });
     }
 
     ~Impl() {
-        for (int const fd : {unread, listener, wakeup}) {
+        for (int const fd : {unread, listener, finished}) {
             close(fd);
         }
     }
 
-    void run() {
+    // A client that has come and gone before the end still has its say.
+    void acceptAll() {
+        std::array<pollfd, 2> ends = {{{listener, POLLIN, 0}, {finished, POLLIN, 0}}};
+        while (poll(ends.data(), ends.size(), -1) > 0) {
+            int const fd = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+            std::scoped_lock const lock(mutex);
+            if (fd >= 0) {
+                connections.push_back({fd});
+                threads.emplace_back([this, &connection = connections.back()] { serve(connection); });
+                ++alive;
+            } else if (ends[1].revents != 0) {
+                isAccepting = false;
+                changed.notify_all();
+                return;
+            }
+        }
+    }
+
+    void serve(Connection& connection) {
+        std::array<char, 65536> chunk;
         std::unique_lock lock(mutex);
-        while (!finished || !connections.empty()) {
-            waitForEvents(lock);
-            for (auto const& action : std::exchange(actions, {})) {
-                action();
+        while (!connection.isOver) {
+            lock.unlock();
+            ssize_t const size = recv(connection.fd, chunk.data(), chunk.size(), 0);
+            lock.lock();
+            if (size <= 0) {
+                bool const isCut = size == 0 && connection.isHeard && !connection.received.empty();
+                problems += isCut ? "cut off: " + connection.received + "\n" : "";
+                break;
             }
-            acceptWhatIsPending();
-            for (Connection& connection : connections) {
-                goOn(connection, lock);
-            }
-            connections.remove_if([](Connection const& connection) { return connection.fd < 0; });
+            connection.received.append(chunk.data(), static_cast<std::size_t>(size));
+            goOn(connection, lock);
             changed.notify_all();
         }
-    }
-
-    void waitForEvents(std::unique_lock<std::mutex>& lock) {
-        std::vector<pollfd> ends = {{wakeup, POLLIN, 0}, {options.listen ? listener : -1, POLLIN, 0}};
-        for (Connection const& connection : connections) {
-            ends.push_back({connection.fd, POLLIN, 0});
+        current = current == &connection ? nullptr : current;
+        int const fd = std::exchange(connection.fd, -1);
+        if (fd != unread) {
+            close(fd);
         }
-        lock.unlock();
-        poll(ends.data(), ends.size(), -1);
-        lock.lock();
-        eventfd_t signals = 0;
-        eventfd_read(wakeup, &signals);
-        auto end = ends.begin() + 2;
-        for (Connection& connection : connections) {
-            if ((end++)->revents != 0) {
-                receive(connection);
-            }
-        }
-    }
-
-    void acceptWhatIsPending() {
-        for (int fd = -1; (fd = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
-            connections.emplace_back().fd = fd;
-        }
-    }
-
-    void receive(Connection& connection) {
-        std::array<char, 65536> chunk;
-        ssize_t const size = recv(connection.fd, chunk.data(), chunk.size(), 0);
-        if (size > 0) {
-            connection.received.append(chunk.data(), static_cast<std::size_t>(size));
-            return;
-        }
-        bool const isCut = size == 0 && connection.isHeard && !connection.received.empty();
-        problems += isCut ? "cut off: " + connection.received + "\n" : "";
-        end(connection);
+        --alive;
+        changed.notify_all();
     }
 
     // Does what the script and the connection's bytes allow.
@@ -218,22 +210,20 @@ struct ScriptedDaemon::Impl {
         linger const byReset{1, 0};
         if (then == Then::closeFrame) {
             write(connection, frame(0x88, ""));
-        } else if (then == Then::close) {
-            connection.isHeard = false;
+        }
+        if (then == Then::carryOn || then == Then::closeFrame) {
+            return;
+        }
+        connection.isHeard = false;
+        connection.isOver = then == Then::reset || then == Then::stopReading;
+        if (then == Then::close) {
             shutdown(connection.fd, SHUT_WR);
         } else if (then == Then::reset) {
             setsockopt(connection.fd, SOL_SOCKET, SO_LINGER, &byReset, sizeof byReset);
-            end(connection);
+            shutdown(connection.fd, SHUT_RD); // ends the thread's wait
         } else if (then == Then::stopReading) {
-            unread = dup(connection.fd);
-            end(connection);
+            unread = connection.fd;
         }
-    }
-
-    void end(Connection& connection) {
-        close(std::exchange(connection.fd, -1));
-        connection.isHeard = false;
-        current = current == &connection ? nullptr : current;
     }
 
     // The next message. A client's frames are whole ones, and all are masked with the same key.
@@ -260,13 +250,7 @@ struct ScriptedDaemon::Impl {
 
     // Returns the step that waited for this request.
     Step const* record(std::string const& text) {
-        Json::Value document;
-        std::istringstream stream(text);
-        bool const readable = Json::parseFromStream(Json::CharReaderBuilder(), stream, &document, nullptr);
-        if (!readable || !document.isArray() || !document[0].isString()) {
-            problems += "not a request: " + text + "\n";
-            return nullptr;
-        }
+        Json::Value const document = parsed(text);
         std::string const name = document[0].asString();
         std::string wanted = envelope(name, document[1]);
         Step const* step = nullptr;
@@ -284,20 +268,13 @@ struct ScriptedDaemon::Impl {
         return step;
     }
 
-    void inThread(std::function<void()> action) {
-        std::scoped_lock const lock(mutex);
-        actions.push_back(std::move(action));
-        eventfd_write(wakeup, 1);
-    }
-
     void onCurrent(std::function<void(Connection&)> const& action) {
-        inThread([this, action] {
-            if (current != nullptr) {
-                action(*current);
-            } else {
-                problems += "the test acted on a connection that isn't there\n";
-            }
-        });
+        std::scoped_lock const lock(mutex);
+        if (current != nullptr) {
+            action(*current);
+        } else {
+            problems += "the test acted on a connection that isn't there\n";
+        }
     }
 
     template <typename Predicate> void wait(std::string const& what, Predicate met) {
@@ -311,31 +288,31 @@ struct ScriptedDaemon::Impl {
     Options const options;
     std::vector<std::string> expected; // text of each step's request
     std::uint16_t port = 0;
-    int const wakeup = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    int const finished = eventfd(0, EFD_CLOEXEC);
     int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    int unread = -1;
 
     // Guarded by the mutex.
     std::mutex mutex;
     std::condition_variable changed;
     std::list<Connection> connections;
+    std::list<std::thread> threads;
+    bool isAccepting = options.listen;
+    std::size_t alive = 0; // connections
     Connection* current = nullptr;
-    std::vector<std::function<void()>> actions;
+    int unread = -1;
     std::vector<Request> requests;
     std::string problems;
     std::size_t upgraded = 0; // connections
     std::size_t next = 0;     // step
     bool introduced = false;
-    bool finished = false;
-
-    std::thread thread; // last: it uses all of the above
+    bool isFinished = false;
 };
 
 ScriptedDaemon::ScriptedDaemon(std::vector<Step> script, Options options)
     : impl(std::make_unique<Impl>(std::move(script), std::move(options))) {}
 
 ScriptedDaemon::~ScriptedDaemon() {
-    if (impl->thread.joinable()) {
+    if (!impl->isFinished) {
         EXPECT_EQ(finish(), "");
     }
 }
@@ -373,19 +350,16 @@ std::size_t ScriptedDaemon::connections() const {
 }
 
 std::string ScriptedDaemon::finish() {
-    // A client that has come and gone in the meantime still has its say.
-    impl->inThread([this] {
-        impl->acceptWhatIsPending();
-        impl->finished = true;
-    });
-    impl->wait("its client's end", [&] { return impl->finished && impl->connections.empty(); });
-    impl->inThread([this] {
-        for (Connection& connection : impl->connections) {
-            impl->end(connection);
-        }
-    });
-    impl->thread.join();
-
+    impl->isFinished = true;
+    eventfd_write(impl->finished, 1);
+    impl->wait("its client's end", [&] { return !impl->isAccepting && impl->alive == 0; });
+    for (Connection& connection : impl->connections) {
+        std::scoped_lock const lock(impl->mutex);
+        impl->act(connection, Then::reset); // if that was in vain
+    }
+    for (std::thread& thread : impl->threads) {
+        thread.join();
+    }
     std::string report = impl->problems;
     for (Request const& request : impl->requests) {
         report += request.expected ? "" : "unexpected request " + request.text;
