@@ -14,12 +14,8 @@ namespace harness {
 
 class Handle {
 public:
-    explicit Handle(uint16_t port) {
-        KelvarisSDK_CreateSettings settings;
-        KelvarisSDK_InitializeCreateSettings(&settings);
-        settings.port = port;
-        sdk = KelvarisSDK_CreateWithSettings(settings);
-    }
+    explicit Handle(uint16_t port)
+        : sdk(KelvarisSDK_CreateWithSettings({.appName = "", .address = "127.0.0.1", .port = port})) {}
     ~Handle() {
         KelvarisSDK_Destroy(sdk);
     }

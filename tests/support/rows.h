@@ -7,26 +7,10 @@
 #include <string>
 #include <vector>
 
-// The built tool, run by rows: one row is one run against a daemon of its own.
-//
-//     TEST(State, isPrinted)
-//     {
-//         std::vector<Row> rows = {
-//             row("state", {asked("current_state", R"({"state":6})")}, styled(R"({"state":"CONNECTED"})")),
-//             failing("state", {asked("current_state", R"({"state":[]})")}, unreadable),
-//         };
-//         addRefusals(rows, {{"state", {}, {"state now"}}});
-//         runRows(rows);
-//     }
-//
-// What a row leaves out means: nothing is sent, nothing is printed on either stream, the status is 0. Outputs
-// are compared whole, requests by their text. The exchange lists the requests in their order, each with its
-// payload (null if left out) and what the daemon answers; a request without an answer is a step too. The
-// greeting "set_app_name" is checked by itself and needs no step. A refused command line has no exchange:
-// whether the greeting has left by then is a matter of luck, and both will do.
-//
-// For a daemon that nobody can connect to, or that fails in the upgrade, see Options; for one that hangs up,
-// that answers late or with wrong bytes, see Step.
+// The built tool, run by rows: one row is one run against a daemon of its own. What a row leaves out means: nothing
+// is sent, nothing is printed on either stream, the status is 0. Outputs are compared whole, requests by their text.
+// A request without an answer is a step too. The greeting "set_app_name" needs no step; a refused command line has
+// no exchange, and whether the greeting has left by then is a matter of luck.
 namespace harness {
 
 using Words = std::vector<std::string>;

@@ -215,13 +215,11 @@ struct ScriptedDaemon::Impl {
             return;
         }
         connection.isHeard = false;
-        connection.isOver = then == Then::reset || then == Then::stopReading;
-        if (then == Then::close) {
-            shutdown(connection.fd, SHUT_WR);
-        } else if (then == Then::reset) {
+        connection.isOver = true;
+        if (then == Then::reset) {
             setsockopt(connection.fd, SOL_SOCKET, SO_LINGER, &byReset, sizeof byReset);
             shutdown(connection.fd, SHUT_RD); // ends the thread's wait
-        } else if (then == Then::stopReading) {
+        } else {
             unread = connection.fd;
         }
     }

@@ -34,14 +34,12 @@ Answer raw(std::string bytes);
 enum class Then {
     carryOn,
     reset,       // TCP reset
-    close,       // end of stream; what the client still sends is read and ignored
     closeFrame,  // WebSocket close frame, TCP stays open
     stopReading, // the connection stays open, unread
 };
 
-// A step waits for the next request, which has to be this one, with this payload. A step without a request is
-// done as soon as its turn comes and a connection is up: it answers unasked, as the first step even before
-// "set_app_name".
+// A step waits for the next request, which has to be this one, with this payload. A step without a request answers
+// unasked as soon as its turn comes and a connection is up, as the first step even before "set_app_name".
 struct Step {
     std::string request = {};
     std::string payload = "null"; // compact JSON
