@@ -34,14 +34,15 @@ KelvarisSDK::~KelvarisSDK() {
         statsRunnerActive = false;
     }
     statsRunnerEnds.notify_all();
-    // The stats thread no longer uses the link, so both threads end side by side.
+    // The stats thread no longer uses the link, so both threads can end at the same time.
     if (websocket) {
         websocket->end();
     }
     statsThread.join();
 }
 
-// The first tick that finds the subscription wanted repeats it, and so may the first after a pause.
+// The first tick that finds the subscription wanted repeats it; one that was ended and begun again in between is
+// repeated when 45 seconds have passed since the last repeat.
 void KelvarisSDK::statsEnabledRunner() {
     uint64_t lastRepeat = 0;
     std::unique_lock lock(statsLock);

@@ -149,7 +149,7 @@ char const* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod
 
 namespace {
 
-// A static result: 100 bytes of text, and a zero byte behind them that nothing overwrites.
+// A static result has 100 bytes of text, and a zero byte behind them that nothing overwrites.
 class NameBuffer {
 public:
     char const* set(std::string const& name) {

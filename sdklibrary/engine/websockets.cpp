@@ -36,7 +36,7 @@ void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
     setText(result->errorMessage, KelvarisSDK_ErrorType_toString(type));
 }
 
-// A description's "members" holds filter objects; a payload passes when it passes all of them.
+// A payload passes when it passes every filter object of the description's "members".
 bool passesFilter(Json::Value const& members, Json::Value const& payload) {
     if (!payload.isObject()) {
         return false;
@@ -58,9 +58,9 @@ bool namesEvent(Json::Value const& awaited, std::string const& name) {
     return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
 
-// A thread's writer of requests. At the program's end it goes before the static objects and the handlers of
-// exit(), and they may still make calls. The flag has no destructor, so it can be read for as long as anything
-// runs.
+// Each thread keeps a writer of requests. At the program's end the writer is destroyed before the static objects and
+// the handlers of exit(), which may still make calls. The flag has no destructor, so it can be read for as long as
+// anything runs.
 thread_local bool threadsWriterGone = false;
 
 struct ThreadsWriter {
@@ -79,12 +79,11 @@ uint64_t getTimeMillis() {
            1'000'000;
 }
 
-// The reader of jsoncpp that refuses what strict JSON refuses, a trailing comma for one; its successor
-// doesn't.
+// This reader of jsoncpp refuses what strict JSON refuses, a trailing comma for example; its successor doesn't.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void parseJson(Json::Value& value, std::string const& text) {
-    // Making a reader costs more than parsing a small report with it.
+    // Making a reader costs more than parsing a small report, so each thread keeps one.
     thread_local Json::Reader reader;
     std::string problem;
     try {
@@ -167,7 +166,7 @@ void Wakeup::clear() {
     signalled.exchange(false);
 }
 
-// One message from the daemon. Parsed when somebody wants it, and once.
+// One message from the daemon, which is parsed once, and only when somebody wants it.
 class WebsocketImpl::Message {
 public:
     Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
@@ -197,7 +196,7 @@ thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
     : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {
-    // On a processor that both share the reader begins to connect, and the caller prepares its first request
+    // On a processor that both threads share, the reader begins to connect, and the caller prepares its first request
     // while the daemon answers.
     std::this_thread::yield();
 }
@@ -230,7 +229,7 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     if (threadsWriterGone) {
         return envelope.toStyledString();
     }
-    // What toStyledString() writes; making its writer costs more than writing a small request with it.
+    // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
     thread_local ThreadsWriter const threads;
     std::ostringstream text;
     threads.writer->write(envelope, &text);
@@ -281,7 +280,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     registered.emplace(id, std::move(description));
     {
         std::lock_guard const lock(outgoingMutex);
-        // Before the merge, which can't fail: a call that throws leaves no entry behind.
+        // The merge can't fail, so a call that throws here leaves no entry behind.
         outgoing.insert(outgoing.end(), std::move_iterator(requests.begin()),
                         std::move_iterator(requests.end()));
         pendingEvents.merge(registered);
@@ -317,7 +316,7 @@ void WebsocketImpl::readerRunner() {
             ws.reset();
             waitForEnd(reconnectMs);
         } else {
-            // Closing: the daemon asked for an end or broke the protocol. The link stays so for good.
+            // The link is closing because the daemon asked for it or broke the protocol, and stays so for good.
             waitForEnd(pollMs);
         }
     } while (sweepAndGoOn());
@@ -331,7 +330,8 @@ void WebsocketImpl::connect(std::string const& url) {
 }
 
 void WebsocketImpl::serveOpenSocket() {
-    // Cleared before the queue is emptied and before `running` is read: what comes later ends the wait again.
+    // The signal is cleared before the queue is emptied and before `running` is read, so that whatever comes later
+    // ends the wait again.
     wakeup.clear();
     sendOutgoing();
     bool wait = false;
@@ -355,7 +355,7 @@ void WebsocketImpl::sendOutgoing() {
     ws->flush();
 }
 
-// Ended early by the destructor only.
+// Only the destructor ends this wait early.
 void WebsocketImpl::waitForEnd(int milliseconds) {
     std::unique_lock lock(runningMutex);
     runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
@@ -419,7 +419,7 @@ void WebsocketImpl::handle_message(std::string const& text) {
     visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
 }
 
-// Every delivery disarms the time-out, whatever the handler makes of it.
+// Every delivery disarms the time-out, also one that the handler rejects.
 bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {

@@ -12,10 +12,10 @@ namespace kelvarissdk {
 
 namespace {
 
-// The daemon's answer in the place of a report when a setting can't be changed.
+// The daemon reports this instead of the setting when the setting can't be changed.
 constexpr char lockReport[] = "report_setting_locked";
 
-// Where a synchronous caller waits for its record.
+// A synchronous caller waits here for its record.
 class Completion {
 public:
     Completion() {
@@ -39,7 +39,8 @@ private:
     sem_t done;
 };
 
-// The engine's own failures: a time-out, which brings its type and text, or a report that can't be read.
+// Fills the head for the engine's own failures: a time-out brings its type and text, a report that can't be read
+// brings none.
 void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
     head.error = true;
     head.errorCode = static_cast<int32_t>(KelvarisSDK_ErrorType_SDK);
@@ -52,7 +53,7 @@ void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
     }
 }
 
-// Whether the lock is this call's; then the record says so.
+// True when the lock concerns this call; the record then says so.
 bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Json::Value const& payload) {
     if (!payload.isObject() || !payload.isMember(Keys::_setting) ||
         payload[Keys::_setting].asString() != settingName) {
@@ -62,8 +63,8 @@ bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Jso
     return true;
 }
 
-// Whether the event finishes the record: a time-out, the call's own lock, or a report that completes it. A report
-// that can't be converted finishes it as an error.
+// Decides what an event means for a call: a time-out, the call's own lock and a complete report finish its record,
+// and so does, as an error, a report that can't be converted.
 bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
               std::string const& event, std::string const& text, Json::Value const& message) {
     if (event == timeoutEvent) {

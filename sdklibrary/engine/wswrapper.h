@@ -33,22 +33,22 @@ struct AwaitedReport {
 struct Exchange {
     std::vector<Request> requests = {};
     std::vector<AwaitedReport> awaited = {};
-    std::vector<std::string> subscribed = {}; // reports that come without being asked for; an EventParser of
-                                              // the record tells them from those that finish it
+    std::vector<std::string> subscribed = {}; // reports that come without being asked for; a Chooser tells
+                                              // them from those that finish the record
     uint64_t timeoutMs = 5000;                // 0: none
     // Empty, or the name that a lock report must carry to concern this call. Of one-shot calls only.
     std::string settingName = {};
     bool failedUntilReported = false; // a synchronous record's `error` is set until a report clears it
 };
 
-// Asks for a report.
+// Queries a report.
 Exchange query(char const* request, char const* report);
 // Changes a setting that can be locked, under the request's own name.
 Exchange change(char const* request, Json::Value const& payload, char const* report);
-// Asks for something that no lock concerns.
+// Commands something that no lock concerns.
 Exchange command(char const* request, Json::Value const& payload, char const* report);
 
-// The two kinds of function that fill a record from a payload.
+// One of the two kinds of function that fill a record from a payload.
 template <class T> class RecordParser {
 public:
     // Fills the record from any awaited report; the record is then complete.

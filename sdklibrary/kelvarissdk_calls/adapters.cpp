@@ -11,7 +11,7 @@ namespace kelvarissdk {
 namespace {
 
 constexpr char report[] = "report_networks";
-constexpr int neverOnTheWire = 100; // the other priorities have the same number in both places
+constexpr int neverOnTheWire = 100; // the other priorities have the same number in the record
 
 KelvarisSDK_ConnectionState connectionStateFrom(Json::Value const& number) {
     switch (number.asInt()) {
@@ -58,7 +58,8 @@ void setAdapterData(KelvarisSDK_AdapterData& data, Json::Value const& adapter) {
     data.priority = priorityFrom(adapter[Keys::_priority]);
     copyText(data.ssid, adapter[Keys::_ssid]);
     copyText(data.bssid, adapter[Keys::_bssid]);
-    data.rateLimit = adapter.get(Keys::_rateLimit, -1).asInt(); // a report of 2^31 or more fails
+    data.rateLimit =
+        adapter.get(Keys::_rateLimit, -1).asInt(); // a limit that needs more than 32 bits can't be read
     setDataUsage(data.dataUsage, adapter[Keys::_limits]);
 }
 
@@ -70,7 +71,7 @@ Json::Value network(char const* adapterID) {
     return with(Keys::_network, adapterID);
 }
 
-// The payload of requests that set one number of an adapter.
+// Makes the payload of requests that set one number of an adapter.
 Json::Value network(char const* adapterID, Json::StaticString const& key, long long number) {
     Json::Value payload = network(adapterID);
     payload[key] = static_cast<Json::Int64>(number);
@@ -166,7 +167,7 @@ KelvarisSDK_AdaptersResult KelvarisSDK::setAdapterOverlimitRatelimit(char const*
 
 KelvarisSDK_AdaptersResult
 KelvarisSDK::resetAdapterUsage(char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData) {
-    // The one request that doesn't call the adapter's id "network".
+    // This request alone calls the adapter's id "guid".
     return wsNonSubscriptionWrapper(callback, userData, websocket,
                                     command("reset_network_usage", with(Keys::_guid, adapterID), report),
                                     setAdaptersResult);

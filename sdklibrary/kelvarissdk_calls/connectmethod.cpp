@@ -26,7 +26,7 @@ constexpr WireMethod wireMethods[] = {
     {KelvarisSDK_AutoConnectMethod_COUNTRY, "country"},
 };
 
-// "country|city|num", of which the later pieces may be missing.
+// Splits "country|city|num", of which the later pieces may be missing.
 void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const& place) {
     std::istringstream pieces(place);
     std::string piece;
@@ -41,7 +41,7 @@ void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const
     }
 }
 
-// A method that has no number here leaves the record's as it was.
+// A method that isn't in the table leaves the record's as it was.
 void setServerSettingsData(KelvarisSDK_ServerSettingsResult& result, Json::Value const& settings) {
     setText(result.country, "");
     setText(result.city, "");

@@ -18,7 +18,7 @@ void setVersionResult(KelvarisSDK_VersionResult& result, Json::Value const& vers
     result.build = static_cast<uint16_t>(version[Keys::_build].asInt());
 }
 
-// A request that nobody answers.
+// Sends a request that nobody answers.
 KelvarisSDK_BaseResult notify(std::unique_ptr<WebsocketImpl> const& websocket, char const* request,
                               Json::Value const& payload = {}) {
     KelvarisSDK_BaseResult result{};

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char report[] = "report_directory_settings";
 
-// These records count as failed until a report has reached them.
+// The records of this family count as failed until a report has reached them.
 Exchange failedUntilReported(Exchange exchange) {
     exchange.failedUntilReported = true;
     return exchange;
@@ -24,7 +24,7 @@ void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value
 
 } // namespace
 
-// The request speaks of the URL, the report has all three settings.
+// The request names the URL alone, and the report has all three settings.
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
     return wsSubscriptionWrapper(callback, userData, websocket,
@@ -43,7 +43,7 @@ KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySettingsCallback callback,
                                 void* userData) {
-    Json::Value payload; // null resets the domain
+    Json::Value payload; // stays null to reset the domain
     if (domain != nullptr) {
         payload[Keys::_domain] = domain;
     }
@@ -52,7 +52,7 @@ KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySetting
                                     setDirectoryResult);
 }
 
-// The resets hand no user data on: callers rely on a null pointer in their callback.
+// The resets hand no user data on: their callback gets a null pointer.
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback, void* /*userData*/) {
     return setDirectoryDomain(nullptr, callback, nullptr);
@@ -61,7 +61,7 @@ KelvarisSDK::resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettingsCallback callback,
                                     void* userData) {
-    Json::Value payload; // null resets the URI
+    Json::Value payload; // stays null to reset the URI
     if (uri != nullptr) {
         payload[Keys::_url] = uri; // the report spells this key differently
     }

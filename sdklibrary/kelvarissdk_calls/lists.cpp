@@ -19,7 +19,7 @@ constexpr char firewallReport[] = "report_firewall_settings";
 constexpr char localProxyReport[] = "report_localproxy_settings";
 constexpr char streamingReport[] = "report_streaming_settings";
 
-// The capacity of every list, on the wire as in the record.
+// A list has the same capacity in a request as in the record.
 constexpr std::size_t maxItems = std::size(KelvarisSDK_ListBlock{}.domains);
 
 // A text that isn't an address of that family leaves zeroes, and still counts as an item.
@@ -194,7 +194,7 @@ KelvarisSDK::setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                                 KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    // A lock of these ports comes under the name of the firewall's.
+    // The lock report of these ports carries the name of the firewall's request.
     return wsNonSubscriptionWrapper(callback, userData, websocket,
                                     {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
                                      .awaited = {{localProxyReport}},
@@ -207,7 +207,7 @@ KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEn
     Json::Value payload;
     payload[Keys::_title] = title;
     payload[Keys::_enabled] = enabled;
-    // No lock report ends this call.
+    // A lock report doesn't concern this call.
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
         command("set_localproxy_domainwatchlist_enable", payload, localProxyReport), setLocalProxyResult);

@@ -27,7 +27,7 @@ void setSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult& result, Json::Value c
             .value_or(result.networkOverride);
 }
 
-// The calls that the service has a say in: a connect error finishes the record without failing the call.
+// For calls that the service itself can refuse: its connect error finishes the record without failing the call.
 bool settingsOrConnectError(KelvarisSDK_SafeBrowsingResult& result, std::string const& event,
                             Json::Value const& payload) {
     if (event == connectErrorReport) {
@@ -64,7 +64,7 @@ void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Jso
     result.num_packets_filtered = stats[Keys::_num_safe_browsing_packets_filtered].asUInt64();
 }
 
-// Settings from before the initialization say nothing about the request: they don't end the call.
+// Settings that are not initialized yet were reported before the request took effect, so they don't end the call.
 Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
     return {.requests = {{request, payload}},
             .awaited = {{settingsReport, with(Keys::_initialized, true)}, {connectErrorReport}},
@@ -82,7 +82,7 @@ KelvarisSDK::initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallba
                                     settingsOrConnectError);
 }
 
-// A lock of the configuration comes under the name of the initialization, which also sets it.
+// The lock report of the configuration carries the name of the initialization, which also sets it.
 KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* config,
                                                                   KelvarisSDK_SafeBrowsingCallback callback,
                                                                   void* userData) {
@@ -129,7 +129,7 @@ KelvarisSDK::refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsin
                                     settingsOrConnectError);
 }
 
-// A lock of this report comes under the name of the token's refresh.
+// The lock report of this request carries the name of the token's refresh.
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback, void* userData,
                                            unsigned int retries, unsigned long long delay,
@@ -160,7 +160,7 @@ KelvarisSDK_SafeBrowsingResult KelvarisSDK::getSafeBrowsing(KelvarisSDK_SafeBrow
                                  setSafeBrowsingResult);
 }
 
-// The two listeners ask for nothing, so nothing bounds the wait for an event: only a callback can take one.
+// The two listeners send no request and have no time-out, so they need a callback: a caller might wait for ever.
 KelvarisSDK_SafeBrowsingErrorResult
 KelvarisSDK::listenForSafeBrowsingError(KelvarisSDK_SafeBrowsingErrorCallback callback, void* userData) {
     if (callback == nullptr) {

@@ -14,14 +14,14 @@ namespace {
 
 constexpr std::string_view privatePrefix = "private";
 
-// The fields with which both records of a server begin.
+// Fills the fields with which both records of a server begin.
 template <class Server> void setPlace(Server& info, Json::Value const& server) {
     Text const country(server[Keys::_country]);
     info.isPrivate = Text(server[Keys::_private]).view() == "yes";
     bool const prefixed = info.isPrivate && country.view().starts_with(privatePrefix);
     setText(info.country, country.view().substr(prefixed ? privatePrefix.size() : 0));
     copyText(info.city, server[Keys::_city]);
-    Json::Value const& num = server[Keys::_num]; // comes as a number or as a text
+    Json::Value const& num = server[Keys::_num]; // it comes as a number or as a text
     info.num = num.isInt() ? num.asInt() : std::atoi(num.asString().c_str());
 }
 

@@ -31,7 +31,7 @@ char const* algorithmOf(KelvarisSDK_BondingMode mode) {
     return "SP";
 }
 
-// Fills slots with the members of an object that has an adapter's id for each name.
+// Fills slots with the members of an object whose names are ids of adapters.
 template <class Slot, std::size_t N, class Fill>
 void fillByAdapter(uint16_t& count, Slot (&slots)[N], Json::Value const& object, Fill fill) {
     std::vector<std::string> const names = object.getMemberNames();
@@ -62,7 +62,7 @@ void setConnectionSettings(KelvarisSDK_SettingsResult& result, Json::Value const
                                .value_or(KelvarisSDK_TransportMode_AUTO);
     fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports], setPortPair);
     result.perConnectionEncryptionEnabled = settings[Keys::_perconn_encryption].asBool();
-    // The adapters' settings are stale while they aren't in force; their numbers of sockets always hold.
+    // The adapters' own encryption is read only where the report enables it, their sockets always.
     fillByAdapter(result.perConnectionEncryptionCount, result.perConnectionEncryptionSettings,
                   result.perConnectionEncryptionEnabled ? settings[Keys::_perconn_encryption_settings]
                                                         : Json::Value::nullSingleton(),
@@ -86,7 +86,7 @@ void setPrivacySettings(KelvarisSDK_PrivacySettingsResult& result, Json::Value c
 }
 
 void setCaptiveNetworksResult(KelvarisSDK_CaptivePortalCheckResult& result, Json::Value const& payload) {
-    // The members of an object are no networks.
+    // Only a list counts; fillTexts() would take the members of an object as well.
     Json::Value const& networks = payload[Keys::_networks];
     fillTexts(result.networkCount, result.networks,
               networks.isArray() ? networks : Json::Value::nullSingleton());
@@ -174,7 +174,7 @@ KelvarisSDK::setOverflowThreshold(double speed, KelvarisSDK_SettingsCallback cal
 
 KelvarisSDK_SettingsResult
 KelvarisSDK::setEnableDefaultRoute(bool enable, KelvarisSDK_SettingsCallback callback, void* userData) {
-    // "enabled", where the neighbours say "enable".
+    // This request calls the key "enabled", where its neighbours say "enable".
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
         change("set_connection_enable_default_route", with(Keys::_enabled, enable), connectionReport),
@@ -195,7 +195,7 @@ KelvarisSDK_SettingsResult KelvarisSDK::setForwardPorts(unsigned short count,
 KelvarisSDK_SettingsResult KelvarisSDK::setConnectionEncryption(char const* adapterID, bool enable,
                                                                 KelvarisSDK_SettingsCallback callback,
                                                                 void* userData) {
-    // The tunnel's request; the id alone makes it the adapter's.
+    // This is the tunnel's request too; the id makes it one for the adapter.
     Json::Value payload = with(Keys::_guid, adapterID);
     payload[Keys::_enable] = enable;
     return wsNonSubscriptionWrapper(callback, userData, websocket,
@@ -227,7 +227,7 @@ KelvarisSDK_PrivacySettingsResult KelvarisSDK::setDNSServers(unsigned short coun
 
 KelvarisSDK_CaptivePortalCheckResult
 KelvarisSDK::checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callback, void* userData) {
-    // The daemon tests the networks before it answers.
+    // This check takes longer than the other calls.
     return wsNonSubscriptionWrapper(callback, userData, websocket,
                                     {.requests = {{"check_captive_networks"}},
                                      .awaited = {{"report_captive_networks"}},
@@ -238,7 +238,7 @@ KelvarisSDK::checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callb
 KelvarisSDK_CaptivePortalLoginResult
 KelvarisSDK::setCaptivePortalLoginMode(bool enable, char const* adapterID,
                                        KelvarisSDK_CaptivePortalLoginCallback callback, void* userData) {
-    // Refused even before the link is looked at.
+    // This refusal comes even before that of a missing link.
     if (enable && adapterID == nullptr) {
         return refused<KelvarisSDK_CaptivePortalLoginResult>(invalidArgument);
     }

@@ -19,7 +19,7 @@ namespace {
 
 constexpr unsigned maxPeriods = 5; // of one subscription
 
-// A name that is no protocol leaves what an earlier report put into the slot.
+// A name that is no protocol leaves the slot as an earlier report filled it.
 void setProtocol(KelvarisSDK_TransportMode& protocol, Json::Value const& connection) {
     if (!connection.isMember(Keys::_protocol)) {
         protocol = KelvarisSDK_TransportMode_AUTO;
@@ -78,7 +78,7 @@ double benefit(Json::Value const& bonding) {
     return bonding[Keys::_combined_mbps].asDouble() - bonding[Keys::_fastest_conn_mbps].asDouble();
 }
 
-// The daemon counts with a sign.
+// Counters are read with a sign and kept without one.
 uint64_t counter(Json::Value const& value) {
     return static_cast<uint64_t>(value.asInt64());
 }
@@ -191,13 +191,13 @@ void setDisconnectEventResult(KelvarisSDK_DisconnectEventResult& result, Json::V
     result.sessionLength = event[Keys::_sessionLength].asInt64();
 }
 
-// Local time. What stands behind the seconds isn't looked at; a text that lacks a part of the format is 0, and so
-// is a time before the epoch.
+// Reads a local time. What stands behind the seconds isn't looked at; a text that lacks a part of the format is 0,
+// and so is a time before the epoch.
 int64_t testTime(std::string const& text) {
     std::tm time{};
     time.tm_isdst = -1;
     std::istringstream stream(text);
-    stream.imbue(std::locale::classic()); // whatever locale the program has set
+    stream.imbue(std::locale::classic()); // the program's locale must not change what a date is
     stream >> std::get_time(&time, "%Y-%m-%dT%H:%M:%S");
     return stream.fail() ? 0 : std::max<int64_t>(std::mktime(&time), 0);
 }
@@ -222,8 +222,8 @@ void setSpeedTest(KelvarisSDK_SpeedTestEntry& entry, int64_t time, Json::Value c
     }
 }
 
-// All tests, as far as they fit; or the newest alone, of several that are equally new the last. There is no newest
-// one where no time can be read.
+// Keeps all tests that fit, or the newest alone, which is the last of several that are equally new. Without a time
+// that can be read there is no newest one.
 void setSpeedTestResults(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests, bool onlyLatest) {
     result.testCount = 0;
     int64_t latest = 0;
@@ -257,7 +257,7 @@ Exchange testWithin(char const* request, uint64_t timeoutMs) {
 
 } // namespace
 
-// Nobody answers. The lock is held until the request is queued, so that the last of several calls is also the
+// Nobody answers this request. The lock is held until it is queued, so that the last of several calls is also the
 // last that the daemon hears of.
 KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char periodCount,
                                                       unsigned int* periods) {

@@ -287,8 +287,7 @@ private:
         }
     }
 
-    // Goes on to the next data frame, with its header consumed, and handles the others on the way. False when
-    // there is none yet.
+    // Handles control frames up to the next data frame and consumes that one's header. False when it isn't there yet.
     bool takeHeader() {
         while (std::optional<wsheader_type> const header = parseHeader(rxBuffer.bytes())) {
             if (header->length >> 63 != 0) {
@@ -328,7 +327,7 @@ private:
         std::span<std::uint8_t> const payload = rxBuffer.bytes().first(count);
         if (dataFrame->mask) {
             applyMask(payload, dataFrame->key);
-            MaskKey const key = dataFrame->key; // what follows begins at another byte of it
+            MaskKey const key = dataFrame->key; // the rest of the payload begins at another byte of the key
             for (std::size_t i = 0; i < key.size(); ++i) {
                 dataFrame->key[i] = key[(i + count) & 3];
             }
