@@ -54,7 +54,7 @@ std::vector<std::string> environmentOf(Command const& command) {
     std::vector<std::string> variables;
     if (command.clock != 1) {
         variables = {"LD_PRELOAD=" FAST_CLOCK, "FAKETIME=+0 x" + std::to_string(command.clock),
-                     "FAKETIME_DISABLE_SHM=1", "ASAN_OPTIONS=verify_asan_link_order=0"};
+                     "ASAN_OPTIONS=verify_asan_link_order=0"};
     }
     for (char** variable = environ; *variable != nullptr; ++variable) {
         variables.emplace_back(*variable);
@@ -97,6 +97,15 @@ pid_t spawn(Command const& command, int in, int out, int err) {
     return checked(pid, command.path.c_str());
 }
 
+// Takes away what libfaketime leaves of a process that ends by a signal.
+int reap(pid_t pid) {
+    int status = 0;
+    checked(waitpid(pid, &status, 0), "waitpid");
+    unlink(("/dev/shm/faketime_shm_" + std::to_string(pid)).c_str());
+    unlink(("/dev/shm/sem.faketime_sem_" + std::to_string(pid)).c_str());
+    return status;
+}
+
 } // namespace
 
 Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * patience()) {
@@ -126,7 +135,7 @@ Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * pa
 Process::~Process() {
     if (pid > 0) {
         kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
+        reap(pid);
     }
     for (int* end : {&outEnd, &errEnd, &keyboard, &terminal}) {
         closeEnd(*end);
@@ -185,8 +194,7 @@ Outcome const& Process::wait() {
     while (isOpen()) {
         exchange(patience());
     }
-    int status = 0;
-    checked(waitpid(std::exchange(pid, -1), &status, 0), "waitpid");
+    int const status = reap(std::exchange(pid, -1));
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     // What was typed last may have been echoed after the last look.
     pollfd shown = {keyboard, POLLIN, 0};
