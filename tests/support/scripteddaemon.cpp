@@ -108,6 +108,7 @@ struct ScriptedDaemon::Impl {
             int const on = 1; // its connections have it too
             setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
             listen(listener, SOMAXCONN);
+            std::scoped_lock const lock(mutex);
             threads.emplace_back([this] { acceptAll(); });
         }
     }
