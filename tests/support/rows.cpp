@@ -44,24 +44,10 @@ Row failing(std::string const& words, std::vector<Step> const& exchange, std::st
     return {.name = {}, .argv = split(words), .exchange = exchange, .err = err, .status = 1};
 }
 
-void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals) {
-    for (auto const& [usage, tooFew, wrong] : refusals) {
-        for (std::string const& words : tooFew) {
-            rows.push_back({.name = {}, .argv = split(words), .err = missing(usage), .status = 3});
-        }
-        for (std::string const& words : wrong) {
-            rows.push_back({.name = {}, .argv = split(words), .err = invalid(usage), .status = 2});
-        }
-    }
-}
-
 void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
                 std::vector<Change> const& changes) {
-    for (auto const& [words, request, payload, locks] : changes) {
+    for (auto const& [words, request, payload] : changes) {
         rows.push_back(row(words, {{request, payload, {answer}}}, out));
-        std::vector<Step> const locked = {{request, payload, {lock(request, 1), answer}}};
-        rows.push_back(locks ? failing(words, locked, lockedByServer) : row(words, locked, out));
-        rows.back().name = "locked";
     }
 }
 
@@ -107,14 +93,6 @@ std::string series(int count, std::string const& element, int first) {
     return text;
 }
 
-uint64_t hash(std::string const& text) {
-    uint64_t value = 14695981039346656037U;
-    for (char const byte : text) {
-        value = (value ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-    return value;
-}
-
 std::string changed(std::string const& document, std::string const& members) {
     Json::Value whole = parsed(document);
     Json::Value const replaced = parsed(members);
@@ -130,14 +108,6 @@ std::string errorDocument(int code, std::string const& type, std::string const& 
     document["errorType"] = type;
     document["errorMessage"] = message;
     return document.toStyledString();
-}
-
-std::string invalid(std::string const& usage) {
-    return "Invalid parameters: sdkcli " + usage + "\n";
-}
-
-std::string missing(std::string const& usage) {
-    return "Missing parameters: sdkcli " + usage + "\n";
 }
 
 } // namespace harness

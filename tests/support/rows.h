@@ -32,21 +32,11 @@ Words split(std::string const& text);
 Row row(std::string const& words, std::vector<Step> const& exchange, std::string const& out);
 Row failing(std::string const& words, std::vector<Step> const& exchange, std::string const& err);
 
-// Command lines that get this usage: those in which something is missing, and the other wrong ones.
-struct Refusals {
-    std::string usage;
-    std::vector<std::string> missing;
-    std::vector<std::string> invalid;
-};
-void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals);
-
-// A change of a setting: once with its report, and once with a lock of that setting in front of the report,
-// which ends those that can be locked.
+// Changes of a setting, each answered by its report.
 struct Change {
     std::string words;
     std::string request;
     std::string payload;
-    bool locks = true;
 };
 void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
                 std::vector<Change> const& changes);
@@ -66,13 +56,8 @@ Step asked(std::string const& what, std::string const& payload); // "request_", 
 // `count` elements with commas between them; each "#" in an element is its number.
 std::string series(int count, std::string const& element, int first = 0);
 
-// FNV-1a, for texts that are long and never change.
-uint64_t hash(std::string const& text);
-
 std::string changed(std::string const& document, std::string const& members); // with these members replaced
 std::string errorDocument(int code, std::string const& type, std::string const& message);
-std::string invalid(std::string const& usage);
-std::string missing(std::string const& usage);
 
 inline std::string const unreadable = errorDocument(3840, "An error in the SDK", "Error from SDK");
 inline std::string const timedOut = errorDocument(3841, "Timeout waiting for result", "Timeout");
