@@ -1,7 +1,6 @@
 // The adapters: grammar, requests, report, document, locks.
 
 #include "support/rows.h"
-#include "support/sdk.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +46,9 @@ TEST(Adapters, AreShown) {
         shown(R"({"connectionState":3,"type":"Bluetooth","priority":100})",
               R"({"type":"Bluetooth","priority":"never"})"),
         shown(R"({"type":"wi-fi","priority":3,"rateLimit":null})", R"({"rateLimit":0})"),
+        shown(R"({"type":"Ethernet"})", R"({"type":"Ethernet"})"),
+        shown(R"({"type":"VPN"})", R"({"type":"VPN"})"),
+        shown(R"({"type":"Loopback"})", R"({"type":"Loopback"})"),
         shown(R"({"guid":")" + wide + R"(","name":"n"})",
               R"({"name":"n","adapterID":")" + wide.substr(1) + "n\"}"),
         listed("", ""),
@@ -73,62 +75,13 @@ TEST(Adapters, AreChanged) {
              R"({"network":"i","bps":9223372036854775807})"},
             {"adapter ratelimit '' unlimited", rate, R"({"network":"","bps":0})"},
             {"adapter overlimitratelimit i 0", "set_network_overlimit_rate", R"({"network":"i","bps":0})"},
-            {"adapter datalimit monthly i 5000000000 40", monthly,
+            {"adapter datalimit monthly i 5000000000 040", monthly,
              R"({"network":"i","max":5000000000,"resetDay":40})"},
             {"adapter datalimit monthly i unlimited x", monthly, R"({"network":"i","max":0,"resetDay":0})"},
             {"adapter datalimit daily i 7", daily, R"({"network":"i","max":7})"},
             {"adapter datalimit daily i unlimited", daily, R"({"network":"i","max":0})"},
-            {"adapter datalimit dailyboost i 8", "add_net_daily_limit_boost", R"({"network":"i","value":8})",
-             false},
-            {"adapter resetusage i", "reset_network_usage", R"({"guid":"i"})", false},
+            {"adapter datalimit dailyboost i 8", "add_net_daily_limit_boost", R"({"network":"i","value":8})"},
+            {"adapter resetusage i", "reset_network_usage", R"({"guid":"i"})"},
         });
     runRows(rows);
-}
-
-// Every form has its own idea of what is missing and what is invalid.
-TEST(Adapters, AreRefused) {
-    std::vector<Row> rows;
-    addRefusals(
-        rows,
-        {{"adapter <datalimit|priority|ratelimit|overlimitratelimit|encryption|resetusage>",
-          {"adapter"},
-          {"adapter Priority i always"}},
-         {"adapter priority <adapter id> <always|secondary|backup|never>",
-          {"adapter priority i", "adapter priority i always x"},
-          {"adapter priority i Always"}},
-         {"adapter ratelimit <adapter id> <speed in bits per second|unlimited>",
-          {},
-          {"adapter ratelimit i", "adapter ratelimit i 5 x", "adapter ratelimit i 5k",
-           "adapter ratelimit i 0x10"}},
-         {"adapter overlimitratelimit <adapter id> <speed in bits per second|0 to stop using>",
-          {"adapter overlimitratelimit i"},
-          {"adapter overlimitratelimit i 5 x", "adapter overlimitratelimit i unlimited"}},
-         {"adapter resetusage <adapter id>", {"adapter resetusage"}, {"adapter resetusage i x"}},
-         {"adapter dataLimit <monthly|daily|dailyboost>", {}, {"adapter datalimit yearly"}},
-         {"adapter datalimit monthly <adapter id> <data usage in bytes|unlimited> <day of the month to reset "
-          "on|0 for last 30 days>",
-          {"adapter datalimit monthly i unlimited"},
-          {"adapter datalimit monthly i 1 2 x", "adapter datalimit monthly i x 1",
-           "adapter datalimit monthly i 1 x"}},
-         {"adapter datalimit daily <adapter id> <data usage in bytes|unlimited>",
-          {"adapter datalimit daily i"},
-          {"adapter datalimit daily i 1 x", "adapter datalimit daily i ''"}},
-         {"adapter datalimit dailyboost <adapter id> <additional bytes>",
-          {"adapter datalimit dailyboost i"},
-          {"adapter datalimit dailyboost i 1 x", "adapter datalimit dailyboost i unlimited"}},
-         {"adapter encryption <adapter id> <on|off>",
-          {"adapter datalimit", "adapter encryption i"},
-          {"adapter encryption i on x", "adapter encryption i yes"}}});
-    runRows(rows);
-}
-
-TEST(Adapters, NumbersWithoutAName) {
-    auto const priority = static_cast<KelvarisSDK_ConnectionPriority>(4);
-    ScriptedDaemon daemon({}, noName);
-    Sdk sdk(daemon);
-    EXPECT_EQ(sdk.setConnectionPriorities("i", priority, nullptr, nullptr).base.errorCode, 3842);
-    sdk.unlink();
-    EXPECT_EQ(sdk.setConnectionPriorities("i", priority, nullptr, nullptr).base.errorCode, 3840);
-    EXPECT_STREQ(KelvarisSDK_ConnectionPriority_toString(priority), "always");
-    EXPECT_STREQ(KelvarisSDK_NetworkType_toString(static_cast<KelvarisSDK_NetworkType>(7)), "Wi-Fi");
 }

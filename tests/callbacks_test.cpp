@@ -1,40 +1,88 @@
 // What the C interface promises about callbacks, threads and handles.
 
 #include "support/handle.h"
-#include "support/scripteddaemon.h"
-#include "support/simulator.h"
+#include "support/rows.h"
+#include "support/sdk.h"
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <future>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
 using namespace harness;
 
 namespace {
 
-constexpr char connected[] = R"(["report_current_state",{"state":6}])";
-constexpr char version[] = R"(["report_version_data",{"maj":12,"min":3,"bug":4,"build":5}])";
+// Both kinds of report, so that one function serves both kinds of call.
+std::string numbered(std::string const& name, int number) {
+    std::string const text = std::to_string(number);
+    return report(name, R"({"state":)" + text + R"(,"maj":)" + text + "}");
+}
 
-Options const noName{.appName = std::nullopt};
+unsigned numberOf(KelvarisSDK_StateResult const& result) {
+    return result.state;
+}
+
+unsigned numberOf(KelvarisSDK_VersionResult const& result) {
+    return result.maj;
+}
+
+template <class T> using Call = T (*)(KelvarisSDK_Handle*, bool (*)(T, void*), void*);
+
+// What the first callback of `name` does: a synchronous call, which is refused and sends nothing; the end of its
+// own entry and of one that the same message would still reach; a new call, which this message doesn't reach.
+template <class T> void changeTheTable(Call<T> call, std::string const& name) {
+    std::string const request = "request_" + name;
+    ScriptedDaemon daemon({{request}, {request}, {request}}, noName);
+    Handle handle(daemon.port());
+    struct {
+        Call<T> call = nullptr;
+        KelvarisSDK_Handle* sdk = nullptr;
+        std::promise<uint64_t> ownId, otherId;
+        int synchronousCode = 0;
+        InboxOf<T> own, other, added;
+    } calls;
+    calls.call = call;
+    calls.sdk = handle.sdk;
+    auto const callback = [](T result, void* userData) {
+        auto& all = *static_cast<decltype(calls)*>(userData);
+        all.own.put(result);
+        all.synchronousCode = all.call(all.sdk, nullptr, nullptr).base.errorCode;
+        KelvarisSDK_UnregisterCallback(all.sdk, all.ownId.get_future().get());
+        KelvarisSDK_UnregisterCallback(all.sdk, all.otherId.get_future().get());
+        all.call(all.sdk, InboxOf<T>::keep, &all.added);
+        return true;
+    };
+    calls.ownId.set_value(call(handle.sdk, callback, &calls).base.callbackId);
+    calls.otherId.set_value(call(handle.sdk, InboxOf<T>::keep, &calls.other).base.callbackId);
+    daemon.waitForRequest(request);
+    daemon.waitForRequest(request);
+    daemon.send(numbered(name, 1));
+    daemon.waitForRequest(request);
+    daemon.send(numbered(name, 2));
+    EXPECT_EQ(numberOf(calls.added.take()), 2U);
+    EXPECT_EQ(numberOf(calls.own.take()), 1U);
+    EXPECT_TRUE(calls.own.empty());
+    EXPECT_TRUE(calls.other.empty());
+    EXPECT_EQ(calls.synchronousCode, 3847);
+}
 
 } // namespace
+
+TEST(Callbacks, MayChangeTheTable) {
+    changeTheTable(KelvarisSDK_GetState, "current_state");
+    changeTheTable(KelvarisSDK_GetVersion, "version_data");
+}
 
 // While a callback runs, another thread's asynchronous call returns; unregistering waits for the callback, and
 // no other follows.
 TEST(Callbacks, NoneRunsAfterUnregistering) {
-    ScriptedDaemon daemon({{.request = "request_current_state", .answers = {connected}},
-                           {.request = "request_connection_settings"},
-                           {.request = "request_version_data", .answers = {connected, version}}},
+    ScriptedDaemon daemon({asked("current_state", R"({"state":6})"),
+                           {"request_connection_settings"},
+                           {"request_version_data", "null", {state(6), numbered("version_data", 12)}}},
                           noName);
     struct {
-        std::promise<void> entered;
-        std::promise<void> called;
-        std::promise<void> unregistered;
+        std::promise<void> entered, called, unregistered;
         std::future_status callSeen = std::future_status::timeout;
         std::future_status unregisteringSeen = std::future_status::ready;
         std::atomic<int> calls = 0;
@@ -64,58 +112,23 @@ TEST(Callbacks, NoneRunsAfterUnregistering) {
 
 // What a callback returns ends a subscription and nothing else.
 TEST(Callbacks, OneShotEndsAlwaysAndSubscriptionWithFalse) {
-    ScriptedDaemon daemon(
-        {{.request = "request_current_state"},
-         {.request = "request_version_data", .answers = {connected, connected, connected, version, version}},
-         {.request = "request_connection_settings", .answers = {R"(["report_connection_settings",{}])"}}},
-        noName);
+    std::string const version = numbered("version_data", 12);
+    ScriptedDaemon daemon({{"request_current_state"},
+                           {"request_version_data", "null", {state(1), state(2), state(3), version, version}},
+                           asked("connection_settings", "{}")},
+                          noName);
     std::atomic<int> states = 0;
-    std::atomic<int> versions = 0;
+    InboxOf<KelvarisSDK_VersionResult> versions;
     Handle const handle(daemon.port());
     KelvarisSDK_GetState(
         handle.sdk,
         [](KelvarisSDK_StateResult, void* count) { return ++*static_cast<std::atomic<int>*>(count) < 2; },
         &states);
-    auto const countVersion = [](KelvarisSDK_VersionResult, void* count) {
-        ++*static_cast<std::atomic<int>*>(count);
-        return true;
-    };
-    KelvarisSDK_GetVersion(handle.sdk, countVersion, &versions);
+    KelvarisSDK_GetVersion(handle.sdk, decltype(versions)::keep, &versions);
     EXPECT_FALSE(KelvarisSDK_GetSettings(handle.sdk, nullptr, nullptr).base.error);
     EXPECT_EQ(states, 2);
-    EXPECT_EQ(versions, 1);
-}
-
-// Each thread finds in its records what the first call found, whoever else asks.
-TEST(Callbacks, ManyThreadsOnOneHandle) {
-    Simulator const simulator;
-    Handle const handle(simulator.port);
-    KelvarisSDK_Handle* const sdk = handle.sdk;
-    auto const look = [sdk](int which) -> std::string {
-        switch (which % 4) {
-        case 0:
-            return std::to_string(KelvarisSDK_GetVersion(sdk, nullptr, nullptr).build);
-        case 1:
-            return std::to_string(KelvarisSDK_GetAdapters(sdk, nullptr, nullptr).adapterCount);
-        case 2:
-            return std::to_string(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).serverCount);
-        default:
-            return KelvarisSDK_GetAccountingData(sdk, nullptr, nullptr).email;
-        }
-    };
-    std::vector<std::future<bool>> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.push_back(std::async(std::launch::async, [&look, i, wanted = look(i)] {
-            bool right = !wanted.empty() && wanted != "0";
-            for (int round = 0; round < 50; ++round) {
-                right = look(i) == wanted && right;
-            }
-            return right;
-        }));
-    }
-    for (auto& thread : threads) {
-        EXPECT_TRUE(thread.get());
-    }
+    versions.take();
+    EXPECT_TRUE(versions.empty());
 }
 
 // The thread's own objects are gone by then, the library's among them.

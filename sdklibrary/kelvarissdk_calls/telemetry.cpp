@@ -196,10 +196,14 @@ void setDisconnectEventResult(KelvarisSDK_DisconnectEventResult& result, Json::V
 int64_t testTime(std::string const& text) {
     std::tm time{};
     time.tm_isdst = -1;
+    time.tm_sec = -1; // a text that ends early doesn't fail the stream, but leaves this one unread
     std::istringstream stream(text);
     stream.imbue(std::locale::classic()); // the program's locale must not change what a date is
     stream >> std::get_time(&time, "%Y-%m-%dT%H:%M:%S");
-    return stream.fail() ? 0 : std::max<int64_t>(std::mktime(&time), 0);
+    if (stream.fail() || time.tm_sec < 0) {
+        return 0;
+    }
+    return std::max<int64_t>(std::mktime(&time), 0);
 }
 
 void setSpeedTest(KelvarisSDK_SpeedTestEntry& entry, int64_t time, Json::Value const& test) {

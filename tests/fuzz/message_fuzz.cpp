@@ -7,25 +7,20 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <iterator>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
 
 // As the corpus numbers them.
-std::vector<std::string> eventNames() {
-    std::istringstream names(
-        "current_state version_data accounting_data login_error directory connected_server connect_error "
-        "server_settings directory_settings networks connection_settings privacy_settings "
-        "captive_networks cplogin_network firewall_settings localproxy_settings streaming_settings "
-        "connection_stats session_stats streaming_stats disconnect_reason speedtest_results "
-        "safe_browsing_settings safe_browsing_connect_error safe_browsing_stats "
-        "safe_browsing_lookup_error safe_browsing_block setting_locked");
-    return {std::istream_iterator<std::string>(names), {}};
-}
+// clang-format off
+constexpr char const* events[] = {
+    "current_state", "version_data", "accounting_data", "login_error", "directory", "connected_server", "connect_error",
+    "server_settings", "directory_settings", "networks", "connection_settings", "privacy_settings", "captive_networks",
+    "cplogin_network", "firewall_settings", "localproxy_settings", "streaming_settings", "connection_stats",
+    "session_stats", "streaming_stats", "disconnect_reason", "speedtest_results", "safe_browsing_settings",
+    "safe_browsing_connect_error", "safe_browsing_stats", "safe_browsing_lookup_error", "safe_browsing_block",
+    "setting_locked"};
+// clang-format on
 
 template <auto print, class Result> bool printed(Result result, void*) {
     if (result.base.error) {
@@ -93,26 +88,19 @@ private:
     }
 };
 
-Library* library;
-
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     stderr = std::fopen("/dev/null", "w");
-    if (std::freopen("/dev/null", "w", stdout) == nullptr) {
-        std::abort();
-    }
-    static Library instance;
-    library = &instance;
-    return 0;
+    return std::freopen("/dev/null", "w", stdout) == nullptr ? 1 : 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    if (size == 0) {
-        return 0;
+    static Library library;
+    if (size > 0) {
+        std::string const payload(reinterpret_cast<char const*>(data) + 1, size - 1);
+        library.deliver(std::string("[\"report_") + events[data[0] % std::size(events)] + "\"," + payload +
+                        "]");
     }
-    static std::vector<std::string> const events = eventNames();
-    std::string const payload(reinterpret_cast<char const*>(data) + 1, size - 1);
-    library->deliver("[\"report_" + events[data[0] % events.size()] + "\"," + payload + "]");
     return 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <chrono>
+#include "support/process.h"
+
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -13,12 +14,8 @@ namespace harness {
 
 class Handle {
 public:
-    explicit Handle(uint16_t port) {
-        KelvarisSDK_CreateSettings settings;
-        KelvarisSDK_InitializeCreateSettings(&settings);
-        settings.port = port;
-        sdk = KelvarisSDK_CreateWithSettings(settings);
-    }
+    explicit Handle(uint16_t port)
+        : sdk(KelvarisSDK_CreateWithSettings({.appName = "", .address = "127.0.0.1", .port = port})) {}
     ~Handle() {
         KelvarisSDK_Destroy(sdk);
     }
@@ -44,7 +41,7 @@ public:
 
     T take() {
         std::unique_lock lock(mutex);
-        if (!changed.wait_for(lock, std::chrono::seconds(20), [this] { return !results.empty(); })) {
+        if (!changed.wait_for(lock, patience(), [this] { return !results.empty(); })) {
             ADD_FAILURE() << "no callback came";
             return {};
         }

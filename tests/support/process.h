@@ -19,6 +19,7 @@ struct Command {
     std::vector<std::string> argv; // the first is the name that the program sees as its own
     std::string input = {};
     Input kind = Input::text;
+    int clock = 1; // how many times as fast as ours the child's clocks and waits run
 };
 
 struct Outcome {
@@ -62,5 +63,12 @@ private:
 };
 
 Outcome runProcess(Command const& command);
+
+// For the first line of a test that waits long: if (ranOnClock(20)) return;
+// The test then runs in a child, on a clock so many times as fast, and what the child says is the result.
+bool ranOnClock(int clock);
+
+// How long the harness waits for what has to come: 20 s, whatever the clock.
+std::chrono::seconds patience();
 
 } // namespace harness

@@ -12,32 +12,19 @@ namespace harness {
 
 namespace {
 
-struct Run {
-    Outcome outcome;
-    std::string deviations;
-};
-
-std::string title(Row const& row) {
-    return row.name + ' ' + testing::PrintToString(row.argv);
-}
-
-Run run(Row const& row) {
-    SCOPED_TRACE(title(row));
+void runRow(Row const& row) {
+    SCOPED_TRACE(row.name + ' ' + testing::PrintToString(row.argv));
     ScriptedDaemon daemon(row.exchange, row.daemon);
     Words words = {"-i", "127.0.0.1", "-p", std::to_string(daemon.port())};
     words.insert(words.end(), row.argv.begin(), row.argv.end());
     Command command = tool(words);
     command.input = row.input;
+    command.clock = row.clock;
     Outcome const outcome = runProcess(command);
-    return {outcome, daemon.finish()};
-}
-
-void compare(Row const& row, Run const& run) {
-    SCOPED_TRACE(title(row));
-    EXPECT_EQ(run.deviations, "");
-    EXPECT_EQ(run.outcome.out, row.out);
-    EXPECT_EQ(run.outcome.err, row.err);
-    EXPECT_EQ(run.outcome.status, row.status);
+    EXPECT_EQ(daemon.finish(), "");
+    EXPECT_EQ(outcome.out, row.out);
+    EXPECT_EQ(outcome.err, row.err);
+    EXPECT_EQ(outcome.status, row.status);
 }
 
 } // namespace
@@ -57,41 +44,21 @@ Row failing(std::string const& words, std::vector<Step> const& exchange, std::st
     return {.name = {}, .argv = split(words), .exchange = exchange, .err = err, .status = 1};
 }
 
-void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals) {
-    for (auto const& [usage, tooFew, wrong] : refusals) {
-        for (std::string const& words : tooFew) {
-            rows.push_back({.name = {}, .argv = split(words), .err = missing(usage), .status = 3});
-        }
-        for (std::string const& words : wrong) {
-            rows.push_back({.name = {}, .argv = split(words), .err = invalid(usage), .status = 2});
-        }
-    }
-}
-
 void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
                 std::vector<Change> const& changes) {
-    for (auto const& [words, request, payload, locks] : changes) {
+    for (auto const& [words, request, payload] : changes) {
         rows.push_back(row(words, {{request, payload, {answer}}}, out));
-        std::vector<Step> const locked = {{request, payload, {lock(request, 1), answer}}};
-        rows.push_back(locks ? failing(words, locked, lockedByServer) : row(words, locked, out));
-        rows.back().name = "locked";
     }
 }
 
 void runRows(std::vector<Row> const& rows) {
-    for (Row const& row : rows) {
-        compare(row, run(row));
-    }
+    std::for_each(rows.begin(), rows.end(), runRow);
 }
 
 void runRowsInParallel(std::vector<Row> const& rows) {
-    std::vector<std::future<Run>> runs;
-    runs.reserve(rows.size());
+    std::vector<std::future<void>> runs;
     for (Row const& row : rows) {
-        runs.push_back(std::async(std::launch::async, run, std::cref(row)));
-    }
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        compare(rows[i], runs[i].get());
+        runs.push_back(std::async(std::launch::async, runRow, std::cref(row)));
     }
 }
 
@@ -126,14 +93,6 @@ std::string series(int count, std::string const& element, int first) {
     return text;
 }
 
-uint64_t hash(std::string const& text) {
-    uint64_t value = 14695981039346656037U;
-    for (char const byte : text) {
-        value = (value ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-    return value;
-}
-
 std::string changed(std::string const& document, std::string const& members) {
     Json::Value whole = parsed(document);
     Json::Value const replaced = parsed(members);
@@ -149,14 +108,6 @@ std::string errorDocument(int code, std::string const& type, std::string const& 
     document["errorType"] = type;
     document["errorMessage"] = message;
     return document.toStyledString();
-}
-
-std::string invalid(std::string const& usage) {
-    return "Invalid parameters: sdkcli " + usage + "\n";
-}
-
-std::string missing(std::string const& usage) {
-    return "Missing parameters: sdkcli " + usage + "\n";
 }
 
 } // namespace harness

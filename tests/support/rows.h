@@ -7,26 +7,10 @@
 #include <string>
 #include <vector>
 
-// The built tool, run by rows: one row is one run against a daemon of its own.
-//
-//     TEST(State, isPrinted)
-//     {
-//         std::vector<Row> rows = {
-//             row("state", {asked("current_state", R"({"state":6})")}, styled(R"({"state":"CONNECTED"})")),
-//             failing("state", {asked("current_state", R"({"state":[]})")}, unreadable),
-//         };
-//         addRefusals(rows, {{"state", {}, {"state now"}}});
-//         runRows(rows);
-//     }
-//
-// What a row leaves out means: nothing is sent, nothing is printed on either stream, the status is 0. Outputs
-// are compared whole, requests by their text. The exchange lists the requests in their order, each with its
-// payload (null if left out) and what the daemon answers; a request without an answer is a step too. The
-// greeting "set_app_name" is checked by itself and needs no step. A refused command line has no exchange:
-// whether the greeting has left by then is a matter of luck, and both will do.
-//
-// For a daemon that nobody can connect to, or that fails in the upgrade, see Options; for one that hangs up,
-// that answers late or with wrong bytes, see Step.
+// The built tool, run by rows: one row is one run against a daemon of its own. What a row leaves out means: nothing
+// is sent, nothing is printed on either stream, the status is 0. Outputs are compared whole, requests by their text.
+// A request without an answer is a step too. The greeting "set_app_name" needs no step; a refused command line has
+// no exchange, and whether the greeting has left by then is a matter of luck.
 namespace harness {
 
 using Words = std::vector<std::string>;
@@ -40,6 +24,7 @@ struct Row {
     int status = 0;
     std::string input = {};
     Options daemon = {};
+    int clock = 1; // times as fast, for a run that waits long; the daemon's own delays stay as they are
 };
 
 // Words are written as one text with blanks between them, and an empty one as ''.
@@ -47,21 +32,11 @@ Words split(std::string const& text);
 Row row(std::string const& words, std::vector<Step> const& exchange, std::string const& out);
 Row failing(std::string const& words, std::vector<Step> const& exchange, std::string const& err);
 
-// Command lines that get this usage: those in which something is missing, and the other wrong ones.
-struct Refusals {
-    std::string usage;
-    std::vector<std::string> missing;
-    std::vector<std::string> invalid;
-};
-void addRefusals(std::vector<Row>& rows, std::vector<Refusals> const& refusals);
-
-// A change of a setting: once with its report, and once with a lock of that setting in front of the report,
-// which ends those that can be locked.
+// Changes of a setting, each answered by its report.
 struct Change {
     std::string words;
     std::string request;
     std::string payload;
-    bool locks = true;
 };
 void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
                 std::vector<Change> const& changes);
@@ -81,13 +56,8 @@ Step asked(std::string const& what, std::string const& payload); // "request_", 
 // `count` elements with commas between them; each "#" in an element is its number.
 std::string series(int count, std::string const& element, int first = 0);
 
-// FNV-1a, for texts that are long and never change.
-uint64_t hash(std::string const& text);
-
 std::string changed(std::string const& document, std::string const& members); // with these members replaced
 std::string errorDocument(int code, std::string const& type, std::string const& message);
-std::string invalid(std::string const& usage);
-std::string missing(std::string const& usage);
 
 inline std::string const unreadable = errorDocument(3840, "An error in the SDK", "Error from SDK");
 inline std::string const timedOut = errorDocument(3841, "Timeout waiting for result", "Timeout");

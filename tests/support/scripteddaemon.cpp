@@ -1,50 +1,37 @@
 #include "support/scripteddaemon.h"
 
+#include "support/process.h"
+
+#include <arpa/inet.h>
+#include <array>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <gtest/gtest.h>
 #include <json/reader.h>
+#include <list>
 #include <mutex>
+#include <netinet/tcp.h>
+#include <optional>
+#include <poll.h>
 #include <sstream>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
 #include <thread>
-#include <utility> // Asio of this version needs it and doesn't include it
-
-// All handlers run on one thread, and the thread sanitizer doesn't know fences.
-#define BOOST_ASIO_DISABLE_FENCED_BLOCK
-#include <boost/asio.hpp>
-#include <boost/beast/core.hpp>
-#include <boost/beast/websocket.hpp>
+#include <unistd.h>
+#include <utility>
 
 namespace harness {
 
 namespace {
 
-namespace net = boost::asio;
-namespace websocket = boost::beast::websocket;
-using boost::system::error_code;
-using net::ip::tcp;
-
 struct Connection {
-    explicit Connection(tcp::socket socket) : ws(std::move(socket)), timer(ws.get_executor()) {}
-
-    tcp::socket& socket() {
-        return ws.next_layer();
-    }
-
-    // A client may be gone before its answer: what it printed tells.
-    void write(std::string const& answer) {
-        error_code gone;
-        net::write(socket(), net::buffer(answer), gone);
-    }
-
-    websocket::stream<tcp::socket> ws;
-    net::steady_timer timer;
-    std::string upgrade; // the request, and what came with it
-    boost::beast::flat_buffer message;
-    bool deaf = false;
-    bool ended = false;
+    int fd;
+    std::string received = {}; // and not taken yet
+    bool isUpgraded = false;
+    bool isHeard = true; // or else what comes is ignored
+    bool isOver = false;
 };
-using ConnectionPtr = std::shared_ptr<Connection>;
 
 struct Request {
     std::string name;
@@ -61,9 +48,9 @@ std::string envelope(std::string const& name, Json::Value const& payload) {
     return document.toStyledString();
 }
 
-bool isProtocolError(error_code error) {
-    error_code const closed = websocket::error::closed;
-    return error.category() == closed.category() && error != closed;
+// A client may be gone before its answer: what it printed tells.
+void write(Connection const& connection, std::string const& bytes) {
+    send(connection.fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
 }
 
 } // namespace
@@ -89,183 +76,184 @@ std::string frame(unsigned char first, std::string_view payload) {
     return bytes.append(payload);
 }
 
+std::string maskedFrame(unsigned char first, std::string_view payload, std::string const& key) {
+    std::string bytes = frame(first, payload);
+    bytes[1] = static_cast<char>(bytes[1] | 0x80);
+    bytes.insert(bytes.size() - payload.size(), key);
+    for (std::size_t i = 0, start = bytes.size() - payload.size(); i < payload.size(); ++i) {
+        bytes[start + i] = static_cast<char>(bytes[start + i] ^ key[i % 4]);
+    }
+    return bytes;
+}
+
 Answer raw(std::string bytes) {
     Answer answer("");
     answer.bytes = std::move(bytes);
     return answer;
 }
 
-// All sockets belong to the one thread that runs `io`.
+// Each connection is read by a thread of its own, which holds the mutex for all that it does then.
 struct ScriptedDaemon::Impl {
     Impl(std::vector<Step> steps, Options given) : script(std::move(steps)), options(std::move(given)) {
         for (Step const& step : script) {
             expected.push_back(envelope(step.request, parsed(step.payload)));
         }
         // A port that is bound without anybody listening refuses connections, and nobody else gets it.
-        acceptor.open(tcp::v4());
-        acceptor.bind({net::ip::address_v4::loopback(), 0});
-        port = acceptor.local_endpoint().port();
+        sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+        socklen_t size = sizeof address;
+        bind(listener, reinterpret_cast<sockaddr*>(&address), size);
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+        port = ntohs(address.sin_port);
         if (options.listen) {
-            acceptor.listen();
-            accepting = true;
-            accept();
+            int const on = 1; // its connections have it too
+            setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+            listen(listener, SOMAXCONN);
+            std::scoped_lock const lock(mutex);
+            threads.emplace_back([this] { acceptAll(); });
         }
-        thread = std::thread([this] {
-            auto const keepRunning = net::make_work_guard(io);
-            io.run();
-        });
     }
 
-    void accept() {
-        acceptor.async_accept([this](error_code error, tcp::socket socket) {
-            if (!error) {
-                greet(std::move(socket));
-                accept();
+    ~Impl() {
+        for (int const fd : {unread, listener, finished}) {
+            close(fd);
+        }
+    }
+
+    // A client that has come and gone before the end still has its say.
+    void acceptAll() {
+        std::array<pollfd, 2> ends = {{{listener, POLLIN, 0}, {finished, POLLIN, 0}}};
+        while (poll(ends.data(), ends.size(), -1) > 0) {
+            int const fd = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+            std::scoped_lock const lock(mutex);
+            if (fd >= 0) {
+                connections.push_back({fd});
+                threads.emplace_back([this, &connection = connections.back()] { serve(connection); });
+                ++alive;
+            } else if (ends[1].revents != 0) {
+                isAccepting = false;
+                changed.notify_all();
                 return;
             }
-            update([this] { accepting = false; });
-        });
+        }
     }
 
-    // A client that has come and gone in the meantime still has its say.
-    void acceptWhatIsPending() {
-        error_code error;
-        acceptor.non_blocking(true, error);
-        while (!error) {
-            tcp::socket socket(io);
-            acceptor.accept(socket, error);
-            if (!error) {
-                greet(std::move(socket));
+    void serve(Connection& connection) {
+        std::array<char, 65536> chunk;
+        std::unique_lock lock(mutex);
+        while (!connection.isOver) {
+            lock.unlock();
+            ssize_t const size = recv(connection.fd, chunk.data(), chunk.size(), 0);
+            lock.lock();
+            if (size <= 0) {
+                bool const isCut = size == 0 && connection.isHeard && !connection.received.empty();
+                problems += isCut ? "cut off: " + connection.received + "\n" : "";
+                break;
             }
+            connection.received.append(chunk.data(), static_cast<std::size_t>(size));
+            goOn(connection, lock);
+            changed.notify_all();
         }
-        acceptor.close(error);
+        current = current == &connection ? nullptr : current;
+        int const fd = std::exchange(connection.fd, -1);
+        if (fd != unread) {
+            close(fd);
+        }
+        --alive;
+        changed.notify_all();
     }
 
-    void greet(tcp::socket socket) {
-        auto connection = std::make_shared<Connection>(std::move(socket));
-        Upgrade const upgrade = greeted < options.upgrades.size() ? options.upgrades[greeted] : Upgrade();
-        ++greeted;
-        update([this] { ++alive; });
-        net::async_read_until(connection->socket(), net::dynamic_buffer(connection->upgrade), "\r\n\r\n",
-                              [=, this](error_code error, std::size_t) {
-                                  if (error) {
-                                      end(connection);
-                                  } else {
-                                      answerUpgrade(connection, upgrade);
-                                  }
-                              });
-    }
-
-    void answerUpgrade(ConnectionPtr const& connection, Upgrade const& upgrade) {
-        bool const proper = upgrade.bytes.empty() && upgrade.then == Then::carryOn;
-        if (proper) {
-            connection->ws.control_callback([this](websocket::frame_type kind, boost::beast::string_view) {
-                bool const isClose = kind == websocket::frame_type::close;
-                update([&] { problems += isClose ? "a close frame\n" : ""; });
-            });
-            error_code error;
-            connection->ws.accept(net::buffer(connection->upgrade), error);
-            if (error) {
-                end(connection, error);
-                return;
-            }
-        } else {
-            connection->write(upgrade.bytes);
+    // Does what the script and the connection's bytes allow.
+    void goOn(Connection& connection, std::unique_lock<std::mutex>& lock) {
+        if (!connection.isUpgraded) {
+            answerUpgrade(connection);
         }
-        current = connection;
-        update([this] { ++upgraded; });
-        if (proper) {
-            advance(connection);
-            return;
-        }
-        act(connection, upgrade.then);
-        net::async_read(connection->socket(), net::dynamic_buffer(connection->upgrade),
-                        [=, this](error_code, std::size_t) { end(connection); });
-    }
-
-    // Does the step that waits for no request, if it is one's turn, and reads on.
-    void advance(ConnectionPtr const& connection) {
-        bool const unasked = next < script.size() && script[next].request.empty();
-        if (unasked && !connection->deaf && !connection->ended) {
-            perform(connection, script[next++]);
-        } else {
-            read(connection);
-        }
-    }
-
-    void perform(ConnectionPtr const& connection, Step const& step) {
-        connection->timer.expires_after(std::chrono::milliseconds(step.delayMs));
-        connection->timer.async_wait([=, this, &step](error_code) {
-            for (Answer const& answer : step.answers) {
-                connection->write(answer.bytes);
-            }
-            act(connection, step.then);
-            advance(connection);
-        });
-    }
-
-    void act(ConnectionPtr const& connection, Then then) {
-        error_code gone;
-        switch (then) {
-        case Then::carryOn:
-            break;
-        case Then::reset:
-            connection->socket().set_option(net::socket_base::linger(true, 0), gone);
-            connection->socket().close(gone);
-            end(connection);
-            break;
-        case Then::close:
-            connection->deaf = true;
-            connection->socket().shutdown(tcp::socket::shutdown_send, gone);
-            break;
-        case Then::closeFrame:
-            connection->write(frame(0x88, ""));
-            break;
-        case Then::stopReading:
-            unread.push_back(connection);
-            end(connection);
-            break;
-        }
-    }
-
-    void read(ConnectionPtr const& connection) {
-        if (connection->ended) {
-            return;
-        }
-        connection->message.clear();
-        connection->ws.async_read(connection->message, [=, this](error_code error, std::size_t) {
-            if (error) {
-                end(connection, error);
-                return;
-            }
-            if (connection->deaf || connection->ended) {
-                read(connection);
-                return;
-            }
-            bool const isText = connection->ws.got_text();
-            Step const* step = record(boost::beast::buffers_to_string(connection->message.data()), isText);
-            if (step != nullptr) {
-                perform(connection, *step);
+        while (connection.isUpgraded && connection.isHeard) {
+            Step const* step = nullptr;
+            if (next < script.size() && script[next].request.empty()) {
+                step = &script[next++];
+            } else if (std::optional<std::string> const request = takeFrame(connection.received)) {
+                step = record(*request);
             } else {
-                advance(connection);
+                return;
             }
-        });
+            if (step == nullptr) {
+                continue;
+            }
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(step->delayMs));
+            lock.lock();
+            for (Answer const& answer : step->answers) {
+                write(connection, answer.bytes);
+            }
+            act(connection, step->then);
+        }
+    }
+
+    void answerUpgrade(Connection& connection) {
+        std::size_t const end = connection.received.find("\r\n\r\n");
+        if (end == std::string::npos) {
+            return;
+        }
+        if (connection.received.find("\r\nOrigin: easywsclient://\r\n") > end) {
+            problems += "without the origin: " + connection.received;
+        }
+        connection.received.erase(0, end + 4);
+        connection.isUpgraded = true;
+        current = &connection;
+        Upgrade const upgrade = upgraded < options.upgrades.size() ? options.upgrades[upgraded] : Upgrade();
+        ++upgraded;
+        connection.isHeard = upgrade.bytes.empty() && upgrade.then == Then::carryOn;
+        write(connection, connection.isHeard ? "HTTP/1.1 101 Switching Protocols\r\n\r\n" : upgrade.bytes);
+        act(connection, upgrade.then);
+    }
+
+    void act(Connection& connection, Then then) {
+        linger const byReset{1, 0};
+        if (then == Then::closeFrame) {
+            write(connection, frame(0x88, ""));
+        }
+        if (then == Then::carryOn || then == Then::closeFrame) {
+            return;
+        }
+        connection.isHeard = false;
+        connection.isOver = true;
+        if (then == Then::reset) {
+            setsockopt(connection.fd, SOL_SOCKET, SO_LINGER, &byReset, sizeof byReset);
+            shutdown(connection.fd, SHUT_RD); // ends the thread's wait
+        } else {
+            unread = connection.fd;
+        }
+    }
+
+    // The next message. A client's frames are whole ones, and all are masked with the same key.
+    std::optional<std::string> takeFrame(std::string& bytes) {
+        std::size_t size = bytes.size() < 2 ? 0 : bytes[1] & 0x7F;
+        std::size_t const extended = size == 126 ? 2 : size == 127 ? 8 : 0;
+        std::size_t const header = 2 + extended + 4;
+        if (extended > 0) {
+            size = 0;
+            for (char const byte : bytes.substr(2, extended)) {
+                size = size << 8 | static_cast<unsigned char>(byte);
+            }
+        }
+        if (bytes.size() < header + size) {
+            return std::nullopt;
+        }
+        std::string const whole = bytes.substr(0, header + size);
+        bytes.erase(0, whole.size());
+        std::string const text = maskedFrame(0x81, whole.substr(header)).substr(header); // masked twice
+        problems +=
+            whole == maskedFrame(0x81, text) ? "" : "wrong frame " + testing::PrintToString(whole) + "\n";
+        return text;
     }
 
     // Returns the step that waited for this request.
-    Step const* record(std::string const& text, bool isText) {
-        Json::Value document;
-        std::istringstream stream(text);
-        bool const readable = Json::parseFromStream(Json::CharReaderBuilder(), stream, &document, nullptr);
-        if (!isText || !readable || !document.isArray() || !document[0].isString()) {
-            update([&] { problems += "not a request: " + text + "\n"; });
-            return nullptr;
-        }
+    Step const* record(std::string const& text) {
+        Json::Value const document = parsed(text);
         std::string const name = document[0].asString();
         std::string wanted = envelope(name, document[1]);
         Step const* step = nullptr;
-        bool const introduction = options.appName && !introduced;
-        introduced = true;
+        bool const introduction = options.appName && !std::exchange(introduced, true);
         if (introduction) {
             Json::Value payload;
             payload["name"] = *options.appName;
@@ -274,47 +262,23 @@ struct ScriptedDaemon::Impl {
             wanted = expected[next];
             step = &script[next++];
         }
-        update([&] {
-            requests.push_back({name, text, introduction || step != nullptr});
-            problems += text == wanted ? "" : "expected the request " + wanted + "but got " + text;
-        });
+        requests.push_back({name, text, introduction || step != nullptr});
+        problems += text == wanted ? "" : "expected the request " + wanted + "but got " + text;
         return step;
     }
 
-    void end(ConnectionPtr const& connection, error_code error = {}) {
-        if (connection->ended) {
-            return;
-        }
-        connection->ended = true;
-        if (current == connection) {
-            current = nullptr;
-        }
-        update([&] {
-            --alive;
-            problems += isProtocolError(error) ? error.message() + "\n" : "";
-        });
-    }
-
-    template <typename Change> void update(Change change) {
+    void onCurrent(std::function<void(Connection&)> const& action) {
         std::scoped_lock const lock(mutex);
-        change();
-        changed.notify_all();
-    }
-
-    template <typename Action> void onCurrent(Action action) {
-        net::post(io, [this, action] {
-            ConnectionPtr const connection = current;
-            if (connection != nullptr) {
-                action(connection);
-            } else {
-                update([this] { problems += "the test acted on a connection that isn't there\n"; });
-            }
-        });
+        if (current != nullptr) {
+            action(*current);
+        } else {
+            problems += "the test acted on a connection that isn't there\n";
+        }
     }
 
     template <typename Predicate> void wait(std::string const& what, Predicate met) {
         std::unique_lock lock(mutex);
-        if (!changed.wait_for(lock, std::chrono::seconds(20), met)) {
+        if (!changed.wait_for(lock, patience(), met)) {
             ADD_FAILURE() << "the daemon waited in vain for " << what;
         }
     }
@@ -322,34 +286,32 @@ struct ScriptedDaemon::Impl {
     std::vector<Step> const script;
     Options const options;
     std::vector<std::string> expected; // text of each step's request
-    net::io_context io{1};
-    tcp::acceptor acceptor{io};
     std::uint16_t port = 0;
-    std::thread thread;
-    bool finished = false;
-
-    // Owned by the thread.
-    ConnectionPtr current;
-    std::vector<ConnectionPtr> unread;
-    std::size_t greeted = 0;
-    std::size_t next = 0; // step
-    bool introduced = false;
+    int const finished = eventfd(0, EFD_CLOEXEC);
+    int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
 
     // Guarded by the mutex.
     std::mutex mutex;
     std::condition_variable changed;
+    std::list<Connection> connections;
+    std::list<std::thread> threads;
+    bool isAccepting = options.listen;
+    std::size_t alive = 0; // connections
+    Connection* current = nullptr;
+    int unread = -1;
     std::vector<Request> requests;
     std::string problems;
-    std::size_t alive = 0; // connections
-    std::size_t upgraded = 0;
-    bool accepting = false;
+    std::size_t upgraded = 0; // connections
+    std::size_t next = 0;     // step
+    bool introduced = false;
+    bool isFinished = false;
 };
 
 ScriptedDaemon::ScriptedDaemon(std::vector<Step> script, Options options)
     : impl(std::make_unique<Impl>(std::move(script), std::move(options))) {}
 
 ScriptedDaemon::~ScriptedDaemon() {
-    if (!impl->finished) {
+    if (!impl->isFinished) {
         EXPECT_EQ(finish(), "");
     }
 }
@@ -359,11 +321,11 @@ std::uint16_t ScriptedDaemon::port() const {
 }
 
 void ScriptedDaemon::send(Answer const& answer) {
-    impl->onCurrent([answer](ConnectionPtr const& connection) { connection->write(answer.bytes); });
+    impl->onCurrent([answer](Connection& connection) { write(connection, answer.bytes); });
 }
 
 void ScriptedDaemon::dropConnection(Then how) {
-    impl->onCurrent([this, how](ConnectionPtr const& connection) { impl->act(connection, how); });
+    impl->onCurrent([this, how](Connection& connection) { impl->act(connection, how); });
 }
 
 void ScriptedDaemon::waitForRequest(std::string const& name) {
@@ -381,13 +343,22 @@ void ScriptedDaemon::waitForConnections(std::size_t count) {
     impl->wait("a connection", [&] { return impl->upgraded >= count; });
 }
 
-std::string ScriptedDaemon::finish() {
-    impl->finished = true;
-    net::post(impl->io, [this] { impl->acceptWhatIsPending(); });
-    impl->wait("its client's end", [&] { return !impl->accepting && impl->alive == 0; });
-    impl->io.stop();
-    impl->thread.join();
+std::size_t ScriptedDaemon::connections() const {
+    std::scoped_lock const lock(impl->mutex);
+    return impl->upgraded;
+}
 
+std::string ScriptedDaemon::finish() {
+    impl->isFinished = true;
+    eventfd_write(impl->finished, 1);
+    impl->wait("its client's end", [&] { return !impl->isAccepting && impl->alive == 0; });
+    for (Connection& connection : impl->connections) {
+        std::scoped_lock const lock(impl->mutex);
+        impl->act(connection, Then::reset); // if that was in vain
+    }
+    for (std::thread& thread : impl->threads) {
+        thread.join();
+    }
     std::string report = impl->problems;
     for (Request const& request : impl->requests) {
         report += request.expected ? "" : "unexpected request " + request.text;

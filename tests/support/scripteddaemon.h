@@ -18,6 +18,9 @@ std::string styled(std::string const& json); // the document as the tool prints 
 
 // One frame as a server sends it, unmasked. `first` is FIN, reserved bits and opcode: 0x81 is a whole text.
 std::string frame(unsigned char first, std::string_view payload);
+// As a client sends it.
+std::string maskedFrame(unsigned char first, std::string_view payload,
+                        std::string const& key = "\xA7\x1C\x5E\x39");
 
 // What one answer puts on the wire: a text becomes a text frame, raw() leaves the bytes alone.
 struct Answer {
@@ -31,20 +34,18 @@ Answer raw(std::string bytes);
 enum class Then {
     carryOn,
     reset,       // TCP reset
-    close,       // end of stream; what the client still sends is read and ignored
     closeFrame,  // WebSocket close frame, TCP stays open
     stopReading, // the connection stays open, unread
 };
 
-// A step waits for the next request, which has to be this one, with this payload. A step without a request is
-// done as soon as its turn comes and a connection is up: it answers unasked, as the first step even before
-// "set_app_name".
+// A step waits for the next request, which has to be this one, with this payload. A step without a request answers
+// unasked as soon as its turn comes and a connection is up, as the first step even before "set_app_name".
 struct Step {
     std::string request = {};
     std::string payload = "null"; // compact JSON
     std::vector<Answer> answers = {};
     Then then = Then::carryOn;
-    int delayMs = 0; // before the answers; the connection isn't read meanwhile
+    int delayMs = 0; // before the answers; nothing is read meanwhile
 };
 
 // How one connection's upgrade is answered. Default: properly. Otherwise with these bytes alone, and what the
@@ -63,7 +64,7 @@ struct Options {
 };
 
 // A test may drive the daemon by a script, by hand with the calls below, or by both. All of them are for the
-// test's thread; those that wait give up after 20 s and fail the test.
+// test's thread; those that wait give up after the harness's patience and fail the test.
 class ScriptedDaemon {
 public:
     explicit ScriptedDaemon(std::vector<Step> script = {}, Options options = {});
@@ -78,7 +79,8 @@ public:
     void dropConnection(Then how = Then::reset);
 
     void waitForRequest(std::string const& name); // one more of this name; it needs no step
-    void waitForConnections(std::size_t count);   // upgraded since the start
+    void waitForConnections(std::size_t count);   // whose upgrades have been answered since the start
+    std::size_t connections() const;              // the same, so far
 
     // To be called once, when the client is gone: reads what it left in the sockets, and returns one text per
     // line for each unexpected request, wrong payload, bad frame and unused step. Empty when all went by the

@@ -13,6 +13,9 @@ class Sdk : public kelvarissdk::KelvarisSDK {
 public:
     explicit Sdk(ScriptedDaemon const& daemon)
         : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = daemon.port()}) {}
+    kelvarissdk::WebsocketImpl& link() {
+        return *websocket;
+    }
     void unlink() {
         websocket.reset();
     }

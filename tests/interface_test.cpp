@@ -1,0 +1,324 @@
+// The C interface as a whole: how each call delivers and which lock ends it, lists that a report leaves out,
+// the texts of the enumerations.
+
+#include "support/handle.h"
+#include "support/rows.h"
+#include "support/sdk.h"
+#include "support/source.h"
+
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <type_traits>
+
+using namespace harness;
+
+namespace {
+
+struct Delivery {
+    KelvarisSDK_BaseResult head;
+    void* userData;
+};
+InboxOf<Delivery> inbox;
+
+template <class T> bool keep(T result, void* userData) {
+    inbox.put({result.base, userData});
+    return true;
+}
+
+// Something for each parameter; the handle stands in for the user data.
+template <class Result, class T> T argument(KelvarisSDK_Handle* sdk) {
+    if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
+        return keep<Result>;
+    } else if constexpr (std::is_same_v<T, void*>) {
+        return sdk;
+    } else if constexpr (std::is_same_v<T, char const*>) {
+        return "text";
+    } else {
+        return {};
+    }
+}
+
+// Starts a call and returns its id.
+using Start = std::function<uint64_t(KelvarisSDK_Handle*)>;
+
+template <class Result, class... Args> Start starter(Result (*call)(KelvarisSDK_Handle*, Args...)) {
+    return
+        [call](KelvarisSDK_Handle* sdk) { return call(sdk, argument<Result, Args>(sdk)...).base.callbackId; };
+}
+
+// clang-format off
+#define CALL(name) {#name, starter(KelvarisSDK_##name)}
+std::map<std::string, Start> const starts{
+    CALL(GetState), CALL(GetVersion), CALL(Login), CALL(LoginOAuth), CALL(LoginAutoAccount),
+    CALL(Logout), CALL(GetAccountingData), CALL(ConnectAuto), CALL(ConnectCountry), CALL(ConnectCity),
+    CALL(ConnectServer), CALL(ConnectProxy), CALL(Disconnect), CALL(GetConnectedServer),
+    CALL(GetDirectory), CALL(GetServerSettings), CALL(SetConnectMethodAuto),
+    CALL(SetConnectMethodCountry), CALL(SetConnectMethodCity), CALL(SetConnectMethodServer),
+    CALL(GetDirectorySettings), CALL(SetESNIEnabled), CALL(SetDirectoryDomain),
+    CALL(ResetDirectoryDomain), CALL(SetDirectoryGatewayURI), CALL(ResetDirectoryGatewayURI),
+    CALL(GetSettings), CALL(SetMode), CALL(SetConnectionTransportMode), CALL(SetTunnelEncrypted),
+    CALL(SetConnectionEncryption), CALL(SetJumboPackets), CALL(SetPacketAggregation),
+    CALL(SetHeaderCompression), CALL(SetStartupConnect), CALL(SetOverflowThreshold),
+    CALL(SetEnableDefaultRoute), CALL(SetForwardPorts), CALL(GetPrivacySettings), CALL(SetDNSServers),
+    CALL(CheckForCaptivePortals), CALL(SetCaptivePortalLoginMode), CALL(GetAdapters),
+    CALL(SetConnectionPriorities), CALL(SetConnectionRateLimit), CALL(ResetConnectionRateLimit),
+    CALL(SetAdapterMonthlyDataLimit), CALL(DisableAdapterMonthlyDataLimit),
+    CALL(SetAdapterDailyDataLimit), CALL(DisableAdapterDailyDataLimit),
+    CALL(AddAdapterDailyDataLimitBoost), CALL(SetAdapterOverlimitRateLimit), CALL(ResetAdapterUsage),
+    CALL(GetFirewallSettings), CALL(SetFirewallMode), CALL(SetFirewallDomains), CALL(SetFirewallIPv4),
+    CALL(SetFirewallIPv6), CALL(SetFirewallPorts), CALL(GetLocalProxySettings),
+    CALL(SetLocalProxyEnabled), CALL(SetLocalProxyDomains), CALL(SetLocalProxyIPv4),
+    CALL(SetLocalProxyIPv6), CALL(SetLocalProxyPorts), CALL(SetLocalProxyDomainWatchlistEnable),
+    CALL(GetStreamingSettings), CALL(SetStreamingDomains), CALL(SetStreamingIPv4),
+    CALL(SetStreamingIPv6), CALL(SetStreamingPorts), CALL(GetConnectionStats), CALL(GetSessionStats),
+    CALL(GetStreamingStats), CALL(GetLastDisconnectEvent), CALL(GetSpeedTestResults),
+    CALL(StartSpeedTest), CALL(StartStreamTest), CALL(InitSafeBrowsing), CALL(SetSafeBrowsingConfig),
+    CALL(SetSafeBrowsingEnabled), CALL(GetSafeBrowsing), CALL(SetSafeBrowsingLogLevel),
+    CALL(RefreshSafeBrowsingToken), CALL(ReportSafeBrowsingHomeNetworkWithParameters),
+    CALL(SetSafeBrowsingSafeNetworkOverride), CALL(UpdateSafeBrowsingExtraInfo),
+    CALL(GetSafeBrowsingStats), CALL(ListenForSafeBrowsingError), CALL(ListenForSafeBrowsingBlock)};
+#undef CALL
+// clang-format on
+
+// Every report that finishes a call, of each twice.
+std::string allReports() {
+    std::string frames;
+    for (std::string const name :
+         {"version_data", "accounting_data", "connected_server", "server_settings", "directory_settings",
+          "connection_settings", "privacy_settings", "captive_networks", "cplogin_network",
+          "firewall_settings", "localproxy_settings", "streaming_settings", "connection_stats",
+          "session_stats", "streaming_stats", "disconnect_reason", "safe_browsing_stats",
+          "safe_browsing_lookup_error", "safe_browsing_block"}) {
+        frames += frame(0x81, report(name, "{}"));
+    }
+    for (std::string const name : {"networks", "directory", "speedtest_results"}) {
+        frames += frame(0x81, report(name, "[]"));
+    }
+    for (int const number : {0, 2, 6}) {
+        frames += frame(0x81, state(number));
+    }
+    frames += frame(0x81, report("safe_browsing_settings", R"({"initialized":true})"));
+    return frames + frames;
+}
+
+// A line of the catalogue of calls.
+struct Call {
+    std::string delivery, lock;
+    Words requests;
+};
+
+std::map<std::string, Call> catalogue() {
+    std::map<std::string, Call> calls;
+    std::istringstream lines(golden("calls.txt"));
+    std::string line;
+    std::getline(lines, line); // names the columns
+    while (std::getline(lines, line)) {
+        Words const words = split(line);
+        calls[words[0]] = {words[1], words[2], {words.begin() + 3, words.end()}};
+    }
+    return calls;
+}
+
+// What a subscription has after a report of these members and one of none.
+template <class T>
+T later(T (*get)(KelvarisSDK_Handle*, bool (*)(T, void*), void*), std::string const& what,
+        std::string const& members) {
+    InboxOf<T> results;
+    ScriptedDaemon daemon(
+        {{"request_" + what, "null", {report(what, '{' + members + '}'), report(what, "{}")}}}, noName);
+    Handle const handle(daemon.port());
+    get(handle.sdk, InboxOf<T>::keep, &results);
+    results.take();
+    return results.take();
+}
+
+std::string publicHeaders() {
+    std::string texts;
+    for (auto const& file :
+         std::filesystem::directory_iterator(SOURCE_DIR "/sdklibrary/include/kelvarissdk")) {
+        texts += source("sdklibrary/include/kelvarissdk/" + file.path().filename().string());
+    }
+    return texts;
+}
+
+// What the pattern's group captures.
+std::set<std::string> found(std::string const& pattern, std::string const& text) {
+    std::set<std::string> captures;
+    std::regex const expression(pattern);
+    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match) {
+        captures.insert((*match)[1]);
+    }
+    return captures;
+}
+
+// Appends the text of each number that has one of its own, and that of all others.
+template <class Enum> void append(std::string& all, char const* name, char const* (*textOf)(Enum)) {
+    std::string const otherText = textOf(static_cast<Enum>(UINT32_MAX));
+    for (uint32_t number = 0; number < 4000; ++number) {
+        std::string const text = textOf(static_cast<Enum>(number));
+        all += text == otherText ? "" : name + (' ' + std::to_string(number)) + ' ' + text + '\n';
+    }
+    all += name + (" - " + otherText) + '\n';
+}
+
+} // namespace
+
+// A subscription's callback runs for every report, another one's for the first. A setting ends with its own
+// lock, and nothing ends with another's. A reset's callback has no user data.
+TEST(Interface, CallsDeliverAsCatalogued) {
+    ScriptedDaemon daemon({}, noName);
+    Handle const handle(daemon.port());
+    using Marks = InboxOf<KelvarisSDK_SafeBrowsingBlockResult>;
+    Marks marks;
+    KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, Marks::keep, &marks);
+    daemon.waitForConnections(1);
+    auto const deliveries = [&](std::string const& name, Call const& call, std::string const& locks) {
+        uint64_t const id = starts.at(name)(handle.sdk);
+        for (std::string const& request : call.requests) {
+            daemon.waitForRequest(request);
+        }
+        daemon.send(raw(locks + allReports() + frame(0x81, report("safe_browsing_block", "{}"))));
+        for (int blocks = 3; blocks > 0; --blocks) { // the two of all reports, and the last
+            marks.take();
+        }
+        KelvarisSDK_UnregisterCallback(handle.sdk, id);
+        std::vector<Delivery> delivered;
+        while (!inbox.empty()) {
+            delivered.push_back(inbox.take());
+        }
+        return delivered;
+    };
+    auto const calls = catalogue();
+    for (auto const& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        std::string otherLocks;
+        for (auto const& [otherName, other] : calls) {
+            for (std::string const& setting : other.requests) {
+                otherLocks += setting == call.lock ? "" : frame(0x81, lock(setting, 1));
+            }
+        }
+        std::vector<Delivery> const unlocked = deliveries(name, call, otherLocks);
+        EXPECT_EQ(unlocked.size() == 1, call.delivery == "once") << unlocked.size();
+        for (Delivery const& delivery : unlocked) {
+            EXPECT_FALSE(delivery.head.error);
+            EXPECT_EQ(delivery.userData == nullptr, name.starts_with("ResetDirectory"));
+        }
+        for (int reason = 1; reason <= 2 && call.lock != "-"; ++reason) {
+            std::vector<Delivery> const locked = deliveries(name, call, frame(0x81, lock(call.lock, reason)));
+            EXPECT_EQ(locked.size(), 1U);
+            for (Delivery const& delivery : locked) {
+                EXPECT_TRUE(delivery.head.error);
+                EXPECT_EQ(delivery.head.errorCode, reason == 1 ? 3846 : 3848);
+            }
+        }
+    }
+}
+
+// A call that is declared and forgotten here is named by the difference.
+TEST(Interface, EveryCallIsCatalogued) {
+    std::set<std::string> names =
+        found(R"(KelvarisSDK_(\w+)\(\s*KelvarisSDK_Handle\*[^;]*\bcallback\b)", publicHeaders());
+    names.erase("StartSafeBrowsing"); // two calls each, which their own test looks at
+    names.erase("StopSafeBrowsing");
+    std::string declared, catalogued, started;
+    for (std::string const& name : names) {
+        declared += name + '\n';
+    }
+    for (auto const& [name, call] : catalogue()) {
+        catalogued += name + '\n';
+    }
+    for (auto const& [name, start] : starts) {
+        started += name + '\n';
+    }
+    EXPECT_EQ(catalogued, declared);
+    EXPECT_EQ(started, declared);
+}
+
+// A field that may hide in a record's padding too.
+TEST(Interface, EveryFieldHasItsPlace) {
+    std::string const records = source("tests/records.cpp");
+    for (std::string const& record : found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", publicHeaders())) {
+        std::string const name = record.substr(0, record.find(' '));
+        std::size_t const begin = records.find("RECORD(" + name + ",");
+        ASSERT_NE(begin, std::string::npos) << name;
+        std::string const places = records.substr(begin, records.find(';', begin) - begin);
+        for (std::string const& field : found(R"(\n    \w[\w ]* (\w+)[\[\]\w]*;)", record)) {
+            EXPECT_NE(places.find(" AT(" + field + ","), std::string::npos) << name << ' ' << field;
+        }
+    }
+}
+
+TEST(Interface, ListsThatALaterReportLeavesOutAreEmpty) {
+    auto const settings = later(KelvarisSDK_GetSettings, "connection_settings",
+                                R"("forward_ports":[{"port":1}],"perconn_encryption":true,
+                                   "perconn_encryption_settings":{"i":true},"parallel_sockets":{"i":1})");
+    EXPECT_EQ(settings.forwardedPortCount, 0);
+    EXPECT_EQ(settings.perConnectionEncryptionCount, 0);
+    EXPECT_EQ(settings.perConnectionParallelSocketsCount, 0);
+    EXPECT_EQ(
+        later(KelvarisSDK_GetPrivacySettings, "privacy_settings", R"("dns_addresses":["a"])").dnsAddressCount,
+        0);
+    auto const proxy = later(KelvarisSDK_GetLocalProxySettings, "localproxy_settings",
+                             R"("domains":["a"],"ipv4":["1.2.3.4"],"ipv6":["::1"],"ports":[{"port":1}],
+                                "domain_watchlist":[{}])");
+    EXPECT_EQ(proxy.lists.domainCount, 0);
+    EXPECT_EQ(proxy.lists.ipv4Count, 0);
+    EXPECT_EQ(proxy.lists.ipv6Count, 0);
+    EXPECT_EQ(proxy.lists.portCount, 0);
+    EXPECT_EQ(proxy.watchlistCount, 0);
+    EXPECT_EQ(later(KelvarisSDK_GetStreamingStats, "streaming_stats", R"("streams":[{}])").streamCount, 0);
+    EXPECT_EQ(later(KelvarisSDK_GetConnectionStats, "connection_stats", R"("time":1,"connections":[{}])")
+                  .stats.connectionCount,
+              0);
+    EXPECT_EQ(later(KelvarisSDK_GetSessionStats, "session_stats", R"("0":{})").periodCount, 0);
+    EXPECT_EQ(
+        later(KelvarisSDK_GetConnectedServer, "connected_server", R"("publicIP":["a"])").server.publicIPCount,
+        0);
+}
+
+// Some calls are refused before they look for the link, and one not even without it.
+TEST(Interface, RefusedArguments) {
+    ScriptedDaemon daemon({}, noName);
+    Sdk sdk(daemon);
+    auto const noPriority = static_cast<KelvarisSDK_ConnectionPriority>(4);
+    EXPECT_EQ(sdk.setConnectionPriorities("i", noPriority, nullptr, nullptr).base.errorCode, 3842);
+    EXPECT_EQ(sdk.connectAuto(KelvarisSDK_AutoConnectMethod_COUNTRY, nullptr, nullptr).base.errorCode, 3840);
+    for (unsigned const method : {3U, 5U, 6U, 8U}) {
+        auto const chosen = static_cast<KelvarisSDK_AutoConnectMethod>(method);
+        EXPECT_EQ(sdk.setConnectMethodAuto(chosen, nullptr, nullptr).base.errorCode, 3842);
+    }
+    sdk.unlink();
+    EXPECT_EQ(sdk.setConnectionPriorities("i", noPriority, nullptr, nullptr).base.errorCode, 3840);
+    EXPECT_EQ(sdk.setCaptivePortalLoginMode(true, nullptr, nullptr, nullptr).base.errorCode, 3842);
+    EXPECT_EQ(sdk.setCaptivePortalLoginMode(false, nullptr, nullptr, nullptr).base.errorCode, 3840);
+    EXPECT_EQ(sdk.listenForSafeBrowsingError(nullptr, nullptr).base.errorCode, 3843);
+    EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
+}
+
+TEST(Interface, TextsOfEnumerations) {
+    std::string all;
+#define TEXTS(name) append(all, #name, KelvarisSDK_##name##_toString)
+    TEXTS(ErrorType);
+    TEXTS(State);
+    TEXTS(BondingMode);
+    TEXTS(TransportMode);
+    TEXTS(PortProtocol);
+    TEXTS(AccountPaymentType);
+    TEXTS(AutoConnectMethod);
+    TEXTS(ConnectionState);
+    TEXTS(NetworkType);
+    TEXTS(ConnectionPriority);
+    TEXTS(FirewallMode);
+    TEXTS(StreamHealth);
+    TEXTS(DisconnectReason);
+    TEXTS(SpeedTestType);
+    TEXTS(SafeBrowsing_LogLevel);
+    TEXTS(SafeBrowsing_SafeNetworkOverride);
+#undef TEXTS
+    EXPECT_EQ(all, golden("enumerations.txt"));
+}
