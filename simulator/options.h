@@ -21,13 +21,13 @@ template <typename T> std::optional<T> readNumber(std::string_view text, T min, 
     return value;
 }
 
-// The command line: one row an option, which is also its line of --help. An option's target has to live
-// until parse() has returned; a family keeps it in the structure that its handlers share.
+// The command line as a table: each option is a row, which is also the option's line in --help. An option's
+// target must live until parse() has returned; a family keeps it in the structure that its handlers share.
 class OptionTable {
 public:
     enum class Outcome { run, helpShown, refused };
 
-    // A word without a value: sets the target.
+    // An option without a value; it sets the target to true.
     void flag(std::string const& name, std::string const& help, bool& target);
 
     // A decimal number from min to max. The target is a T or an optional of it.
@@ -43,8 +43,8 @@ public:
         });
     }
 
-    // Any other value: apply() judges and stores it, and returns false to refuse it. Runs once for each time
-    // the option is given.
+    // An option with any other value. apply() checks and stores the value and returns false to refuse it. It
+    // runs each time the option is given.
     void text(std::string name, std::string valueName, std::string help,
               std::function<bool(std::string const&)> apply);
 
