@@ -28,9 +28,9 @@
  *     terminator, so strlen and "%s" may run on into the next field. printf stops at the field's end
  *     with "%.*s":
  *         printf("%.*s", (int)sizeof(r.errorMessage), r.errorMessage);
- *     and strncat makes a terminated copy:
+ *     and a copy with a byte more has its terminator:
  *         char text[sizeof(r.errorMessage) + 1] = "";
- *         strncat(text, r.errorMessage, sizeof(r.errorMessage));
+ *         memcpy(text, r.errorMessage, sizeof(r.errorMessage));
  *     A text longer than the field is cut, possibly within a character.
  *
  *  5. Lists in records are an array of fixed capacity and a count of the elements in use. What a
