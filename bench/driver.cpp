@@ -144,10 +144,9 @@ private:
                        {"C++", pick(runs[2], member), cpp},
                        {"Beast", pick(runs[3], member)}});
         };
-        row("wall", &Run::wall, {.most = 2.5}, {.most = 1.25});
-        row("user and system time", &Run::cpu, {}, {.most = 1.5});
-        table.add("sdkcli state, peak memory", Unit::bytes, pick(runs[0], &Run::peak), {},
-                  {.most = 8 * mebi});
+        row("wall", &Run::wall, {.max = 2.5}, {.max = 1.25});
+        row("user and system time", &Run::cpu, {}, {.max = 1.5});
+        table.add("sdkcli state, peak memory", Unit::bytes, pick(runs[0], &Run::peak), {}, {.max = 8 * mebi});
         if (!node.empty()) {
             addStateBesideNode();
         }
@@ -172,22 +171,22 @@ private:
                                                 },
                                                 sdkcli(simulator, "state")});
         table.add("sdkcli firewall domains add x, wall", Unit::seconds, pick(runs[0], &Run::wall),
-                  {{"state", pick(runs[1], &Run::wall), {.most = 1.25}}});
+                  {{"state", pick(runs[1], &Run::wall), {.max = 1.25}}});
     }
 
     void directoryRuns() {
         auto const runs = interleave<Run>(101, {sdkcli(load, "show servers"), sdkcli(load, "state")});
         table.add("sdkcli show servers, 400 servers, wall", Unit::seconds, pick(runs[0], &Run::wall),
-                  {{"state", pick(runs[1], &Run::wall), {.most = 1.5}}});
+                  {{"state", pick(runs[1], &Run::wall), {.max = 1.5}}});
         table.add("sdkcli show servers, peak memory", Unit::bytes, pick(runs[0], &Run::peak), {},
-                  {.most = 8 * mebi});
+                  {.max = 8 * mebi});
     }
 
     void directoryReports() {
         auto const times = interleave<double>(
             5, {inProcess("deliveredDirectory/200", "median"), inProcess("parse/directory", "median")});
         table.add("report of 400 servers, handled", Unit::seconds, times[0],
-                  {{"jsoncpp's parse", times[1], {.most = 1.5}}});
+                  {{"jsoncpp's parse", times[1], {.max = 1.5}}});
     }
 
     void noDaemon() {
@@ -197,12 +196,12 @@ private:
             runs.push_back(run({program("sdkcli"), "-p", nobody.port(), "state"}, 1));
         }
         table.add("sdkcli state, no daemon, wall", Unit::seconds, pick(runs, &Run::wall), {},
-                  {.least = 5.0, .most = 5.4});
-        table.add("the same, user and system time", Unit::seconds, pick(runs, &Run::cpu), {}, {.most = 0.02});
+                  {.min = 5.0, .max = 5.4});
+        table.add("the same, user and system time", Unit::seconds, pick(runs, &Run::cpu), {}, {.max = 0.02});
     }
 
     void idleCalls() {
-        addIdleCalls("call on an idle link", simulator, {}, {.most = 0.3e-3});
+        addIdleCalls("call on an idle link", simulator, {}, {.max = 0.3e-3});
     }
 
     void addIdleCalls(std::string const& what, Daemon const& daemon, Limit c, Limit absolute) {
@@ -231,19 +230,19 @@ private:
             });
         }
         auto const rates = interleave(15, contenders);
-        std::vector<Yardstick> yardsticks{{"C", rates[1], {.least = 0.4}}, {"Beast", rates[2]}};
+        std::vector<Yardstick> yardsticks{{"C", rates[1], {.min = 0.4}}, {"Beast", rates[2]}};
         if (!node.empty()) {
             yardsticks.push_back({"Node ws", rates[3]});
         }
         table.add("calls one at a time, pinned", Unit::perSecond, rates[0], yardsticks);
-        addIdleCalls("call on an idle link, pinned", daemon, {.most = 3}, {});
+        addIdleCalls("call on an idle link, pinned", daemon, {.max = 3}, {});
         addReadsAtOnce("reads at once on one handle, pinned", {});
         setenv("SIMULATOR_PORT", simulator.port().c_str(), 1);
     }
 
     // On one processor there is little to gain: most of a call is parsing and writing JSON, here and in the daemon.
     void readsAtOnce() {
-        addReadsAtOnce("reads at once on one handle, not pinned", {.least = 1.5});
+        addReadsAtOnce("reads at once on one handle, not pinned", {.min = 1.5});
     }
 
     void addReadsAtOnce(std::string const& what, Limit limit) {
@@ -254,23 +253,23 @@ private:
 
     void destroying() {
         auto const times = interleave<double>(5, {inProcess("destroyIdle", "median")});
-        table.add("destroying an idle handle", Unit::seconds, times[0], {}, {.most = 2e-3});
+        table.add("destroying an idle handle", Unit::seconds, times[0], {}, {.max = 2e-3});
     }
 
     void bursts() {
         auto const times = interleave<double>(15, {inProcess("framed/10000", "median"), [this] {
                                                        return minimal(load.port(), "receive", 10000, 0);
                                                    }});
-        table.add("10,000 reports, framed", Unit::seconds, times[0], {{"C", times[1]}}, {.most = 3e-3});
+        table.add("10,000 reports, framed", Unit::seconds, times[0], {{"C", times[1]}}, {.max = 3e-3});
         auto const framed = interleave<double>(
             7, {inProcess("framed/100000", "cpuPerReport"), inProcess("framed/1000", "cpuPerReport")});
         table.add("a report of 100,000, framed, processor time", Unit::seconds, framed[0],
-                  {{"one of 1,000", framed[1], {.most = 1.2}}});
+                  {{"one of 1,000", framed[1], {.max = 1.2}}});
         auto const delivered = interleave<double>(7, {inProcess("delivered/100000", "median"),
                                                       inProcess("delivered/1000", "median"),
                                                       inProcess("parse/state", "median")});
         table.add("a report of 100,000, delivered", Unit::seconds, delivered[0],
-                  {{"one of 1,000", delivered[1], {.most = 1.2}}, {"jsoncpp's parse", delivered[2]}});
+                  {{"one of 1,000", delivered[1], {.max = 1.2}}, {"jsoncpp's parse", delivered[2]}});
         auto const costs = interleave<double>(
             7, {inProcess("delivered/100000", "cpuPerReport"), inProcess("delivered/1000", "cpuPerReport")});
         table.add("the same, processor time of the reader", Unit::seconds, costs[0],
@@ -288,7 +287,7 @@ private:
                                                        return count * double(size) /
                                                               minimal(load.port(), "receive", count, size);
                                                    }});
-        table.add(what, Unit::bytesPerSecond, rates[0], {{"C", rates[1], {.least = 0.8}}});
+        table.add(what, Unit::bytesPerSecond, rates[0], {{"C", rates[1], {.min = 0.8}}});
     }
 
     // The ticks: a wait on the socket lasts at most 100 ms, one between two attempts to connect 250 ms, as
@@ -303,15 +302,15 @@ private:
     void addIdleHandle(std::string const& what, std::string const& benchmark, double ticks) {
         Json::Value const figures = inProcess(benchmark);
         table.add("an idle handle, " + what + ", wake-ups", Unit::perSecond, {figures["wakeUps"].asDouble()},
-                  {}, {.most = ticks + 0.5});
+                  {}, {.max = ticks + 0.5});
         table.add("the same, processor time of a second", Unit::seconds, {figures["cpu"].asDouble()}, {},
-                  {.most = 0.01});
+                  {.max = 0.01});
     }
 
     // Less than three bytes a report is what the buffers' sizes may differ by.
     void growth() {
         table.add("growth of a handle over 100,000 reports", Unit::bytes,
-                  {inProcess("growth")["KiB"].asDouble() * 1024}, {}, {.most = mebi / 4});
+                  {inProcess("growth")["KiB"].asDouble() * 1024}, {}, {.max = mebi / 4});
     }
 
     std::string const bin;

@@ -31,16 +31,16 @@ std::string inUnit(double value, Unit unit) {
 }
 
 bool holds(Limit const& limit, double value) {
-    return value >= limit.least && value <= limit.most;
+    return value >= limit.min && value <= limit.max;
 }
 
 template <class Format> std::string textOf(Limit const& limit, Format format) {
-    if (std::isfinite(limit.least) && std::isfinite(limit.most)) {
-        return format(limit.least) + " to " + format(limit.most);
+    if (std::isfinite(limit.min) && std::isfinite(limit.max)) {
+        return format(limit.min) + " to " + format(limit.max);
     }
-    return std::isfinite(limit.most)    ? "at most " + format(limit.most)
-           : std::isfinite(limit.least) ? "at least " + format(limit.least)
-                                        : "";
+    return std::isfinite(limit.max)   ? "at most " + format(limit.max)
+           : std::isfinite(limit.min) ? "at least " + format(limit.min)
+                                      : "";
 }
 
 void join(std::string& list, std::string const& item) {
@@ -69,7 +69,7 @@ void Table::add(std::string what, Unit unit, Samples const& samples, std::vector
                 Limit limit) {
     double const figure = median(samples);
     bool kept = holds(limit, figure);
-    bool limited = std::isfinite(limit.least) || std::isfinite(limit.most);
+    bool limited = std::isfinite(limit.min) || std::isfinite(limit.max);
     std::string ratios;
     std::string limits = textOf(limit, [unit](double value) { return inUnit(value, unit); });
     for (Yardstick const& yardstick : yardsticks) {

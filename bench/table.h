@@ -14,8 +14,8 @@ double median(Samples values);
 enum class Unit { seconds, bytes, bytesPerSecond, perSecond };
 
 struct Limit {
-    double least = -std::numeric_limits<double>::infinity();
-    double most = std::numeric_limits<double>::infinity();
+    double min = -std::numeric_limits<double>::infinity();
+    double max = std::numeric_limits<double>::infinity();
 };
 
 // Measured in the same rounds; a yardstick that takes long may have fewer of them.

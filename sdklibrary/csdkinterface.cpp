@@ -528,7 +528,7 @@ KelvarisSDK_StartStreamTest(KelvarisSDK_Handle* sdk, KelvarisSDK_SpeedTestCallba
 
 // safebrowsing
 
-// One of the two calls with steps of their own; the other is the stop below.
+// This call and the stop below are the only ones with steps of their own.
 KelvarisSDK_SafeBrowsingResult KelvarisSDK_StartSafeBrowsing(KelvarisSDK_Handle* sdk, char const* config,
                                                              KelvarisSDK_SafeBrowsingCallback callback,
                                                              void* userData) {

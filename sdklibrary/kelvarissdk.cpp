@@ -1,12 +1,11 @@
 #include "kelvarissdk.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <string>
 
-#include "locationnames.h"
+#include "fields.h"
 #include "websockets.h"
 
 namespace kelvarissdk {
@@ -16,20 +15,12 @@ namespace {
 constexpr std::chrono::milliseconds statsTick(250);
 constexpr uint64_t statsRepeatMs = 45000;
 
-// The address as C callers see it: a full field runs on to the record's end.
-std::string addressOf(KelvarisSDK_CreateSettings const& settings) {
-    char const* const begin = settings.address;
-    char const* const end = reinterpret_cast<char const*>(&settings + 1);
-    return std::string(begin, std::find(begin, end, '\0'));
-}
-
 } // namespace
 
 KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
-    kelvaris::localization::load_sdklibraryTranslationTable();
     std::memcpy(appName, settings.appName, sizeof(appName));
-    websocket = std::make_unique<WebsocketImpl>(addressOf(settings).c_str(), settings.port);
-    std::string const name(appName, strnlen(appName, sizeof(appName)));
+    websocket = std::make_unique<WebsocketImpl>(textIn(settings, settings.address).c_str(), settings.port);
+    std::string const name = textIn(appName, appName);
     if (!name.empty()) {
         setAppName(name.c_str());
     }
@@ -43,14 +34,15 @@ KelvarisSDK::~KelvarisSDK() {
         statsRunnerActive = false;
     }
     statsRunnerEnds.notify_all();
-    // The stats thread no longer uses the link, so both threads end side by side.
+    // The stats thread no longer uses the link, so both threads can end at the same time.
     if (websocket) {
         websocket->end();
     }
     statsThread.join();
 }
 
-// The first tick that finds the subscription wanted repeats it, and so may the first after a pause.
+// The first tick that finds the subscription wanted repeats it; one that was ended and begun again in between is
+// repeated when 45 seconds have passed since the last repeat.
 void KelvarisSDK::statsEnabledRunner() {
     uint64_t lastRepeat = 0;
     std::unique_lock lock(statsLock);

@@ -51,7 +51,7 @@ public:
     KelvarisSDK_ConnectResult connectServer(char const* country, char const* city, int num,
                                             KelvarisSDK_ConnectCallback callback, void* userData);
     KelvarisSDK_ConnectResult connectProxy(KelvarisSDK_ConnectCallback callback, void* userData);
-    // By the text that names a server or a way to choose one.
+    // Connects to what the text names: a server, or a way to choose one.
     KelvarisSDK_ConnectResult connectCombined(std::string const& server, KelvarisSDK_ConnectCallback callback,
                                               void* userData);
     KelvarisSDK_StateResult disconnect(KelvarisSDK_StateCallback callback, void* userData);
@@ -70,7 +70,7 @@ public:
     KelvarisSDK_ServerSettingsResult setConnectMethodServer(char const* country, char const* city, int num,
                                                             KelvarisSDK_ServerSettingsCallback callback,
                                                             void* userData);
-    // By the texts of the request.
+    // Sets the method by the texts of the request.
     KelvarisSDK_ServerSettingsResult setConnectMethodCombined(std::string const& method,
                                                               std::string const& countryCode,
                                                               KelvarisSDK_ServerSettingsCallback callback,
@@ -239,7 +239,7 @@ public:
                                        KelvarisSDK_SafeBrowsingCallback callback, void* userData);
     KelvarisSDK_SafeBrowsingResult
     refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
-    // Unlike the others, with its own arguments last.
+    // Unlike the other methods, this one has its own arguments last.
     KelvarisSDK_SafeBrowsingResult reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback,
                                                                  void* userData, unsigned int retries,
                                                                  unsigned long long delay,

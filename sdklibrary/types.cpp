@@ -1,12 +1,12 @@
 // The texts of the enumerations, and the names of servers.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <string>
 
 #include <kelvarissdk/csdkinterface.h>
 
+#include "fields.h"
 #include "locationnames.h"
 
 // core
@@ -149,7 +149,7 @@ char const* KelvarisSDK_AutoConnectMethod_toString(KelvarisSDK_AutoConnectMethod
 
 namespace {
 
-// A static result: 100 bytes of text, and a zero byte behind them that nothing overwrites.
+// A static result has 100 bytes of text, and a zero byte behind them that nothing overwrites.
 class NameBuffer {
 public:
     char const* set(std::string const& name) {
@@ -165,20 +165,14 @@ NameBuffer serverInfo_buffer_country;
 NameBuffer serverInfo_buffer_city;
 NameBuffer serverInfo_buffer_fullName;
 
-// A code up to its first zero byte: a full field runs on into the next, but never past the record.
-std::string codeIn(KelvarisSDK_ServerInformation const& info, char const* field) {
-    char const* const end = reinterpret_cast<char const*>(&info + 1);
-    return {field, std::find(field, end, '\0')};
-}
-
 } // namespace
 
 char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
-    return serverInfo_buffer_country.set(kelvarissdk::getCountry(codeIn(info, info.country)));
+    return serverInfo_buffer_country.set(kelvarissdk::getCountry(kelvarissdk::textIn(info, info.country)));
 }
 
 char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
-    return serverInfo_buffer_city.set(kelvarissdk::getCity(codeIn(info, info.city)));
+    return serverInfo_buffer_city.set(kelvarissdk::getCity(kelvarissdk::textIn(info, info.city)));
 }
 
 char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {

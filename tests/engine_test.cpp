@@ -20,8 +20,8 @@ void fillState(KelvarisSDK_StateResult& result, Json::Value const& payload) {
     result.state = static_cast<KelvarisSDK_State>(payload["state"].asUInt());
 }
 
-KelvarisSDK_StateResult call(WebsocketImpl& link, Exchange const& exchange) {
-    return oneShotCall<KelvarisSDK_StateResult>(&link, nullptr, nullptr, exchange, fillState);
+KelvarisSDK_StateResult call(std::unique_ptr<WebsocketImpl> const& link, Exchange const& exchange) {
+    return wsNonSubscriptionWrapper<KelvarisSDK_StateResult>(nullptr, nullptr, link, exchange, fillState);
 }
 
 KelvarisSDK_StateResult getState(Handle const& handle) {
@@ -131,12 +131,12 @@ TEST(Engine, SubscriptionOutlivesAnErrorRecord) {
 
 TEST(Engine, FilterTestsEveryKeyAndNullAsksForPresence) {
     ScriptedDaemon daemon({}, noName);
-    WebsocketImpl link("127.0.0.1", daemon.port());
+    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
     Inbox inbox;
     Json::Value filter;
     filter["kind"] = 2;
     filter["state"] = Json::Value();
-    subscriptionCall(&link, Inbox::keep, &inbox, {.awaited = {{"e", filter}}, .timeoutMs = 0}, fillState);
+    wsSubscriptionWrapper(Inbox::keep, &inbox, link, {.awaited = {{"e", filter}}, .timeoutMs = 0}, fillState);
     daemon.waitForConnections(1);
     for (char const* text :
          {R"(["e",{"kind":2}])", R"(["e",{"kind":3,"state":1}])", R"(["e",{"kind":"2","state":2}])",
@@ -149,19 +149,19 @@ TEST(Engine, FilterTestsEveryKeyAndNullAsksForPresence) {
 // The answers of both deliveries are taken together: one that is done ends the entry.
 TEST(Engine, NameInBothListsIsDeliveredTwice) {
     ScriptedDaemon daemon({}, noName);
-    WebsocketImpl link("127.0.0.1", daemon.port());
+    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
     EventDescription description;
     WebsocketImpl::subscribeToEvent(description, "e");
     WebsocketImpl::waitForEvent(description, "e");
     WebsocketImpl::waitForEvent(description, "e");
     std::atomic<int> deliveries = 0;
     std::promise<void> marked;
-    link.getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
+    link->getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
         return ++deliveries == 1; // the first of two says "done", the second "go on"
     });
     EventDescription mark;
     WebsocketImpl::waitForEvent(mark, "mark");
-    link.getResult(mark, [&](std::string const&, std::string const&, Json::Value const&) {
+    link->getResult(mark, [&](std::string const&, std::string const&, Json::Value const&) {
         marked.set_value();
         return true;
     });
@@ -181,7 +181,7 @@ TEST(Engine, TimeOuts) {
     ScriptedDaemon answering({asked({connected})}, noName);
     ScriptedDaemon rejecting({{"set", "null", {R"(["report_setting_locked",{"setting":"other"}])"}}}, noName);
     auto const timeOut = [](ScriptedDaemon const& daemon, int code, std::string const& message) {
-        WebsocketImpl link("127.0.0.1", daemon.port());
+        auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
         KelvarisSDK_BaseResult const base = call(link, {.requests = {{"request_current_state"}},
                                                         .awaited = {{"report_current_state"}},
                                                         .timeoutMs = 300})
@@ -197,7 +197,7 @@ TEST(Engine, TimeOuts) {
     // A delivery disarms the time-out even when it finishes nothing: a second call's time-out shows that the
     // first one's would have come.
     threads.emplace_back([&] {
-        WebsocketImpl link("127.0.0.1", rejecting.port());
+        auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", rejecting.port());
         auto locked = std::async(std::launch::async, [&] {
             Exchange exchange = change("set", Json::Value(), "report_set");
             exchange.timeoutMs = 300;
@@ -210,12 +210,13 @@ TEST(Engine, TimeOuts) {
     });
     // A subscription gets one time-out and no second; what awaits nothing gets none.
     threads.emplace_back([&] {
-        WebsocketImpl link("127.0.0.1", absent.port());
+        auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", absent.port());
         Inbox waiting;
         Inbox listening;
-        subscriptionCall(&link, Inbox::keep, &waiting, {.awaited = {{"never"}}, .timeoutMs = 100}, fillState);
-        subscriptionCall(&link, Inbox::keep, &listening, {.subscribed = {"never"}, .timeoutMs = 100},
-                         fillState);
+        wsSubscriptionWrapper(Inbox::keep, &waiting, link, {.awaited = {{"never"}}, .timeoutMs = 100},
+                              fillState);
+        wsSubscriptionWrapper(Inbox::keep, &listening, link, {.subscribed = {"never"}, .timeoutMs = 100},
+                              fillState);
         call(link, {.awaited = {{"never"}}, .timeoutMs = 900});
         EXPECT_EQ(waiting.take().base.errorCode, 3845);
         EXPECT_TRUE(waiting.empty());
@@ -223,11 +224,11 @@ TEST(Engine, TimeOuts) {
     });
     // A request can't leave while a callback runs, so its time-out begins when the callback has returned.
     threads.emplace_back([&] {
-        WebsocketImpl link("127.0.0.1", answering.port());
+        auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", answering.port());
         std::promise<void> entered;
         EventDescription slow;
         WebsocketImpl::subscribeToEvent(slow, "slow");
-        link.getResult(slow, [&](std::string const&, std::string const&, Json::Value const&) {
+        link->getResult(slow, [&](std::string const&, std::string const&, Json::Value const&) {
             entered.set_value();
             std::this_thread::sleep_for(std::chrono::milliseconds(900));
             return true;
@@ -235,7 +236,7 @@ TEST(Engine, TimeOuts) {
         answering.waitForConnections(1);
         answering.send(R"(["slow",{}])");
         entered.get_future().wait();
-        Exchange exchange = read("request_current_state", "report_current_state");
+        Exchange exchange = query("request_current_state", "report_current_state");
         exchange.timeoutMs = 700;
         EXPECT_EQ(messageOf(call(link, exchange).base), "");
     });
@@ -260,7 +261,7 @@ TEST(Engine, LockReports) {
                R"(["report_setting_locked",{"setting":"set2","reason":1}])",
                "[\"report_setting_locked\"," + std::string(c.payload) + "]"}}},
             noName);
-        WebsocketImpl link("127.0.0.1", daemon.port());
+        auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
         KelvarisSDK_BaseResult const base = call(link, change("set", Json::Value(), "report_set")).base;
         EXPECT_EQ(base.error, c.error);
         EXPECT_EQ(base.errorCode, c.code);

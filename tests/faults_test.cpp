@@ -22,12 +22,12 @@ constexpr char connected[] = R"(["report_current_state",{"state":6}])";
 
 Options const noName{.appName = std::nullopt};
 
-KelvarisSDK_StateResult ask(WebsocketImpl& link, std::vector<kelvarissdk::Request> const& requests,
-                            uint64_t timeoutMs) {
-    return oneShotCall<KelvarisSDK_StateResult>(
-        &link, nullptr, nullptr,
+KelvarisSDK_StateResult ask(std::unique_ptr<WebsocketImpl> const& link,
+                            std::vector<kelvarissdk::Request> const& requests, uint64_t timeoutMs) {
+    return wsNonSubscriptionWrapper<KelvarisSDK_StateResult>(
+        nullptr, nullptr, link,
         {.requests = requests, .awaited = {{"report_current_state"}}, .timeoutMs = timeoutMs},
-        [](KelvarisSDK_StateResult& result, Json::Value const& payload) {
+        +[](KelvarisSDK_StateResult& result, Json::Value const& payload) {
             result.state = static_cast<KelvarisSDK_State>(payload["state"].asUInt());
         });
 }
@@ -44,14 +44,14 @@ TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
                            {.request = "still during"},
                            {.request = "after"}},
                           options);
-    WebsocketImpl link("127.0.0.1", daemon.port());
+    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
     auto lost = std::async(std::launch::async, [&] { return ask(link, {{"first"}, {"second"}}, 1000); });
     daemon.waitForConnections(2);
-    link.sendRequest("during");
-    link.sendRequest("still during");
+    link->sendRequest("during");
+    link->sendRequest("still during");
     daemon.dropConnection(Then::reset);
     daemon.waitForRequest("still during");
-    link.sendRequest("after");
+    link->sendRequest("after");
     daemon.waitForRequest("after");
     KelvarisSDK_StateResult const result = lost.get();
     EXPECT_TRUE(result.base.error);
@@ -69,7 +69,7 @@ TEST(Faults, PeerThatNeverReads) {
     for (int i = 0; i < 20; ++i) {
         link->sendRequest("large", megabyte);
     }
-    EXPECT_EQ(ask(*link, {{"request_current_state"}}, 300).base.errorCode, 3841);
+    EXPECT_EQ(ask(link, {{"request_current_state"}}, 300).base.errorCode, 3841);
     link.reset();
 }
 
@@ -83,13 +83,13 @@ TEST(Faults, FloodOfUnknownEvents) {
         {{.request = "request_current_state", .answers = {raw(flood), connected, raw(flood)}},
          {.request = "unanswered"}},
         noName);
-    WebsocketImpl link("127.0.0.1", daemon.port());
+    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
     EXPECT_EQ(ask(link, {{"request_current_state"}}, 0).state, KelvarisSDK_State_CONNECTED);
     auto call = std::async(std::launch::async, [&] { return ask(link, {{"unanswered"}}, 300); });
     int rounds = 0;
     while (call.wait_for(std::chrono::seconds(0)) != std::future_status::ready && ++rounds < 1000) {
         daemon.send(raw(flood.substr(0, flood.size() / 2)));
-        link.sendRequest("tick"); // so that no more is on its way than the library has taken
+        link->sendRequest("tick"); // so that no more is on its way than the library has taken
         daemon.waitForRequest("tick");
     }
     EXPECT_LT(rounds, 1000);

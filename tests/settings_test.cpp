@@ -174,17 +174,17 @@ TEST(Privacy, DnsServers) {
         rows.push_back(row("show privacy", {asked("privacy_settings", reported)},
                            styled(R"({"dnsAddresses":)" + std::string(printed) + "}")));
     }
-    addChanges(rows, report("privacy_settings", R"({"dns_addresses":["7.7.7.7"]})"),
-               styled(R"({"dnsAddresses":["7.7.7.7"]})"),
-               {{"dns", request, R"({"dns_addresses":[]})"},
-                {"dns not-an-address", request, R"({"dns_addresses":["not-an-address"]})"},
-                {"dns 1.1.1.1 8.8.8.8 9.9.9.9 8.8.4.4", request,
-                 R"({"dns_addresses":["1.1.1.1","8.8.8.8","9.9.9.9"]})"},
-                // A full text runs on into the next one, and ends with the last.
-                {"dns " + wide + ' ' + wide, request,
-                 R"({"dns_addresses":[")" + full + full + R"(",")" + full + "\"]}"},
-                // Far more words than an array of fixed size would hold; the call's count has 16 bits.
-                {"dns" + repeated(" 1", 65536), request, R"({"dns_addresses":["1","1","1"]})"}});
+    addChanges(
+        rows, report("privacy_settings", R"({"dns_addresses":["7.7.7.7"]})"),
+        styled(R"({"dnsAddresses":["7.7.7.7"]})"),
+        {{"dns", request, R"({"dns_addresses":[]})"},
+         {"dns not-an-address", request, R"({"dns_addresses":["not-an-address"]})"},
+         {"dns 1.1.1.1 8.8.8.8 9.9.9.9 8.8.4.4", request,
+          R"({"dns_addresses":["1.1.1.1","8.8.8.8","9.9.9.9"]})"},
+         // A text is cut to its slot and never runs on into the next one.
+         {"dns " + wide + ' ' + wide, request, R"({"dns_addresses":[")" + full + R"(",")" + full + "\"]}"},
+         // Far more words than an array of fixed size would hold; the call's count has 16 bits.
+         {"dns" + repeated(" 1", 65536), request, R"({"dns_addresses":["1","1","1"]})"}});
     addRefusals(rows, {{"privacy", {"privacy"}, {"privacy on"}}});
     runRows(rows);
 }

@@ -243,7 +243,7 @@ TEST(Stats, SubscriptionAndItsRepeat) {
                                       ticks};
     ScriptedDaemon daemon(script, noName);
     Sdk sdk(daemon);
-    unsigned int const periods[] = {6, 5, 4, 3, 2, 1};
+    unsigned int periods[] = {6, 5, 4, 3, 2, 1};
     EXPECT_FALSE(sdk.enableStatUpdates(true, 6, periods).error);
     daemon.waitForRequest("stat_subscribe");
     daemon.waitForRequest("stat_subscribe");

@@ -1,4 +1,4 @@
-#include "localization/translator.h"
+#include "translator.h"
 
 #include <gtest/gtest.h>
 

@@ -11,7 +11,7 @@ namespace kelvarissdk {
 namespace {
 
 constexpr char report[] = "report_networks";
-constexpr int neverOnTheWire = 100; // the other priorities have the same number in both places
+constexpr int neverOnTheWire = 100; // the other priorities have the same number in the record
 
 KelvarisSDK_ConnectionState connectionStateFrom(Json::Value const& number) {
     switch (number.asInt()) {
@@ -58,7 +58,8 @@ void setAdapterData(KelvarisSDK_AdapterData& data, Json::Value const& adapter) {
     data.priority = priorityFrom(adapter[Keys::_priority]);
     copyText(data.ssid, adapter[Keys::_ssid]);
     copyText(data.bssid, adapter[Keys::_bssid]);
-    data.rateLimit = adapter.get(Keys::_rateLimit, -1).asInt(); // the daemon's limit has 32 bits
+    data.rateLimit =
+        adapter.get(Keys::_rateLimit, -1).asInt(); // a limit that needs more than 32 bits can't be read
     setDataUsage(data.dataUsage, adapter[Keys::_limits]);
 }
 
@@ -70,7 +71,7 @@ Json::Value network(char const* adapterID) {
     return with(Keys::_network, adapterID);
 }
 
-// The payload of requests that set one number of an adapter.
+// Makes the payload of requests that set one number of an adapter.
 Json::Value network(char const* adapterID, Json::StaticString const& key, long long number) {
     Json::Value payload = network(adapterID);
     payload[key] = static_cast<Json::Int64>(number);
@@ -80,8 +81,8 @@ Json::Value network(char const* adapterID, Json::StaticString const& key, long l
 } // namespace
 
 KelvarisSDK_AdaptersResult KelvarisSDK::getAdapters(KelvarisSDK_AdaptersCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData, read("request_networks", report),
-                            setAdaptersResult);
+    return wsSubscriptionWrapper(callback, userData, websocket, query("request_networks", report),
+                                 setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::setConnectionPriorities(char const* adapterID,
@@ -94,17 +95,19 @@ KelvarisSDK_AdaptersResult KelvarisSDK::setConnectionPriorities(char const* adap
     }
     auto const number =
         priority == KelvarisSDK_ConnectionPriority_NEVER ? neverOnTheWire : static_cast<int>(priority);
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_network_priority", network(adapterID, Keys::_priority, number), report),
-                       setAdaptersResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_network_priority", network(adapterID, Keys::_priority, number), report),
+        setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::setConnectionRateLimit(char const* adapterID, long long bitsPerSecond,
                                                                KelvarisSDK_AdaptersCallback callback,
                                                                void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_network_ratelimit", network(adapterID, Keys::_bps, bitsPerSecond), report),
-                       setAdaptersResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_network_ratelimit", network(adapterID, Keys::_bps, bitsPerSecond), report),
+        setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::resetConnectionRateLimit(char const* adapterID,
@@ -119,8 +122,8 @@ KelvarisSDK_AdaptersResult KelvarisSDK::setAdapterMonthlyDataLimit(char const* a
                                                                    void* userData) {
     Json::Value payload = network(adapterID, Keys::_max, bytes);
     payload[Keys::_resetDay] = static_cast<Json::Int64>(resetDay);
-    return oneShotCall(websocket.get(), callback, userData, change("set_network_limit", payload, report),
-                       setAdaptersResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_network_limit", payload, report), setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::disableAdapterMonthlyDataLimit(char const* adapterID,
@@ -132,9 +135,9 @@ KelvarisSDK_AdaptersResult KelvarisSDK::disableAdapterMonthlyDataLimit(char cons
 KelvarisSDK_AdaptersResult KelvarisSDK::setAdapterDailyDataLimit(char const* adapterID, long long bytes,
                                                                  KelvarisSDK_AdaptersCallback callback,
                                                                  void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_network_daily_limit", network(adapterID, Keys::_max, bytes), report),
-                       setAdaptersResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_network_daily_limit", network(adapterID, Keys::_max, bytes), report), setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::disableAdapterDailyDataLimit(char const* adapterID,
@@ -146,26 +149,28 @@ KelvarisSDK_AdaptersResult KelvarisSDK::disableAdapterDailyDataLimit(char const*
 KelvarisSDK_AdaptersResult KelvarisSDK::addAdapterDailyDataLimitBoost(char const* adapterID, long long bytes,
                                                                       KelvarisSDK_AdaptersCallback callback,
                                                                       void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("add_net_daily_limit_boost", network(adapterID, Keys::_value, bytes), report),
-                       setAdaptersResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        command("add_net_daily_limit_boost", network(adapterID, Keys::_value, bytes), report),
+        setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult KelvarisSDK::setAdapterOverlimitRatelimit(char const* adapterID,
                                                                      long long bitsPerSecond,
                                                                      KelvarisSDK_AdaptersCallback callback,
                                                                      void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         change("set_network_overlimit_rate", network(adapterID, Keys::_bps, bitsPerSecond), report),
         setAdaptersResult);
 }
 
 KelvarisSDK_AdaptersResult
 KelvarisSDK::resetAdapterUsage(char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData) {
-    // The one request that doesn't call the adapter's id "network".
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("reset_network_usage", with(Keys::_guid, adapterID), report), setAdaptersResult);
+    // This request alone calls the adapter's id "guid".
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    command("reset_network_usage", with(Keys::_guid, adapterID), report),
+                                    setAdaptersResult);
 }
 
 } // namespace kelvarissdk

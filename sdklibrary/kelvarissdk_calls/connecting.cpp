@@ -14,7 +14,7 @@ namespace {
 constexpr char serverReport[] = "report_connected_server";
 constexpr uint64_t connectTimeoutMs = 60000;
 
-// The record holds the server that was reported last when the session is connected.
+// The record keeps the server that was reported last before the session was connected.
 bool connectCallback(KelvarisSDK_ConnectResult& result, std::string const& event, Json::Value const& report) {
     if (event == serverReport) {
         setServerDetailedData(result.server, report);
@@ -51,10 +51,10 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectAuto(KelvarisSDK_AutoConnectMethod
     case KelvarisSDK_AutoConnectMethod_P2P:
         return connectCombined("p2p", callback, userData);
     case KelvarisSDK_AutoConnectMethod_COUNTRY:
-        // No country came with it. Callers test for SDK (3840), not for INVALID_ARGUMENT.
+        // The method comes without its country. The refusal is SDK (3840) and not INVALID_ARGUMENT.
         return refused<KelvarisSDK_ConnectResult>(noWebsocketImplementation);
     case KelvarisSDK_AutoConnectMethod_AUTO:
-    case KelvarisSDK_AutoConnectMethod_PROXY: // connectProxy leads there
+    case KelvarisSDK_AutoConnectMethod_PROXY: // connectProxy() asks for the proxy
         break;
     }
     return connectCombined("auto", callback, userData);
@@ -81,21 +81,21 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectProxy(KelvarisSDK_ConnectCallback 
 
 KelvarisSDK_ConnectResult KelvarisSDK::connectCombined(std::string const& server,
                                                        KelvarisSDK_ConnectCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"server_auto_connect", with(Keys::_server, server)}},
-                        .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
-                                    {"report_connect_error"},
-                                    {"report_login_error"}},
-                        .subscribed = {serverReport},
-                        .timeoutMs = connectTimeoutMs,
-                        .settingName = "server_auto_connect"},
-                       connectCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"server_auto_connect", with(Keys::_server, server)}},
+                                     .awaited = {stateReached(KelvarisSDK_State_CONNECTED),
+                                                 {"report_connect_error"},
+                                                 {"report_login_error"}},
+                                     .subscribed = {serverReport},
+                                     .timeoutMs = connectTimeoutMs,
+                                     .settingName = "server_auto_connect"},
+                                    connectCallback);
 }
 
-// The session may be logged out in the meantime.
+// A session that is logged out meanwhile is disconnected as well.
 KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         {.requests = {{"server_disconnect"}},
          .awaited = {stateReached(KelvarisSDK_State_LOGGED_IN), stateReached(KelvarisSDK_State_LOGGED_OUT)}},
         setStateResult);
@@ -103,8 +103,8 @@ KelvarisSDK_StateResult KelvarisSDK::disconnect(KelvarisSDK_StateCallback callba
 
 KelvarisSDK_ConnectResult KelvarisSDK::getConnectedServer(KelvarisSDK_ConnectCallback callback,
                                                           void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_connected_server", serverReport), setConnectResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_connected_server", serverReport), setConnectResult);
 }
 
 } // namespace kelvarissdk

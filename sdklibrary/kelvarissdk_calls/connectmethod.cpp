@@ -26,7 +26,7 @@ constexpr WireMethod wireMethods[] = {
     {KelvarisSDK_AutoConnectMethod_COUNTRY, "country"},
 };
 
-// "country|city|num", of which the later pieces may be missing.
+// Splits "country|city|num", of which the later pieces may be missing.
 void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const& place) {
     std::istringstream pieces(place);
     std::string piece;
@@ -41,7 +41,7 @@ void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const
     }
 }
 
-// A method that has no number here leaves the record's as it was.
+// A method that isn't in the table leaves the record's as it was.
 void setServerSettingsData(KelvarisSDK_ServerSettingsResult& result, Json::Value const& settings) {
     setText(result.country, "");
     setText(result.city, "");
@@ -70,8 +70,9 @@ std::string placeText(char const* country, char const* city, int num) {
 
 KelvarisSDK_ServerSettingsResult KelvarisSDK::getServerSettings(KelvarisSDK_ServerSettingsCallback callback,
                                                                 void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_server_settings", "report_server_settings"), setServerSettingsData);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_server_settings", "report_server_settings"),
+                                 setServerSettingsData);
 }
 
 KelvarisSDK_ServerSettingsResult
@@ -109,9 +110,9 @@ KelvarisSDK::setConnectMethodCombined(std::string const& method, std::string con
     Json::Value payload;
     payload[Keys::_connect_to_best_method] = method;
     payload[Keys::_countryCode] = countryCode;
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_server_connectbest", payload, "report_server_settings"),
-                       setServerSettingsData);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_server_connectbest", payload, "report_server_settings"),
+                                    setServerSettingsData);
 }
 
 } // namespace kelvarissdk

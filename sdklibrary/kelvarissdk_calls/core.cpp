@@ -18,10 +18,11 @@ void setVersionResult(KelvarisSDK_VersionResult& result, Json::Value const& vers
     result.build = static_cast<uint16_t>(version[Keys::_build].asInt());
 }
 
-// A request that nobody answers.
-KelvarisSDK_BaseResult tell(WebsocketImpl* websocket, char const* request, Json::Value const& payload = {}) {
+// Sends a request that nobody answers.
+KelvarisSDK_BaseResult notify(std::unique_ptr<WebsocketImpl> const& websocket, char const* request,
+                              Json::Value const& payload = {}) {
     KelvarisSDK_BaseResult result{};
-    if (websocket == nullptr) {
+    if (!websocket) {
         noWebsocketImplementation(&result);
         return result;
     }
@@ -51,18 +52,15 @@ KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text) {
 }
 
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object) {
-    std::string const protocol = object[Keys::_proto].asString();
-    if (protocol == "tcp") {
-        pair.protocol = KelvarisSDK_PortProtocol_TCP;
-    } else if (protocol == "udp") {
-        pair.protocol = KelvarisSDK_PortProtocol_UDP;
-    }
+    pair.protocol =
+        enumFrom(object[Keys::_proto], KelvarisSDK_PortProtocol_UDP, KelvarisSDK_PortProtocol_toString)
+            .value_or(pair.protocol);
     pair.port = static_cast<uint16_t>(object[Keys::_port].asInt());
 }
 
-Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count) {
+Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, std::size_t count) {
     Json::Value list(Json::arrayValue);
-    for (unsigned i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         Json::Value& object = list.append(Json::Value(Json::objectValue));
         if (pairs[i].protocol <= KelvarisSDK_PortProtocol_UDP) {
             object[Keys::_proto] = KelvarisSDK_PortProtocol_toString(pairs[i].protocol);
@@ -73,7 +71,7 @@ Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count)
 }
 
 KelvarisSDK_BaseResult KelvarisSDK::setAppName(char const* name) {
-    return tell(websocket.get(), "set_app_name", with(Keys::_app_name, name));
+    return notify(websocket, "set_app_name", with(Keys::_app_name, name));
 }
 
 void KelvarisSDK::unregisterCallback(unsigned long long callbackId) {
@@ -83,17 +81,17 @@ void KelvarisSDK::unregisterCallback(unsigned long long callbackId) {
 }
 
 KelvarisSDK_StateResult KelvarisSDK::getState(KelvarisSDK_StateCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_current_state", "report_current_state"), setStateResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_current_state", "report_current_state"), setStateResult);
 }
 
 KelvarisSDK_VersionResult KelvarisSDK::getVersion(KelvarisSDK_VersionCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       read("request_version_data", "report_version_data"), setVersionResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    query("request_version_data", "report_version_data"), setVersionResult);
 }
 
 KelvarisSDK_BaseResult KelvarisSDK::daemonExit() {
-    return tell(websocket.get(), "exit");
+    return notify(websocket, "exit");
 }
 
 } // namespace kelvarissdk

@@ -11,21 +11,21 @@
 
 namespace kelvarissdk {
 
-// Element "state" of report_current_state; any number but 0 to 7 is read as unknown.
+// Reads "state" of report_current_state; a number other than 0 to 7 is read as unknown.
 void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload);
 
 // "RD" is redundant and "STR" streaming; anything else is speed.
 KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
 
-// An object with "proto" and "port". A protocol but "tcp" and "udp" leaves the pair's as it was.
+// Reads an object with "proto" and "port". A protocol other than "tcp" and "udp" leaves the pair's as it was.
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);
-// The array of such objects; one whose protocol has no name goes without "proto".
-Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, unsigned count);
+// Makes the array of such objects; one whose protocol has no name goes without "proto".
+Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, std::size_t count);
 
-// A payload of one member.
+// Makes a payload of one member.
 Json::Value with(Json::StaticString const& key, Json::Value const& value);
 
-// The number from 0 to `last` whose text this is; nothing for any other text.
+// Finds the enumerator from 0 to `last` that has this text, and nothing for any other text.
 template <class Enum>
 std::optional<Enum> enumFrom(Json::Value const& text, Enum last, char const* (*textOf)(Enum)) {
     std::string const name = text.asString();

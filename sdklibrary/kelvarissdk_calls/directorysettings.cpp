@@ -10,7 +10,7 @@ namespace {
 
 constexpr char report[] = "report_directory_settings";
 
-// These records count as failed until a report has reached them.
+// The records of this family count as failed until a report has reached them.
 Exchange failedUntilReported(Exchange exchange) {
     exchange.failedUntilReported = true;
     return exchange;
@@ -24,17 +24,18 @@ void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value
 
 } // namespace
 
-// The request speaks of the URL, the report has all three settings.
+// The request names the URL alone, and the report has all three settings.
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            failedUntilReported(read("request_directory_url", report)), setDirectoryResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 failedUntilReported(query("request_directory_url", report)),
+                                 setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         failedUntilReported(change("set_esni_enabled", with(Keys::_enableEsni, enabled), report)),
         setDirectoryResult);
 }
@@ -42,16 +43,16 @@ KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySettingsCallback callback,
                                 void* userData) {
-    Json::Value payload; // null resets the domain
+    Json::Value payload; // stays null to reset the domain
     if (domain != nullptr) {
         payload[Keys::_domain] = domain;
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       failedUntilReported(order("set_directory_domain", payload, report)),
-                       setDirectoryResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    failedUntilReported(command("set_directory_domain", payload, report)),
+                                    setDirectoryResult);
 }
 
-// The resets hand no user data on: callers rely on a null pointer in their callback.
+// The resets hand no user data on: their callback gets a null pointer.
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback, void* /*userData*/) {
     return setDirectoryDomain(nullptr, callback, nullptr);
@@ -60,13 +61,13 @@ KelvarisSDK::resetDirectoryDomain(KelvarisSDK_DirectorySettingsCallback callback
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettingsCallback callback,
                                     void* userData) {
-    Json::Value payload; // null resets the URI
+    Json::Value payload; // stays null to reset the URI
     if (uri != nullptr) {
         payload[Keys::_url] = uri; // the report spells this key differently
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       failedUntilReported(order("set_directory_gateway_uri", payload, report)),
-                       setDirectoryResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        failedUntilReported(command("set_directory_gateway_uri", payload, report)), setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult

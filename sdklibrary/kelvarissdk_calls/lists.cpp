@@ -19,7 +19,8 @@ constexpr char firewallReport[] = "report_firewall_settings";
 constexpr char localProxyReport[] = "report_localproxy_settings";
 constexpr char streamingReport[] = "report_streaming_settings";
 
-constexpr unsigned mostItems = 100;
+// A list has the same capacity in a request as in the record.
+constexpr std::size_t maxItems = std::size(KelvarisSDK_ListBlock{}.domains);
 
 // A text that isn't an address of that family leaves zeroes, and still counts as an item.
 template <int family, class Address> void setAddress(Address& address, Json::Value const& text) {
@@ -28,18 +29,15 @@ template <int family, class Address> void setAddress(Address& address, Json::Val
 }
 
 void setListBlock(KelvarisSDK_ListBlock& lists, Json::Value const& report) {
-    fillSlots(lists.domainCount, lists.domains, report[Keys::_domains], copyText<50>);
+    fillTexts(lists.domainCount, lists.domains, report[Keys::_domains]);
     fillSlots(lists.ipv4Count, lists.ipv4, report[Keys::_ipv4], setAddress<AF_INET, in_addr>);
     fillSlots(lists.ipv6Count, lists.ipv6, report[Keys::_ipv6], setAddress<AF_INET6, in6_addr>);
     fillSlots(lists.portCount, lists.ports, report[Keys::_ports], setPortPair);
 }
 
 KelvarisSDK_FirewallMode firewallModeFrom(Json::Value const& text) {
-    std::string const mode = text.asString();
-    if (mode == "denylist") {
-        return KelvarisSDK_FirewallMode_DENYLIST;
-    }
-    return mode == "allowlist" ? KelvarisSDK_FirewallMode_ALLOWLIST : KelvarisSDK_FirewallMode_OFF;
+    return enumFrom(text, KelvarisSDK_FirewallMode_DENYLIST, KelvarisSDK_FirewallMode_toString)
+        .value_or(KelvarisSDK_FirewallMode_OFF);
 }
 
 void setFirewallResult(KelvarisSDK_FirewallSettingsResult& result, Json::Value const& report) {
@@ -50,10 +48,8 @@ void setFirewallResult(KelvarisSDK_FirewallSettingsResult& result, Json::Value c
 void setService(KelvarisSDK_LocalProxyService& service, Json::Value const& object) {
     copyText(service.title, object[Keys::_title]);
     service.enabled = object[Keys::_enabled].asBool();
-    fillSlots(service.watchedDomainCount, service.watchedDomains, object[Keys::_watchedDomains],
-              copyText<50>);
-    fillSlots(service.proxiedDomainCount, service.proxiedDomains, object[Keys::_proxiedDomains],
-              copyText<50>);
+    fillTexts(service.watchedDomainCount, service.watchedDomains, object[Keys::_watchedDomains]);
+    fillTexts(service.proxiedDomainCount, service.proxiedDomains, object[Keys::_proxiedDomains]);
 }
 
 void setLocalProxyResult(KelvarisSDK_LocalProxySettingsResult& result, Json::Value const& report) {
@@ -69,15 +65,15 @@ void setStreamingResult(KelvarisSDK_StreamingSettingsResult& result, Json::Value
     setListBlock(result.lists, report);
 }
 
-unsigned sent(unsigned short count) {
-    return std::min<unsigned>(count, mostItems);
+std::size_t sentCount(unsigned short count) {
+    return std::min<std::size_t>(count, maxItems);
 }
 
 Json::Value domainsPayload(unsigned short count, char (*domains)[50]) {
     Json::Value payload;
     Json::Value& list = payload[Keys::_domains] = Json::Value(Json::arrayValue);
-    for (unsigned i = 0; i < sent(count); ++i) {
-        list.append(std::string(domains[i], strnlen(domains[i], sizeof(domains[i]))));
+    for (std::size_t i = 0; i < sentCount(count); ++i) {
+        list.append(textIn(domains[i], domains[i]));
     }
     return payload;
 }
@@ -86,7 +82,7 @@ template <int family, class Address>
 Json::Value addressesPayload(Json::StaticString const& key, unsigned short count, Address const* addresses) {
     Json::Value payload;
     Json::Value& list = payload[key] = Json::Value(Json::arrayValue);
-    for (unsigned i = 0; i < sent(count); ++i) {
+    for (std::size_t i = 0; i < sentCount(count); ++i) {
         char text[INET6_ADDRSTRLEN];
         list.append(inet_ntop(family, &addresses[i], text, sizeof(text)));
     }
@@ -102,105 +98,108 @@ Json::Value ipv6Payload(unsigned short count, in6_addr const* addresses) {
 }
 
 Json::Value portsPayload(unsigned short count, KelvarisSDK_ProtocolPortPair const* ports) {
-    return with(Keys::_ports, portPairs(ports, sent(count)));
+    return with(Keys::_ports, portPairs(ports, sentCount(count)));
 }
 
 } // namespace
 
 KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::getFirewallSettings(KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_firewall_settings", firewallReport), setFirewallResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_firewall_settings", firewallReport), setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallMode(KelvarisSDK_FirewallMode mode,
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_mode", with(Keys::_mode, KelvarisSDK_FirewallMode_toString(mode)),
-                              firewallReport),
-                       setFirewallResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_firewall_mode",
+                                           with(Keys::_mode, KelvarisSDK_FirewallMode_toString(mode)),
+                                           firewallReport),
+                                    setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::setFirewallDomains(unsigned short count, char (*domains)[50],
                                 KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_domains", domainsPayload(count, domains), firewallReport),
-                       setFirewallResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_firewall_domains", domainsPayload(count, domains), firewallReport), setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv4(unsigned short count, in_addr* addresses,
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ipv4", ipv4Payload(count, addresses), firewallReport),
-                       setFirewallResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_firewall_ipv4", ipv4Payload(count, addresses), firewallReport), setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult KelvarisSDK::setFirewallIPv6(unsigned short count, in6_addr* addresses,
                                                                 KelvarisSDK_FirewallSettingsCallback callback,
                                                                 void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ipv6", ipv6Payload(count, addresses), firewallReport),
-                       setFirewallResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_firewall_ipv6", ipv6Payload(count, addresses), firewallReport), setFirewallResult);
 }
 
 KelvarisSDK_FirewallSettingsResult
 KelvarisSDK::setFirewallPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                               KelvarisSDK_FirewallSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_firewall_ports", portsPayload(count, ports), firewallReport),
-                       setFirewallResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_firewall_ports", portsPayload(count, ports), firewallReport),
+                                    setFirewallResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::getLocalProxySettings(KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_localproxy_settings", localProxyReport), setLocalProxyResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_localproxy_settings", localProxyReport), setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyEnabled(bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
                                   void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_localproxy_enabled", with(Keys::_enabled, enabled), localProxyReport),
-                       setLocalProxyResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_localproxy_enabled", with(Keys::_enabled, enabled), localProxyReport),
+        setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyDomains(unsigned short count, char (*domains)[50],
                                   KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_localproxy_domains", domainsPayload(count, domains), localProxyReport),
-                       setLocalProxyResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_localproxy_domains", domainsPayload(count, domains), localProxyReport),
+        setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyIPv4(unsigned short count, in_addr* addresses,
                                KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_localproxy_ipv4", ipv4Payload(count, addresses), localProxyReport),
-                       setLocalProxyResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_localproxy_ipv4", ipv4Payload(count, addresses), localProxyReport), setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
                                KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_localproxy_ipv6", ipv6Payload(count, addresses), localProxyReport),
-                       setLocalProxyResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_localproxy_ipv6", ipv6Payload(count, addresses), localProxyReport), setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                                 KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    // The daemon locks these ports together with the firewall's, under the name of those.
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
-                        .awaited = {{localProxyReport}},
-                        .settingName = "set_firewall_ports"},
-                       setLocalProxyResult);
+    // The lock report of these ports carries the name of the firewall's request.
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
+                                     .awaited = {{localProxyReport}},
+                                     .settingName = "set_firewall_ports"},
+                                    setLocalProxyResult);
 }
 
 KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEnable(
@@ -208,48 +207,48 @@ KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEn
     Json::Value payload;
     payload[Keys::_title] = title;
     payload[Keys::_enabled] = enabled;
-    // Services can't be locked.
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("set_localproxy_domainwatchlist_enable", payload, localProxyReport),
-                       setLocalProxyResult);
+    // A lock report doesn't concern this call.
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        command("set_localproxy_domainwatchlist_enable", payload, localProxyReport), setLocalProxyResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::getStreamingSettings(KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_streaming_settings", streamingReport), setStreamingResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_streaming_settings", streamingReport), setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingDomains(unsigned short count, char (*domains)[50],
                                  KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_streaming_domains", domainsPayload(count, domains), streamingReport),
-                       setStreamingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_streaming_domains", domainsPayload(count, domains), streamingReport), setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingIPv4(unsigned short count, in_addr* addresses,
                               KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_streaming_ipv4", ipv4Payload(count, addresses), streamingReport),
-                       setStreamingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_streaming_ipv4", ipv4Payload(count, addresses), streamingReport), setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingIPv6(unsigned short count, in6_addr* addresses,
                               KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_streaming_ipv6", ipv6Payload(count, addresses), streamingReport),
-                       setStreamingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_streaming_ipv6", ipv6Payload(count, addresses), streamingReport), setStreamingResult);
 }
 
 KelvarisSDK_StreamingSettingsResult
 KelvarisSDK::setStreamingPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                                KelvarisSDK_StreamingSettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_streaming_ports", portsPayload(count, ports), streamingReport),
-                       setStreamingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_streaming_ports", portsPayload(count, ports), streamingReport), setStreamingResult);
 }
 
 } // namespace kelvarissdk

@@ -16,7 +16,7 @@ namespace {
 
 constexpr uint64_t loginTimeoutMs = 60000;
 
-// A login ends in whichever settled state comes first.
+// A login ends with the first report of a state in which the user is logged in, or with an error.
 Exchange loginExchange(std::vector<Request> requests) {
     return {.requests = std::move(requests),
             .awaited = {stateReached(KelvarisSDK_State_LOGGED_IN),
@@ -39,7 +39,7 @@ bool loginCallback(KelvarisSDK_StateResult& result, std::string const& event, Js
     return false;
 }
 
-// The daemon's tiers have gaps; one that isn't known is a free one.
+// Tiers other than 1 and 3 count as free ones.
 KelvarisSDK_AccountPaymentType paymentTypeFrom(int payTier) {
     if (payTier == 1) {
         return KelvarisSDK_AccountPaymentType_MONTHLY;
@@ -47,7 +47,7 @@ KelvarisSDK_AccountPaymentType paymentTypeFrom(int payTier) {
     return payTier == 3 ? KelvarisSDK_AccountPaymentType_YEARLY : KelvarisSDK_AccountPaymentType_FREE;
 }
 
-// The date in front of the text. What isn't read of a date stays zero.
+// Reads the date in front of the text. Parts of it that can't be read stay zero.
 std::tm dateFrom(std::string const& text) {
     std::tm date{};
     strptime(text.substr(0, 10).c_str(), "%Y-%m-%d", &date);
@@ -83,33 +83,35 @@ KelvarisSDK_StateResult KelvarisSDK::login(char const* username, char const* pas
     Json::Value payload;
     payload[Keys::_username] = username;
     payload[Keys::_password] = password;
-    return oneShotCall(websocket.get(), callback, userData, loginExchange({{"login", payload}}),
-                       loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket, loginExchange({{"login", payload}}),
+                                    loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginOAuth(char const* token, KelvarisSDK_StateCallback callback,
                                                 void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       loginExchange({{"login_oauth", with(Keys::_oauth, token)}}), loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    loginExchange({{"login_oauth", with(Keys::_oauth, token)}}),
+                                    loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       loginExchange({{"allow_auto_account"}, {"login_auto"}}), loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    loginExchange({{"allow_auto_account"}, {"login_auto"}}), loginCallback);
 }
 
-// Asks for the state as well: a session that is logged out already has no change of state to report.
+// The request for the state makes a session answer that is logged out already and has no change to report.
 KelvarisSDK_StateResult KelvarisSDK::logout(KelvarisSDK_StateCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"logout"}, {"request_current_state"}},
-                        .awaited = {stateReached(KelvarisSDK_State_LOGGED_OUT)}},
-                       loginCallback);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"logout"}, {"request_current_state"}},
+                                     .awaited = {stateReached(KelvarisSDK_State_LOGGED_OUT)}},
+                                    loginCallback);
 }
 
 KelvarisSDK_AccountingResult KelvarisSDK::getAccountingData(KelvarisSDK_AccountingCallback callback,
                                                             void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_accounting_data", "report_accounting_data"), setAccountingResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_accounting_data", "report_accounting_data"),
+                                 setAccountingResult);
 }
 
 } // namespace kelvarissdk

@@ -27,7 +27,7 @@ void setSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult& result, Json::Value c
             .value_or(result.networkOverride);
 }
 
-// The calls that the service has a say in: a connect error finishes the record without failing the call.
+// For calls that the service itself can refuse: its connect error finishes the record without failing the call.
 bool settingsOrConnectError(KelvarisSDK_SafeBrowsingResult& result, std::string const& event,
                             Json::Value const& payload) {
     if (event == connectErrorReport) {
@@ -64,7 +64,7 @@ void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Jso
     result.num_packets_filtered = stats[Keys::_num_safe_browsing_packets_filtered].asUInt64();
 }
 
-// Settings from before the initialization say nothing about the request: they don't end the call.
+// Settings that are not initialized yet were reported before the request took effect, so they don't end the call.
 Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
     return {.requests = {{request, payload}},
             .awaited = {{settingsReport, with(Keys::_initialized, true)}, {connectErrorReport}},
@@ -75,60 +75,61 @@ Exchange untilInitialized(char const* request, Json::Value const& payload, char 
 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"initialize_safe_browsing", with(Keys::_config, config)}},
-                        .awaited = {{settingsReport}, {connectErrorReport}},
-                        .settingName = "initialize_safe_browsing"},
-                       settingsOrConnectError);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"initialize_safe_browsing", with(Keys::_config, config)}},
+                                     .awaited = {{settingsReport}, {connectErrorReport}},
+                                     .settingName = "initialize_safe_browsing"},
+                                    settingsOrConnectError);
 }
 
-// The daemon locks the configuration under the name of the initialization, which also sets it.
+// The lock report of the configuration carries the name of the initialization, which also sets it.
 KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* config,
                                                                   KelvarisSDK_SafeBrowsingCallback callback,
                                                                   void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"set_safe_browsing_config", with(Keys::_config, config)}},
-                        .awaited = {{settingsReport}},
-                        .settingName = "initialize_safe_browsing"},
-                       setSafeBrowsingResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"set_safe_browsing_config", with(Keys::_config, config)}},
+                                     .awaited = {{settingsReport}},
+                                     .settingName = "initialize_safe_browsing"},
+                                    setSafeBrowsingResult);
 }
 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::setSafeBrowsingEnabled(bool enable, KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("enable_safe_browsing", with(Keys::_enable, enable), settingsReport),
-                       setSafeBrowsingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("enable_safe_browsing", with(Keys::_enable, enable), settingsReport), setSafeBrowsingResult);
 }
 
 KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingLogLevel(KelvarisSDK_SafeBrowsingLogLevel level,
                                                                     KelvarisSDK_SafeBrowsingCallback callback,
                                                                     void* userData) {
     char const* const text = KelvarisSDK_SafeBrowsing_LogLevel_toString(level);
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("set_safe_browsing_log_level", with(Keys::_log_level, text), settingsReport),
-                       setSafeBrowsingResult);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        command("set_safe_browsing_log_level", with(Keys::_log_level, text), settingsReport),
+        setSafeBrowsingResult);
 }
 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::setSafeBrowsingSafeNetworkOverride(KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
                                                 KelvarisSDK_SafeBrowsingCallback callback, void* userData) {
     char const* const text = KelvarisSDK_SafeBrowsing_SafeNetworkOverride_toString(value);
-    return oneShotCall(
-        websocket.get(), callback, userData,
-        order("set_safe_browsing_safe_network_override", with(Keys::_network_override, text), settingsReport),
-        setSafeBrowsingResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    command("set_safe_browsing_safe_network_override",
+                                            with(Keys::_network_override, text), settingsReport),
+                                    setSafeBrowsingResult);
 }
 
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsingCallback callback,
                                       void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       untilInitialized("safe_browsing_token_refresh", with(Keys::_token, token),
-                                        "safe_browsing_token_refresh"),
-                       settingsOrConnectError);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    untilInitialized("safe_browsing_token_refresh", with(Keys::_token, token),
+                                                     "safe_browsing_token_refresh"),
+                                    settingsOrConnectError);
 }
 
-// The daemon locks this report together with the token, under the token's name.
+// The lock report of this request carries the name of the token's refresh.
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback, void* userData,
                                            unsigned int retries, unsigned long long delay,
@@ -137,8 +138,8 @@ KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback call
     payload[Keys::_retries] = retries;
     payload[Keys::_delay] = static_cast<Json::UInt64>(delay);
     payload[Keys::_timeout] = static_cast<Json::UInt64>(timeout);
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         untilInitialized("safe_browsing_report_home_network", payload, "safe_browsing_token_refresh"),
         settingsOrConnectError);
 }
@@ -146,27 +147,28 @@ KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback call
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::updateSafeBrowsingExtraInfo(char const* info, KelvarisSDK_SafeBrowsingCallback callback,
                                          void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       untilInitialized("set_safe_browsing_extra_info", with(Keys::_info, info),
-                                        "set_safe_browsing_extra_info"),
-                       settingsOrConnectError);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    untilInitialized("set_safe_browsing_extra_info", with(Keys::_info, info),
+                                                     "set_safe_browsing_extra_info"),
+                                    settingsOrConnectError);
 }
 
 KelvarisSDK_SafeBrowsingResult KelvarisSDK::getSafeBrowsing(KelvarisSDK_SafeBrowsingCallback callback,
                                                             void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_safe_browsing_settings", settingsReport), setSafeBrowsingResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_safe_browsing_settings", settingsReport),
+                                 setSafeBrowsingResult);
 }
 
-// The two listeners ask for nothing, so nothing bounds the wait for an event: only a callback can take one.
+// The two listeners send no request and have no time-out, so they need a callback: a caller might wait for ever.
 KelvarisSDK_SafeBrowsingErrorResult
 KelvarisSDK::listenForSafeBrowsingError(KelvarisSDK_SafeBrowsingErrorCallback callback, void* userData) {
     if (callback == nullptr) {
         return refused<KelvarisSDK_SafeBrowsingErrorResult>(callbackRequired);
     }
-    return subscriptionCall(websocket.get(), callback, userData,
-                            {.subscribed = {"report_safe_browsing_lookup_error"}, .timeoutMs = 0},
-                            setSafeBrowsingErrorResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 {.subscribed = {"report_safe_browsing_lookup_error"}, .timeoutMs = 0},
+                                 setSafeBrowsingErrorResult);
 }
 
 KelvarisSDK_SafeBrowsingBlockResult
@@ -174,16 +176,16 @@ KelvarisSDK::listenForSafeBrowsingBlock(KelvarisSDK_SafeBrowsingBlockCallback ca
     if (callback == nullptr) {
         return refused<KelvarisSDK_SafeBrowsingBlockResult>(callbackRequired);
     }
-    return subscriptionCall(websocket.get(), callback, userData,
-                            {.subscribed = {"report_safe_browsing_block"}, .timeoutMs = 0},
-                            setSafeBrowsingBlockResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 {.subscribed = {"report_safe_browsing_block"}, .timeoutMs = 0},
+                                 setSafeBrowsingBlockResult);
 }
 
 KelvarisSDK_SafeBrowsingStatsResult
 KelvarisSDK::getSafeBrowsingStats(KelvarisSDK_SafeBrowsingStatsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_safe_browsing_stats", "report_safe_browsing_stats"),
-                            setSafeBrowsingStatsResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_safe_browsing_stats", "report_safe_browsing_stats"),
+                                 setSafeBrowsingStatsResult);
 }
 
 } // namespace kelvarissdk

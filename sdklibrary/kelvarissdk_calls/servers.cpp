@@ -14,14 +14,14 @@ namespace {
 
 constexpr std::string_view privatePrefix = "private";
 
-// The fields with which both records of a server begin.
+// Fills the fields with which both records of a server begin.
 template <class Server> void setPlace(Server& info, Json::Value const& server) {
     Text const country(server[Keys::_country]);
     info.isPrivate = Text(server[Keys::_private]).view() == "yes";
     bool const prefixed = info.isPrivate && country.view().starts_with(privatePrefix);
     setText(info.country, country.view().substr(prefixed ? privatePrefix.size() : 0));
     copyText(info.city, server[Keys::_city]);
-    Json::Value const& num = server[Keys::_num]; // comes as a number or as a text
+    Json::Value const& num = server[Keys::_num]; // it comes as a number or as a text
     info.num = num.isInt() ? num.asInt() : std::atoi(num.asString().c_str());
 }
 
@@ -34,8 +34,7 @@ void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& serve
 void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server) {
     setPlace(info, server);
     info.torrentAllowed = server[Keys::_torrent].asString() != "no";
-    fillSlots(info.publicIPCount, info.publicIP, server[Keys::_publicIP],
-              [](char(&slot)[46], Json::Value const& address) { copyText(slot, address); });
+    fillTexts(info.publicIPCount, info.publicIP, server[Keys::_publicIP]);
 }
 
 void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list) {
@@ -44,8 +43,8 @@ void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value con
 
 KelvarisSDK_DirectoryResult KelvarisSDK::getDirectory(KelvarisSDK_DirectoryCallback callback,
                                                       void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_directory", "report_directory"), setDirectoryListResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_directory", "report_directory"), setDirectoryListResult);
 }
 
 } // namespace kelvarissdk

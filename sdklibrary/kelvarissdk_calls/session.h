@@ -1,4 +1,4 @@
-// What the session's files share: servers in reports, awaited states, reported errors.
+// What the session's files have in common: servers in reports, awaited states, reported errors.
 
 #pragma once
 
@@ -11,19 +11,19 @@
 
 namespace kelvarissdk {
 
-// One server object. The country of a private server is stored without the "private" in front of it.
+// Fill the record of one server. The country of a private server is stored without the "private" in front of it.
 void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& server);
 void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server);
-// The list of the directory.
+// Fills the record with the list of servers.
 void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list);
 
-// A place in a request: "country|city" or "country|city|num".
+// Make the text that names a place in a request: "country|city" or "country|city|num".
 std::string placeText(char const* country, char const* city);
 std::string placeText(char const* country, char const* city, int num);
 
-// A report of this state alone.
+// Awaits a report of this state and no other.
 AwaitedReport stateReached(KelvarisSDK_State state);
-// What the daemon says of a login or a connection that failed.
+// Fills the head from the report of a login or a connection that failed.
 void setReportedError(KelvarisSDK_BaseResult& result, Json::Value const& report);
 
 } // namespace kelvarissdk

@@ -16,8 +16,8 @@ namespace {
 constexpr char connectionReport[] = "report_connection_settings";
 constexpr char privacyReport[] = "report_privacy_settings";
 
-constexpr unsigned short mostForwardedPorts = 20;
-constexpr unsigned short mostDnsServers = 3;
+constexpr std::size_t maxForwardedPorts = std::size(KelvarisSDK_SettingsResult{}.forwardedPorts);
+constexpr std::size_t maxDnsServers = std::size(KelvarisSDK_PrivacySettingsResult{}.dnsAddresses);
 
 char const* algorithmOf(KelvarisSDK_BondingMode mode) {
     switch (mode) {
@@ -31,7 +31,7 @@ char const* algorithmOf(KelvarisSDK_BondingMode mode) {
     return "SP";
 }
 
-// Fills slots with the members of an object that has an adapter's id for each name.
+// Fills slots with the members of an object whose names are ids of adapters.
 template <class Slot, std::size_t N, class Fill>
 void fillByAdapter(uint16_t& count, Slot (&slots)[N], Json::Value const& object, Fill fill) {
     std::vector<std::string> const names = object.getMemberNames();
@@ -60,12 +60,9 @@ void setConnectionSettings(KelvarisSDK_SettingsResult& result, Json::Value const
     result.transportMode = enumFrom(settings[Keys::_transport_mode], KelvarisSDK_TransportMode_TCP_MULTI,
                                     KelvarisSDK_TransportMode_toString)
                                .value_or(KelvarisSDK_TransportMode_AUTO);
-    if (settings.isMember(Keys::_forward_ports)) { // without it the ports of an earlier report stand
-        fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports],
-                  setPortPair);
-    }
+    fillSlots(result.forwardedPortCount, result.forwardedPorts, settings[Keys::_forward_ports], setPortPair);
     result.perConnectionEncryptionEnabled = settings[Keys::_perconn_encryption].asBool();
-    // The adapters' settings are stale while they aren't in force; their numbers of sockets always hold.
+    // The adapters' own encryption is read only where the report enables it, their sockets always.
     fillByAdapter(result.perConnectionEncryptionCount, result.perConnectionEncryptionSettings,
                   result.perConnectionEncryptionEnabled ? settings[Keys::_perconn_encryption_settings]
                                                         : Json::Value::nullSingleton(),
@@ -84,15 +81,15 @@ void setPrivacySettings(KelvarisSDK_PrivacySettingsResult& result, Json::Value c
     result.killswitch = settings[Keys::_killswitch].asBool();
     result.dnsleak = settings[Keys::_dnsleak].asBool();
     result.ipleak = settings[Keys::_ipleak].asBool();
-    fillSlots(result.dnsAddressCount, result.dnsAddresses, settings[Keys::_dns_addresses], copyText<46>);
+    fillTexts(result.dnsAddressCount, result.dnsAddresses, settings[Keys::_dns_addresses]);
     result.doNotStoreCredentials = settings[Keys::_do_not_store_credentials].asBool();
 }
 
 void setCaptiveNetworksResult(KelvarisSDK_CaptivePortalCheckResult& result, Json::Value const& payload) {
-    // The members of an object are no networks.
+    // Only a list counts; fillTexts() would take the members of an object as well.
     Json::Value const& networks = payload[Keys::_networks];
-    fillSlots(result.networkCount, result.networks,
-              networks.isArray() ? networks : Json::Value::nullSingleton(), copyText<100>);
+    fillTexts(result.networkCount, result.networks,
+              networks.isArray() ? networks : Json::Value::nullSingleton());
 }
 
 void setCaptiveLoginResult(KelvarisSDK_CaptivePortalLoginResult& result, Json::Value const& payload) {
@@ -105,14 +102,15 @@ void setCaptiveLoginResult(KelvarisSDK_CaptivePortalLoginResult& result, Json::V
 // Connection settings
 
 KelvarisSDK_SettingsResult KelvarisSDK::getSettings(KelvarisSDK_SettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_connection_settings", connectionReport), setConnectionSettings);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_connection_settings", connectionReport),
+                                 setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult KelvarisSDK::setMode(KelvarisSDK_BondingMode mode,
                                                 KelvarisSDK_SettingsCallback callback, void* userData) {
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         change("set_connection_algorithm", with(Keys::_algorithm, algorithmOf(mode)), connectionReport),
         setConnectionSettings);
 }
@@ -120,60 +118,65 @@ KelvarisSDK_SettingsResult KelvarisSDK::setMode(KelvarisSDK_BondingMode mode,
 KelvarisSDK_SettingsResult KelvarisSDK::setConnectionTransportMode(KelvarisSDK_TransportMode mode,
                                                                    KelvarisSDK_SettingsCallback callback,
                                                                    void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_connection_transport",
-                              with(Keys::_transport_mode, KelvarisSDK_TransportMode_toString(mode)),
-                              connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_connection_transport",
+               with(Keys::_transport_mode, KelvarisSDK_TransportMode_toString(mode)), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult KelvarisSDK::setTunnelEncrypted(bool enable, KelvarisSDK_SettingsCallback callback,
                                                            void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_encryption_enabled", with(Keys::_enable, enable), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_encryption_enabled", with(Keys::_enable, enable), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult KelvarisSDK::setJumboPackets(bool enable, KelvarisSDK_SettingsCallback callback,
                                                         void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_dev_jumbo_packets", with(Keys::_enable, enable), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_dev_jumbo_packets", with(Keys::_enable, enable), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult
 KelvarisSDK::setPacketAggregation(bool enable, KelvarisSDK_SettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_packet_aggregation", with(Keys::_enable, enable), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_packet_aggregation", with(Keys::_enable, enable), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult
 KelvarisSDK::setHeaderCompression(bool enable, KelvarisSDK_SettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_header_compression", with(Keys::_enable, enable), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_header_compression", with(Keys::_enable, enable), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult KelvarisSDK::setStartupConnect(bool connect, KelvarisSDK_SettingsCallback callback,
                                                           void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_startup_connect", with(Keys::_connect, connect), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_startup_connect", with(Keys::_connect, connect), connectionReport),
+        setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult
 KelvarisSDK::setOverflowThreshold(double speed, KelvarisSDK_SettingsCallback callback, void* userData) {
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_overflow_threshold", with(Keys::_speed, speed), connectionReport),
-                       setConnectionSettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_overflow_threshold", with(Keys::_speed, speed), connectionReport), setConnectionSettings);
 }
 
 KelvarisSDK_SettingsResult
 KelvarisSDK::setEnableDefaultRoute(bool enable, KelvarisSDK_SettingsCallback callback, void* userData) {
-    // "enabled", where the neighbours say "enable".
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    // This request calls the key "enabled", where its neighbours say "enable".
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         change("set_connection_enable_default_route", with(Keys::_enabled, enable), connectionReport),
         setConnectionSettings);
 }
@@ -182,9 +185,9 @@ KelvarisSDK_SettingsResult KelvarisSDK::setForwardPorts(unsigned short count,
                                                         KelvarisSDK_ProtocolPortPair* ports,
                                                         KelvarisSDK_SettingsCallback callback,
                                                         void* userData) {
-    Json::Value const pairs = portPairs(ports, std::min(count, mostForwardedPorts));
-    return oneShotCall(
-        websocket.get(), callback, userData,
+    Json::Value const pairs = portPairs(ports, std::min<std::size_t>(count, maxForwardedPorts));
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
         change("set_connection_forward_ports", with(Keys::_forward_ports, pairs), connectionReport),
         setConnectionSettings);
 }
@@ -192,52 +195,50 @@ KelvarisSDK_SettingsResult KelvarisSDK::setForwardPorts(unsigned short count,
 KelvarisSDK_SettingsResult KelvarisSDK::setConnectionEncryption(char const* adapterID, bool enable,
                                                                 KelvarisSDK_SettingsCallback callback,
                                                                 void* userData) {
-    // The tunnel's request; the id alone makes it the adapter's.
+    // This is the tunnel's request too; the id makes it one for the adapter.
     Json::Value payload = with(Keys::_guid, adapterID);
     payload[Keys::_enable] = enable;
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_encryption_enabled", payload, connectionReport), setConnectionSettings);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    change("set_encryption_enabled", payload, connectionReport),
+                                    setConnectionSettings);
 }
 
 // Privacy and DNS
 
 KelvarisSDK_PrivacySettingsResult
 KelvarisSDK::getPrivacySettings(KelvarisSDK_PrivacySettingsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_privacy_settings", privacyReport), setPrivacySettings);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_privacy_settings", privacyReport), setPrivacySettings);
 }
 
 KelvarisSDK_PrivacySettingsResult KelvarisSDK::setDNSServers(unsigned short count, char (*addresses)[46],
                                                              KelvarisSDK_PrivacySettingsCallback callback,
                                                              void* userData) {
-    // A full text has no terminator: it runs on, to the end of the array at most.
-    char const* const end = reinterpret_cast<char const*>(addresses + count);
     Json::Value list(Json::arrayValue);
-    for (unsigned short i = 0; i < std::min(count, mostDnsServers); ++i) {
-        char const* const address = addresses[i];
-        list.append(std::string(address, std::find(address, end, '\0')));
+    for (std::size_t i = 0; i < std::min<std::size_t>(count, maxDnsServers); ++i) {
+        list.append(textIn(addresses[i], addresses[i]));
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       change("set_dns_servers", with(Keys::_dns_addresses, list), privacyReport),
-                       setPrivacySettings);
+    return wsNonSubscriptionWrapper(
+        callback, userData, websocket,
+        change("set_dns_servers", with(Keys::_dns_addresses, list), privacyReport), setPrivacySettings);
 }
 
 // Captive portals
 
 KelvarisSDK_CaptivePortalCheckResult
 KelvarisSDK::checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callback, void* userData) {
-    // The daemon tests the networks before it answers.
-    return oneShotCall(websocket.get(), callback, userData,
-                       {.requests = {{"check_captive_networks"}},
-                        .awaited = {{"report_captive_networks"}},
-                        .timeoutMs = 30000},
-                       setCaptiveNetworksResult);
+    // This check takes longer than the other calls.
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    {.requests = {{"check_captive_networks"}},
+                                     .awaited = {{"report_captive_networks"}},
+                                     .timeoutMs = 30000},
+                                    setCaptiveNetworksResult);
 }
 
 KelvarisSDK_CaptivePortalLoginResult
 KelvarisSDK::setCaptivePortalLoginMode(bool enable, char const* adapterID,
                                        KelvarisSDK_CaptivePortalLoginCallback callback, void* userData) {
-    // Refused even before the link is looked at.
+    // This refusal comes even before that of a missing link.
     if (enable && adapterID == nullptr) {
         return refused<KelvarisSDK_CaptivePortalLoginResult>(invalidArgument);
     }
@@ -245,8 +246,9 @@ KelvarisSDK::setCaptivePortalLoginMode(bool enable, char const* adapterID,
     if (adapterID != nullptr) {
         payload[Keys::_network] = adapterID;
     }
-    return oneShotCall(websocket.get(), callback, userData,
-                       order("set_cplogin_enable", payload, "report_cplogin_network"), setCaptiveLoginResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    command("set_cplogin_enable", payload, "report_cplogin_network"),
+                                    setCaptiveLoginResult);
 }
 
 } // namespace kelvarissdk

@@ -1,5 +1,9 @@
 #include <algorithm>
 #include <ctime>
+#include <iomanip>
+#include <iterator>
+#include <locale>
+#include <sstream>
 #include <string>
 
 #include "core.h"
@@ -13,21 +17,18 @@ namespace kelvarissdk {
 
 namespace {
 
-// A name that is no protocol leaves what an earlier report put into the slot.
+constexpr unsigned maxPeriods = 5; // of one subscription
+
+// A name that is no protocol leaves the slot as an earlier report filled it.
 void setProtocol(KelvarisSDK_TransportMode& protocol, Json::Value const& connection) {
     if (!connection.isMember(Keys::_protocol)) {
         protocol = KelvarisSDK_TransportMode_AUTO;
         return;
     }
-    std::string const name = connection[Keys::_protocol].asString();
-    if (name == "tcp") {
-        protocol = KelvarisSDK_TransportMode_TCP;
-    } else if (name == "udp") {
-        protocol = KelvarisSDK_TransportMode_UDP;
-    } else if (name == "https") {
-        protocol = KelvarisSDK_TransportMode_HTTPS;
-    } else if (name == "tcp-multi") {
-        protocol = KelvarisSDK_TransportMode_TCP_MULTI;
+    auto const named = enumFrom(connection[Keys::_protocol], KelvarisSDK_TransportMode_TCP_MULTI,
+                                KelvarisSDK_TransportMode_toString);
+    if (named && *named != KelvarisSDK_TransportMode_AUTO) { // "auto" is a setting and no protocol
+        protocol = *named;
     }
 }
 
@@ -77,7 +78,7 @@ double benefit(Json::Value const& bonding) {
     return bonding[Keys::_combined_mbps].asDouble() - bonding[Keys::_fastest_conn_mbps].asDouble();
 }
 
-// The daemon counts with a sign.
+// Counters are read with a sign and kept without one.
 uint64_t counter(Json::Value const& value) {
     return static_cast<uint64_t>(value.asInt64());
 }
@@ -179,24 +180,26 @@ void setStreamingStatsResult(KelvarisSDK_StreamingStatsResult& result, Json::Val
     fillSlots(result.streamCount, result.streams, report[Keys::_streams], setStream);
 }
 
+KelvarisSDK_DisconnectReason disconnectReasonFromString(Json::Value const& text) {
+    return enumFrom(text, KelvarisSDK_DisconnectReason_SAFENETWORK, KelvarisSDK_DisconnectReason_toString)
+        .value_or(KelvarisSDK_DisconnectReason_UNKNOWN);
+}
+
 void setDisconnectEventResult(KelvarisSDK_DisconnectEventResult& result, Json::Value const& event) {
-    result.disconnectReason =
-        enumFrom(event[Keys::_disconnectReason], KelvarisSDK_DisconnectReason_SAFENETWORK,
-                 KelvarisSDK_DisconnectReason_toString)
-            .value_or(KelvarisSDK_DisconnectReason_UNKNOWN);
+    result.disconnectReason = disconnectReasonFromString(event[Keys::_disconnectReason]);
     result.sessionEnd = event[Keys::_sessionEnd].asInt64();
     result.sessionLength = event[Keys::_sessionLength].asInt64();
 }
 
-// Local time. What stands behind the seconds isn't looked at; a text that ends before them is 0, and so is a
-// time before the epoch.
+// Reads a local time. What stands behind the seconds isn't looked at; a text that lacks a part of the format is 0,
+// and so is a time before the epoch.
 int64_t testTime(std::string const& text) {
     std::tm time{};
     time.tm_isdst = -1;
-    if (strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &time) == nullptr) {
-        return 0;
-    }
-    return std::max<int64_t>(std::mktime(&time), 0);
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic()); // the program's locale must not change what a date is
+    stream >> std::get_time(&time, "%Y-%m-%dT%H:%M:%S");
+    return stream.fail() ? 0 : std::max<int64_t>(std::mktime(&time), 0);
 }
 
 void setSpeedTest(KelvarisSDK_SpeedTestEntry& entry, int64_t time, Json::Value const& test) {
@@ -219,25 +222,33 @@ void setSpeedTest(KelvarisSDK_SpeedTestEntry& entry, int64_t time, Json::Value c
     }
 }
 
-void setTimedTest(KelvarisSDK_SpeedTestEntry& entry, Json::Value const& test) {
-    setSpeedTest(entry, testTime(test[Keys::_time].asString()), test);
-}
-
-void setAllTests(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
-    fillSlots(result.testCount, result.tests, tests, setTimedTest);
-}
-
-// The newest test alone; of several that are equally new, the last. None where no time can be read.
-void setLatestTest(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
+// Keeps all tests that fit, or the newest alone, which is the last of several that are equally new. Without a time
+// that can be read there is no newest one.
+void setSpeedTestResults(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests, bool onlyLatest) {
+    result.testCount = 0;
     int64_t latest = 0;
     for (Json::Value const& test : tests) {
         int64_t const time = testTime(test[Keys::_time].asString());
-        if (time >= latest) {
-            latest = time;
-            setSpeedTest(result.tests[0], time, test);
+        if (onlyLatest && time < latest) {
+            continue;
+        }
+        latest = time;
+        setSpeedTest(result.tests[result.testCount], time, test);
+        if (!onlyLatest && ++result.testCount == std::size(result.tests)) {
+            return;
         }
     }
-    result.testCount = latest != 0 ? 1 : 0;
+    if (onlyLatest && latest != 0) {
+        result.testCount = 1;
+    }
+}
+
+void setAllTests(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
+    setSpeedTestResults(result, tests, false);
+}
+
+void setLatestTest(KelvarisSDK_SpeedTestResult& result, Json::Value const& tests) {
+    setSpeedTestResults(result, tests, true);
 }
 
 Exchange testWithin(char const* request, uint64_t timeoutMs) {
@@ -246,7 +257,7 @@ Exchange testWithin(char const* request, uint64_t timeoutMs) {
 
 } // namespace
 
-// Nobody answers. The lock is held until the request is queued, so that the last of several calls is also the
+// Nobody answers this request. The lock is held until it is queued, so that the last of several calls is also the
 // last that the daemon hears of.
 KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char periodCount,
                                                       unsigned int* periods) {
@@ -261,7 +272,7 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
     payload[Keys::_enable] = enable;
     if (enable && periodCount != 0) {
         Json::Value& list = payload[Keys::_periods] = Json::arrayValue;
-        for (unsigned i = 0; i < std::min<unsigned>(periodCount, 5); ++i) {
+        for (unsigned i = 0; i < std::min<unsigned>(periodCount, maxPeriods); ++i) {
             list.append(periods[i]);
         }
     }
@@ -271,45 +282,48 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
 
 KelvarisSDK_ConnectionStatsResult
 KelvarisSDK::getConnectionStats(KelvarisSDK_ConnectionStatsCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_connection_stats", "report_connection_stats"),
-                            setConnectionStatsResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_connection_stats", "report_connection_stats"),
+                                 setConnectionStatsResult);
 }
 
 KelvarisSDK_SessionStatsResult KelvarisSDK::getSessionStats(KelvarisSDK_SessionStatsCallback callback,
                                                             void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_session_stats", "report_session_stats"), setSessionStatsResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_session_stats", "report_session_stats"),
+                                 setSessionStatsResult);
 }
 
 KelvarisSDK_StreamingStatsResult KelvarisSDK::getStreamingStats(KelvarisSDK_StreamingStatsCallback callback,
                                                                 void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_streaming_stats", "report_streaming_stats"),
-                            setStreamingStatsResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_streaming_stats", "report_streaming_stats"),
+                                 setStreamingStatsResult);
 }
 
 KelvarisSDK_DisconnectEventResult
 KelvarisSDK::getLastDisconnectEvent(KelvarisSDK_DisconnectEventCallback callback, void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_disconnect_reason", "report_disconnect_reason"),
-                            setDisconnectEventResult);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_disconnect_reason", "report_disconnect_reason"),
+                                 setDisconnectEventResult);
 }
 
 KelvarisSDK_SpeedTestResult KelvarisSDK::getSpeedTestResults(KelvarisSDK_SpeedTestCallback callback,
                                                              void* userData) {
-    return subscriptionCall(websocket.get(), callback, userData,
-                            read("request_speedtest_results", "report_speedtest_results"), setAllTests);
+    return wsSubscriptionWrapper(callback, userData, websocket,
+                                 query("request_speedtest_results", "report_speedtest_results"), setAllTests);
 }
 
 KelvarisSDK_SpeedTestResult KelvarisSDK::startSpeedTest(KelvarisSDK_SpeedTestCallback callback,
                                                         void* userData) {
-    return oneShotCall(websocket.get(), callback, userData, testWithin("speedtest", 60000), setLatestTest);
+    return wsNonSubscriptionWrapper(callback, userData, websocket, testWithin("speedtest", 60000),
+                                    setLatestTest);
 }
 
 KelvarisSDK_SpeedTestResult KelvarisSDK::startStreamTest(KelvarisSDK_SpeedTestCallback callback,
                                                          void* userData) {
-    return oneShotCall(websocket.get(), callback, userData, testWithin("streamtest", 200000), setLatestTest);
+    return wsNonSubscriptionWrapper(callback, userData, websocket, testWithin("streamtest", 200000),
+                                    setLatestTest);
 }
 
 } // namespace kelvarissdk

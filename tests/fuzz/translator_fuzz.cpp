@@ -1,6 +1,6 @@
 // Templates for the translator, with and without arguments.
 
-#include "localization/translator.h"
+#include "translator.h"
 
 #include <cstdint>
 

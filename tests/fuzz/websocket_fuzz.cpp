@@ -1,8 +1,8 @@
 // Raw bytes from a peer, in slices that the input chooses, into the WebSocket client: an upgrade answer and
 // frames. The files are included for what stands behind from_url, which then needs no listening socket.
 
-#include "../../sdklibrary/easywsclient.cpp"
-#include "../../sdklibrary/easywsupgrade.cpp"
+#include "../../sdklibrary/websocket/easywsclient.cpp"
+#include "../../sdklibrary/websocket/easywsupgrade.cpp"
 
 #include <cstdint>
 

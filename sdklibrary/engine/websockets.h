@@ -132,12 +132,12 @@ private:
     void connect(std::string const& url);
     void serveOpenSocket();
     void sendOutgoing();
-    void sendLast();
+    void drainOnShutdown();
     void waitForEnd(int milliseconds);
     bool sweepAndGoOn();
     void sweepTimeouts();
     bool deliver(EventDescription& entry, Message& message);
-    void admitArrivals();
+    void admitPending();
     template <class Visit> void visitEntries(Visit visit);
 
     // Constant after construction.
@@ -159,8 +159,8 @@ private:
     uint64_t visitEnded = 0;                     // of getTimeMillis; until then callbacks may have run
 
     std::mutex outgoingMutex;
-    std::deque<std::string> outgoing;              // guarded by outgoingMutex, as is the next
-    std::map<uint64_t, EventDescription> arrivals; // registered, and not in the table yet
+    std::deque<std::string> outgoing;                   // guarded by outgoingMutex, as is the next
+    std::map<uint64_t, EventDescription> pendingEvents; // registered, and not in the table yet
 
     static std::atomic<uint64_t> nextEventId;
 

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "localization/translator.h"
+#include "translator.h"
 
 #include <array>
 #include <span>

@@ -25,8 +25,7 @@
 namespace easywsclient {
 namespace {
 
-constexpr std::size_t readsPerPoll =
-    std::size_t{256} * 1024; // so that a flood can't keep poll() from returning
+constexpr std::size_t maxBytesPerPoll = std::size_t{256} * 1024; // a flood can't keep poll() from returning
 
 using MaskKey = std::array<std::uint8_t, 4>;
 constexpr MaskKey masking_key{0xA7, 0x1C, 0x5E, 0x39}; // the same on every frame: the link is local
@@ -114,9 +113,9 @@ public:
         }
         // Frames that came with the upgrade must not wait for others to follow them.
         bool const mayWait = !std::exchange(arrivedWithUpgrade, false);
-        short const found = mayWait && timeout != 0 ? wait(timeout) : anything;
-        if ((found & ~POLLOUT) != 0) {
-            receive((found & ~(POLLIN | POLLOUT)) != 0);
+        short const events = mayWait && timeout != 0 ? wait(timeout) : assumedEvents;
+        if ((events & ~POLLOUT) != 0) {
+            receive((events & ~(POLLIN | POLLOUT)) != 0);
         }
         if (readyState != CLOSED) {
             transmit();
@@ -189,7 +188,7 @@ public:
                 deliver(callable);
             }
         }
-        rxBuffer.giveBackLargeRoom();
+        rxBuffer.releaseLargeStorage();
     }
 
     void watch(int descriptor) override {
@@ -201,25 +200,26 @@ public:
     }
 
 private:
-    // What is assumed about the socket when nobody has waited for it: worth reading until it is dry.
-    static constexpr short anything = POLLIN | POLLRDHUP;
+    // What is assumed about a socket that nobody has waited for, so that it is read until it is dry.
+    static constexpr short assumedEvents = POLLIN | POLLRDHUP;
 
     // Returns what the wait has found out about the socket. A closed one is left out by its descriptor, -1.
     short wait(int timeout) const {
-        auto const wanted = static_cast<short>(anything | (unsentBytes() > 0 ? POLLOUT : 0));
-        pollfd descriptors[] = {{socketDescriptor.get(), wanted, 0}, {watched, POLLIN, 0}};
-        return ::poll(descriptors, std::size(descriptors), timeout) < 0 ? anything : descriptors[0].revents;
+        auto const requested = static_cast<short>(assumedEvents | (unsentBytes() > 0 ? POLLOUT : 0));
+        pollfd descriptors[] = {{socketDescriptor.get(), requested, 0}, {watched, POLLIN, 0}};
+        return ::poll(descriptors, std::size(descriptors), timeout) < 0 ? assumedEvents
+                                                                        : descriptors[0].revents;
     }
 
-    // A read that leaves room has emptied the socket. When the peer may have ended the connection, reading
+    // A read that doesn't fill the storage has emptied the socket. When the peer may have ended the connection, reading
     // goes on behind that, so that the state shows it at once.
     void receive(bool untilDry) {
         if (rxFailed) {
             rxBuffer.clear();
         }
         rxBuffer.compact();
-        std::size_t const enough = rxBuffer.size() + readsPerPoll;
-        while (rxBuffer.size() < enough) {
+        std::size_t const maxSize = rxBuffer.size() + maxBytesPerPoll;
+        while (rxBuffer.size() < maxSize) {
             ssize_t const result = rxBuffer.read(socketDescriptor.get());
             if (result < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
                 return;
@@ -248,7 +248,7 @@ private:
         }
         txSent = 0;
         txBuffer.clear();
-        if (txBuffer.capacity() > keptRoom) {
+        if (txBuffer.capacity() > retainedCapacity) {
             txBuffer.shrink_to_fit();
         }
     }
@@ -269,7 +269,7 @@ private:
         std::size_t const extended = payload.size() < 126 ? 0 : payload.size() < 65536 ? 2 : 8;
         std::size_t const shortLength = extended == 0 ? payload.size() : extended == 2 ? 126 : 127;
         std::size_t const headerSize = 2 + extended + (maskFrames ? masking_key.size() : 0);
-        // Room for all of it first: memory that runs out leaves no half frame behind.
+        // The storage for all of it comes first: memory that runs out leaves no half frame behind.
         std::size_t const start = txBuffer.size();
         txBuffer.resize(start + headerSize + payload.size());
         auto out = txBuffer.begin() + static_cast<std::ptrdiff_t>(start);
@@ -287,8 +287,7 @@ private:
         }
     }
 
-    // Goes on to the next data frame, with its header consumed, and handles the others on the way. False when
-    // there is none yet.
+    // Handles control frames up to the next data frame and consumes that one's header. False when it isn't there yet.
     bool takeHeader() {
         while (std::optional<wsheader_type> const header = parseHeader(rxBuffer.bytes())) {
             if (header->length >> 63 != 0) {
@@ -328,7 +327,7 @@ private:
         std::span<std::uint8_t> const payload = rxBuffer.bytes().first(count);
         if (dataFrame->mask) {
             applyMask(payload, dataFrame->key);
-            MaskKey const key = dataFrame->key; // what follows begins at another byte of it
+            MaskKey const key = dataFrame->key; // the rest of the payload begins at another byte of the key
             for (std::size_t i = 0; i < key.size(); ++i) {
                 dataFrame->key[i] = key[(i + count) & 3];
             }
@@ -343,7 +342,7 @@ private:
     void deliver(Callback_Imp& callable) {
         std::string message = std::exchange(partialMessage, std::string());
         callable(message);
-        if (message.capacity() <= keptRoom && partialMessage.empty()) {
+        if (message.capacity() <= retainedCapacity && partialMessage.empty()) {
             message.clear();
             partialMessage = std::move(message);
         }

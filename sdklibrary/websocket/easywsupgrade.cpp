@@ -20,8 +20,8 @@ struct Address {
     char path[128] = "";
 };
 
-// The forms in this order. "%s" matches no empty path: "ws://host:port/" fails the first form and is taken by the
-// third, which ignores the slash.
+// Tries the forms in this order. "%s" matches no empty path, so "ws://host:port/" fails the first form and is taken
+// by the third, which ignores the slash.
 std::optional<Address> parseUrl(std::string const& url) {
     if (url.size() >= sizeof Address::host) {
         return std::nullopt;

@@ -17,8 +17,8 @@
 
 namespace easywsclient {
 
-constexpr std::size_t firstRoom = std::size_t{16} * 1024;
-constexpr std::size_t keptRoom = std::size_t{4} * 1024 * 1024; // an empty buffer above this is given back
+constexpr std::size_t initialCapacity = std::size_t{16} * 1024;
+constexpr std::size_t retainedCapacity = std::size_t{4} * 1024 * 1024; // an empty buffer above this is freed
 
 inline std::span<std::uint8_t const> bytesOf(std::string const& text) {
     return {reinterpret_cast<std::uint8_t const*>(text.data()), text.size()};
@@ -50,7 +50,7 @@ private:
     int descriptor;
 };
 
-// Bytes that have arrived and aren't consumed yet, and the room behind them.
+// Bytes that have arrived and aren't consumed yet, and the storage behind them.
 class ReceiveBuffer {
 public:
     std::size_t size() const {
@@ -58,7 +58,7 @@ public:
     }
 
     std::span<std::uint8_t> bytes() {
-        return {room.data() + begin, size()};
+        return {storage.data() + begin, size()};
     }
 
     void consume(std::size_t count) {
@@ -71,36 +71,36 @@ public:
 
     void compact() {
         if (begin > 0) {
-            std::memmove(room.data(), room.data() + begin, size());
+            std::memmove(storage.data(), storage.data() + begin, size());
             end -= std::exchange(begin, 0);
         }
     }
 
-    void giveBackLargeRoom() {
-        if (size() == 0 && room.size() > keptRoom) {
+    void releaseLargeStorage() {
+        if (size() == 0 && storage.size() > retainedCapacity) {
             *this = ReceiveBuffer();
         }
     }
 
-    // One read into the room, which is made larger when it gets tight. The result is that of recv().
+    // One read into the free storage, which grows when little of it is left. The result is that of recv().
     ssize_t read(int descriptor) {
-        if (room.size() - end <= room.size() / 4) {
-            room.resize(std::max(firstRoom, 2 * room.size()));
+        if (storage.size() - end <= storage.size() / 4) {
+            storage.resize(std::max(initialCapacity, 2 * storage.size()));
         }
         ssize_t result = 0;
         do {
-            result = ::recv(descriptor, room.data() + end, room.size() - end, 0);
+            result = ::recv(descriptor, storage.data() + end, storage.size() - end, 0);
         } while (result < 0 && errno == EINTR);
         end += result > 0 ? static_cast<std::size_t>(result) : 0;
         return result;
     }
 
     bool isFull() const {
-        return end == room.size();
+        return end == storage.size();
     }
 
 private:
-    std::vector<std::uint8_t> room; // its size is what a read may use; only begin to end holds bytes
+    std::vector<std::uint8_t> storage; // its size is what a read may use; only begin to end holds bytes
     std::size_t begin = 0;
     std::size_t end = 0;
 };

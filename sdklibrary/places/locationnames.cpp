@@ -34,7 +34,7 @@ std::string translateLocation(char const* prefix, std::string code) {
         return code;
     }
     static std::once_flag filled;
-    // The names don't need a library object: whoever asks first registers the table too.
+    // The names need no library object, so the first look-up registers the table.
     std::call_once(filled, [] {
         fillTable();
         kelvaris::localization::load_sdklibraryTranslationTable();

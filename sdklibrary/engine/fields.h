@@ -20,6 +20,13 @@ template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
     std::memset(field + length, 0, N - length);
 }
 
+// A text from the first byte of a field of the record to its first zero byte. A full field runs on into its
+// neighbours, but never past the record's end.
+template <class Record> std::string textIn(Record const& record, char const* field) {
+    char const* const end = reinterpret_cast<char const*>(&record + 1);
+    return {field, std::find(field, end, '\0')};
+}
+
 // A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or
 // an object throws. The value must live as long.
 class Text {
@@ -63,6 +70,12 @@ void fillSlots(Count& count, Slot (&slots)[N], Json::Value const& list, Fill fil
         ++used;
     }
     count = static_cast<Count>(used);
+}
+
+// fillSlots() with texts.
+template <class Count, std::size_t M, std::size_t N>
+void fillTexts(Count& count, char (&slots)[M][N], Json::Value const& list) {
+    fillSlots(count, slots, list, copyText<N>);
 }
 
 } // namespace kelvarissdk

@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "fields.h"
+#include "keys.h"
 
 namespace kelvarissdk {
 
@@ -35,7 +36,7 @@ void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
     setText(result->errorMessage, KelvarisSDK_ErrorType_toString(type));
 }
 
-// A description's "members" holds filter objects; a payload passes when it passes all of them.
+// A payload passes when it passes every filter object of the description's "members".
 bool passesFilter(Json::Value const& members, Json::Value const& payload) {
     if (!payload.isObject()) {
         return false;
@@ -57,9 +58,9 @@ bool namesEvent(Json::Value const& awaited, std::string const& name) {
     return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
 
-// A thread's writer of requests. At the program's end it goes before the static objects and the handlers of
-// exit(), and they may still make calls. The flag has no destructor, so it can be read for as long as anything
-// runs.
+// Each thread keeps a writer of requests. At the program's end the writer is destroyed before the static objects and
+// the handlers of exit(), which may still make calls. The flag has no destructor, so it can be read for as long as
+// anything runs.
 thread_local bool threadsWriterGone = false;
 
 struct ThreadsWriter {
@@ -78,12 +79,11 @@ uint64_t getTimeMillis() {
            1'000'000;
 }
 
-// The reader of jsoncpp that refuses what strict JSON refuses, a trailing comma for one; its successor
-// doesn't.
+// This reader of jsoncpp refuses what strict JSON refuses, a trailing comma for example; its successor doesn't.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void parseJson(Json::Value& value, std::string const& text) {
-    // Making a reader costs more than parsing a small report with it.
+    // Making a reader costs more than parsing a small report, so each thread keeps one.
     thread_local Json::Reader reader;
     std::string problem;
     try {
@@ -159,14 +159,14 @@ void Wakeup::signal() {
     }
 }
 
-// Emptied before it is taken back: a signal that comes in between finds the reader awake.
+// The descriptor is emptied before the flag is cleared: a signal that comes between the two finds the reader awake.
 void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
     signalled.exchange(false);
 }
 
-// One message from the daemon. Parsed when somebody wants it, and once.
+// One message from the daemon, which is parsed once, and only when somebody wants it.
 class WebsocketImpl::Message {
 public:
     Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
@@ -196,7 +196,7 @@ thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
     : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {
-    // On a processor that both share the reader begins to connect, and the caller prepares its first request
+    // On a processor that both threads share, the reader begins to connect, and the caller prepares its first request
     // while the daemon answers.
     std::this_thread::yield();
 }
@@ -229,7 +229,7 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     if (threadsWriterGone) {
         return envelope.toStyledString();
     }
-    // What toStyledString() writes; making its writer costs more than writing a small request with it.
+    // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
     thread_local ThreadsWriter const threads;
     std::ostringstream text;
     threads.writer->write(envelope, &text);
@@ -276,14 +276,14 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     }
     std::vector<std::string> requests = std::move(description.requests);
     description.startTime = getTimeMillis();
-    std::map<uint64_t, EventDescription> arrival;
-    arrival.emplace(id, std::move(description));
+    std::map<uint64_t, EventDescription> registered;
+    registered.emplace(id, std::move(description));
     {
         std::lock_guard const lock(outgoingMutex);
-        // Before the merge, which can't fail: a call that throws leaves no entry behind.
+        // The merge can't fail, so a call that throws here leaves no entry behind.
         outgoing.insert(outgoing.end(), std::move_iterator(requests.begin()),
                         std::move_iterator(requests.end()));
-        arrivals.merge(arrival);
+        pendingEvents.merge(registered);
     }
     wakeup.signal();
     return id;
@@ -294,8 +294,8 @@ void WebsocketImpl::removeCallback(unsigned long long id) {
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
     } else if (events.erase(id) == 0) {
-        std::lock_guard const arrivalsLock(outgoingMutex);
-        arrivals.erase(id);
+        std::lock_guard const pendingLock(outgoingMutex);
+        pendingEvents.erase(id);
     }
 }
 
@@ -316,7 +316,7 @@ void WebsocketImpl::readerRunner() {
             ws.reset();
             waitForEnd(reconnectMs);
         } else {
-            // Closing: the daemon asked for an end or broke the protocol. The link stays so for good.
+            // The link is closing because the daemon asked for it or broke the protocol, and stays so for good.
             waitForEnd(pollMs);
         }
     } while (sweepAndGoOn());
@@ -330,7 +330,8 @@ void WebsocketImpl::connect(std::string const& url) {
 }
 
 void WebsocketImpl::serveOpenSocket() {
-    // Cleared before the queue is emptied and before `running` is read: what comes later ends the wait again.
+    // The signal is cleared before the queue is emptied and before `running` is read, so that whatever comes later
+    // ends the wait again.
     wakeup.clear();
     sendOutgoing();
     bool wait = false;
@@ -354,7 +355,7 @@ void WebsocketImpl::sendOutgoing() {
     ws->flush();
 }
 
-// Ended early by the destructor only.
+// Only the destructor ends this wait early.
 void WebsocketImpl::waitForEnd(int milliseconds) {
     std::unique_lock lock(runningMutex);
     runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
@@ -362,18 +363,18 @@ void WebsocketImpl::waitForEnd(int milliseconds) {
 
 bool WebsocketImpl::sweepAndGoOn() {
     std::lock_guard const eventsLock(eventsMutex);
-    admitArrivals();
+    admitPending();
     sweepTimeouts();
     std::lock_guard const runningLock(runningMutex);
     if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
-        sendLast();
+        drainOnShutdown();
     }
     return running;
 }
 
-// What arrived is read as well: closing with bytes unread would reset the connection under the daemon's
-// hands.
-void WebsocketImpl::sendLast() {
+// Sends what is queued, and reads what has come, because closing with bytes unread would reset the connection
+// while the daemon still reads from it.
+void WebsocketImpl::drainOnShutdown() {
     ws->watch(-1);
     sendOutgoing();
     ws->poll(0);
@@ -395,8 +396,8 @@ void WebsocketImpl::sweepTimeouts() {
             return false;
         }
         Json::Value message;
-        message["msg"] = linked ? "Timeout" : "Unable to connect";
-        message["type"] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
+        message[Keys::_msg] = linked ? "Timeout" : "Unable to connect";
+        message[Keys::_type] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
         bool const remove = entry.callback(event, event, message);
         entry.startTime = 0;
         entry.finished = true;
@@ -414,11 +415,11 @@ void WebsocketImpl::handle_message(std::string const& text) {
     }
     Message message(text.substr(2, nameEnd - 2), text);
     std::lock_guard const lock(eventsMutex);
-    admitArrivals();
+    admitPending();
     visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
 }
 
-// Every delivery disarms the time-out, whatever the handler makes of it.
+// Every delivery disarms the time-out, also one that the handler rejects.
 bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {
@@ -445,15 +446,15 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     return remove;
 }
 
-// A request leaves after its entry has arrived and its answer comes later still, so no answer is missed. What
-// arrived while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called between
-// two visits; the caller holds eventsMutex.
-void WebsocketImpl::admitArrivals() {
+// A request leaves after its entry became pending and its answer comes later still, so no answer is missed. What
+// was registered while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called
+// between two visits; the caller holds eventsMutex.
+void WebsocketImpl::admitPending() {
     std::lock_guard const lock(outgoingMutex);
-    for (auto& [id, entry] : arrivals) {
+    for (auto& [id, entry] : pendingEvents) {
         entry.startTime = std::max(entry.startTime, visitEnded);
     }
-    events.merge(arrivals);
+    events.merge(pendingEvents);
 }
 
 // Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited

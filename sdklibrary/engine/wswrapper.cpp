@@ -1,0 +1,164 @@
+#include "wswrapper.h"
+
+#include <cerrno>
+#include <exception>
+#include <semaphore.h>
+#include <utility>
+
+#include "fields.h"
+#include "keys.h"
+
+namespace kelvarissdk {
+
+namespace {
+
+// The daemon reports this instead of the setting when the setting can't be changed.
+constexpr char lockReport[] = "report_setting_locked";
+
+// A synchronous caller waits here for its record.
+class Completion {
+public:
+    Completion() {
+        sem_init(&done, 0, 0);
+    }
+    ~Completion() {
+        sem_destroy(&done);
+    }
+    Completion(Completion const&) = delete;
+    Completion& operator=(Completion const&) = delete;
+
+    void wait() {
+        while (sem_wait(&done) != 0 && errno == EINTR) {
+        }
+    }
+    void set() {
+        sem_post(&done);
+    }
+
+private:
+    sem_t done;
+};
+
+// Fills the head for the engine's own failures: a time-out brings its type and text, a report that can't be read
+// brings none.
+void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
+    head.error = true;
+    head.errorCode = static_cast<int32_t>(KelvarisSDK_ErrorType_SDK);
+    setText(head.errorMessage, "Error from SDK");
+    if (message.isMember(Keys::_type)) {
+        head.errorCode = message[Keys::_type].asInt();
+    }
+    if (message.isMember(Keys::_msg)) {
+        copyText(head.errorMessage, message[Keys::_msg]);
+    }
+}
+
+// True when the lock concerns this call; the record then says so.
+bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Json::Value const& payload) {
+    if (!payload.isObject() || !payload.isMember(Keys::_setting) ||
+        payload[Keys::_setting].asString() != settingName) {
+        return false;
+    }
+    settingLocked(&head, payload[Keys::_reason].asInt());
+    return true;
+}
+
+// Decides what an event means for a call: a time-out, the call's own lock and a complete report finish its record,
+// and so does, as an error, a report that can't be converted.
+bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
+              std::string const& event, std::string const& text, Json::Value const& message) {
+    if (event == timeoutEvent) {
+        setSdkError(head, message);
+        return true;
+    }
+    try {
+        if (event == lockReport && !settingName.empty()) {
+            return takesLock(head, settingName, payloadOf(message));
+        }
+        return parser(event, text, message);
+    } catch (std::exception const&) {
+        setSdkError(head, Json::Value());
+        return true;
+    }
+}
+
+EventDescription describe(Exchange const& exchange) {
+    EventDescription description;
+    description.timeoutMs = exchange.timeoutMs;
+    for (Request const& request : exchange.requests) {
+        WebsocketImpl::sendRequest(description, request.name, request.payload);
+    }
+    for (std::string const& event : exchange.subscribed) {
+        WebsocketImpl::subscribeToEvent(description, event);
+    }
+    for (AwaitedReport const& report : exchange.awaited) {
+        if (report.members.isNull()) {
+            WebsocketImpl::waitForEvent(description, report.event);
+        } else {
+            WebsocketImpl::waitForEventWithMember(description, report.event, report.members);
+        }
+    }
+    return description;
+}
+
+} // namespace
+
+bool registerCall(WebsocketImpl* websocket, Exchange const& exchange, std::shared_ptr<lockedHead> shared,
+                  wsWrapperOptions options, EventParser parser, std::function<bool()> asyncInvoker,
+                  KelvarisSDK_BaseResult& returned) {
+    bool const async = options.async;
+    if (websocket == nullptr) {
+        noWebsocketImplementation(&returned);
+        return false;
+    }
+    if (!async && WebsocketImpl::isInReaderThread) {
+        synchronousCalledFromAsynchronousCallback(&returned);
+        return false;
+    }
+    EventDescription description = describe(exchange);
+    if (!options.settingName.empty()) {
+        WebsocketImpl::waitForEvent(description, lockReport);
+    }
+    KelvarisSDK_BaseResult& head = shared->head;
+    head.error = exchange.failedUntilReported;
+    if (async) {
+        asyncMode(&head);
+        returned = head; // taken before the callback can change the shared record
+    }
+
+    std::shared_ptr<Completion> const completion = async ? nullptr : std::make_shared<Completion>();
+    auto handler = [shared = std::move(shared), options = std::move(options), parser = std::move(parser),
+                    asyncInvoker = std::move(asyncInvoker), completion](
+                       std::string const& event, std::string const& text, Json::Value const& message) {
+        std::unique_lock lock(shared->mutex);
+        if (!finishes(shared->head, options.settingName, parser, event, text, message)) {
+            return false;
+        }
+        if (options.async) {
+            return !asyncInvoker() || !options.subscription;
+        }
+        lock.unlock(); // so that the woken caller finds it free
+        completion->set();
+        return true;
+    };
+    returned.callbackId = websocket->getResult(description, std::move(handler), &head.callbackId);
+    if (async) {
+        return false;
+    }
+    completion->wait();
+    return true;
+}
+
+Exchange query(char const* request, char const* report) {
+    return {.requests = {{request}}, .awaited = {{report}}};
+}
+
+Exchange change(char const* request, Json::Value const& payload, char const* report) {
+    return {.requests = {{request, payload}}, .awaited = {{report}}, .settingName = request};
+}
+
+Exchange command(char const* request, Json::Value const& payload, char const* report) {
+    return {.requests = {{request, payload}}, .awaited = {{report}}};
+}
+
+} // namespace kelvarissdk
