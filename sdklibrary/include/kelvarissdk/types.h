@@ -128,7 +128,10 @@ KELVARISSDK_ENUM(KelvarisSDK_PortProtocol)
 /** "tcp" for 0, "udp" for any other number. A constant; never freed. */
 KELVARISSDK_API char const* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol);
 
-/** A port of a protocol. */
+/**
+ * A port of a protocol. In a report, a protocol that is neither "tcp" nor "udp" leaves the field as it was:
+ * TCP in the first report.
+ */
 typedef struct KelvarisSDK_ProtocolPortPair {
     KelvarisSDK_PortProtocol protocol;
     uint16_t port; /* the port's number, cut to its low 16 bits when it is read */
