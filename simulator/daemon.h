@@ -13,14 +13,14 @@ namespace kelvarissim {
 using ClientId = std::uint64_t; // never used again for another link
 using TimerId = std::uint64_t;
 
-// The name of a client in the log.
+// Returns the name of a client in the log.
 inline std::string clientText(ClientId client) {
     return "client " + std::to_string(client);
 }
 
-// The families' view of the daemon. Everything runs on one thread, so a handler or a timer needs no lock, and
-// it must not block. An exception that leaves one (a payload of the wrong type, for example) is logged, and the
-// daemon goes on.
+// The families see the daemon through this interface. Everything runs on one thread, so a handler or a timer
+// needs no lock, and it must not block. An exception that leaves one (a payload of the wrong type, for
+// example) is logged, and the daemon goes on.
 class Daemon {
 public:
     virtual ~Daemon() = default;
@@ -38,7 +38,7 @@ public:
     virtual TimerId every(std::chrono::milliseconds period, std::function<bool()> action) = 0;
     // The id of a timer that has ended is ignored. An action may cancel its own timer.
     virtual void cancel(TimerId timer) = 0;
-    // The period of unrequested reports, from --interval.
+    // Returns the period of unrequested reports, from --interval.
     virtual std::chrono::milliseconds interval() const = 0;
 
     // Writes a line to the log of --verbose.

@@ -30,8 +30,8 @@ public:
     virtual void refused(std::string const& reason) = 0;
 };
 
-// The TCP connection and WebSocket of one client, from the accept to the end. The pending operations share
-// the ownership of the link, so it lives until the last of them has finished.
+// Owns the TCP connection and WebSocket of one client, from the accept to the end. The pending operations
+// share the ownership of the link, so it lives until the last of them has finished.
 class Link : public std::enable_shared_from_this<Link> {
 public:
     Link(boost::asio::ip::tcp::socket socket, ClientId clientId, LinkListener& linkListener);

@@ -8,7 +8,8 @@ namespace kelvarissim {
 
 namespace {
 
-// A family whose settings are four lists and a few more keys. `settings` is the payload of its report.
+// Describes a family whose settings are four lists and a few more keys. `settings` is the payload of its
+// report.
 struct ListFamily {
     ListFamily(std::string const& word, Json::Value otherSettings)
         : requestPrefix("set_" + word + '_'),

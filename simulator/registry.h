@@ -26,8 +26,8 @@ struct Request {
 using Handler = std::function<void(Request const&)>;
 using DisconnectHandler = std::function<void(Daemon&, ClientId)>;
 
-// The families register their request handlers, options and disconnect handlers here. The server deals with the
-// faults of the command line (locks, delays and so on) before a handler runs, so the families needn't.
+// The families register their request handlers, options and disconnect handlers here. The server deals with
+// the faults of the command line (locks, delays and so on) before a handler runs, so the families needn't.
 class Registry {
 public:
     explicit Registry(OptionTable& optionTable) : options(optionTable) {}

@@ -68,7 +68,8 @@ void countLookup(SafeBrowsing& filter, unsigned ms) {
     ++filter.lookups;
 }
 
-// Simulates the traffic of one interval: some allowed pages, one that is blocked, and one whose look-up fails.
+// Simulates the traffic of one interval: some allowed pages, one that is blocked, and one whose look-up
+// fails.
 void browse(SafeBrowsing& filter, Daemon& daemon) {
     constexpr std::array blocked{"malware.example", "phishing.example", "tracker.example"};
     constexpr std::array unknown{"slow.example", "nowhere.example"};

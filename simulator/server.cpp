@@ -129,7 +129,8 @@ bool Server::received(std::shared_ptr<Link> const& link, Message const& message)
     if (settings.delayMs == 0) {
         action();
     } else {
-        // Each timer runs the oldest action, so the order of requests is kept even when two timers end at once.
+        // Each timer runs the oldest action, so the order of requests is kept even when two timers end at
+        // once.
         delayed.emplace_back(std::move(action));
         after(std::chrono::milliseconds(settings.delayMs), [this] { runDelayed(); });
     }

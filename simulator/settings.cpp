@@ -10,13 +10,13 @@ namespace {
 
 constexpr Json::ArrayIndex maxDnsServers = 3;
 
-// The settings in the form in which they are reported.
+// Holds the settings in the form in which they are reported.
 struct Tunnel {
     Json::Value connection;
     Json::Value privacy;
 };
 
-// A setting that one request replaces. The request and the report often spell its key differently.
+// Describes a setting that one request replaces. The request and the report often spell its key differently.
 struct PlainSetting {
     char const* request;
     char const* sentKey;
@@ -38,7 +38,7 @@ std::vector<PlainSetting> plainSettings() {
     };
 }
 
-// The settings that no plain request replaces; registerSettings() adds the plain ones.
+// Returns the settings that no plain request replaces; registerSettings() adds the plain ones.
 Json::Value initialConnectionSettings() {
     Json::Value settings;
     settings["encrypted"] = true;

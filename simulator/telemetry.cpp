@@ -88,7 +88,8 @@ std::string localTime() {
     return text.data();
 }
 
-// Each test's figures differ a little from those of the test before, so that a new result can be told from it.
+// Each test's figures differ a little from those of the test before, so that a new result can be told from
+// it.
 Json::Value finishedTest(bool isStreamTest, unsigned earlier) {
     double const variation = 1 + 0.05 * (earlier % 5);
     Json::Value test;
