@@ -3,14 +3,20 @@ include(CMakePackageConfigHelpers)
 
 set(cmake_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KelvarisSDK)
 
+# Each shell looks for a completion script in a folder and under a name of its own.
+function(install_completions program component)
+    set(scripts ${CMAKE_BINARY_DIR}/completions)
+    install(FILES ${scripts}/${program}.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${program} COMPONENT ${component})
+    install(FILES ${scripts}/${program}.zsh
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _${program} COMPONENT ${component})
+    install(FILES ${scripts}/${program}.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT ${component})
+endfunction()
+
 install(TARGETS sdkcli RUNTIME COMPONENT cli)
 install(FILES docs/sdkcli.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT cli)
-install(FILES docs/completions/sdkcli.bash
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME sdkcli COMPONENT cli)
-install(FILES docs/completions/_sdkcli
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT cli)
-install(FILES docs/completions/sdkcli.fish
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT cli)
+install_completions(sdkcli cli)
 
 install(TARGETS kelvarissdk EXPORT KelvarisSDK
     LIBRARY COMPONENT lib NAMELINK_COMPONENT dev
@@ -32,6 +38,7 @@ install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libkelvaris
 if(TARGET kelvarissim)
     install(TARGETS kelvarissim RUNTIME COMPONENT dev)
     install(FILES docs/kelvarissim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
+    install_completions(kelvarissim dev)
 endif()
 
 # One Debian package a component: cpack -G DEB in the build folder.

@@ -1,4 +1,4 @@
-// One run: take the options, make the library object, run one action, destroy the object, end with its
+// A run takes the options, makes the library object, runs one action, destroys the object and ends with its
 // status.
 
 #include <cstdint>
@@ -11,7 +11,8 @@
 #include <unistd.h>
 
 #include "arguments.h"
-#include "arguments/readers.h"
+#include "calls.h"
+#include "readers.h"
 
 namespace {
 
@@ -41,11 +42,11 @@ void setBinName(char const* path) {
 }
 
 bool isOption(char const* word, char const* brief, char const* full) {
-    return is(word, brief) || is(word, full);
+    return equals(word, brief) || equals(word, full);
 }
 
-// The options stand in fixed places: "-i ADDRESS" first, "-p PORT" first or directly behind it. Moves the
-// words of the action to the front.
+// The options stand in fixed places: "-i ADDRESS" first, "-p PORT" first or directly behind it. This moves
+// the words of the action to the front.
 void takeOptions(int& argc, char**& argv, KelvarisSDK_CreateSettings& settings) {
     if (argc == 2) {
         return;

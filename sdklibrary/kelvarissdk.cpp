@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <system_error>
 
 #include "fields.h"
 #include "websockets.h"
@@ -12,8 +14,7 @@ namespace kelvarissdk {
 
 namespace {
 
-constexpr std::chrono::milliseconds statsTick(250);
-constexpr uint64_t statsRepeatMs = 45000;
+constexpr uint64_t statsRepeatMs = 45001;
 
 } // namespace
 
@@ -24,8 +25,6 @@ KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
     if (!name.empty()) {
         setAppName(name.c_str());
     }
-    statsRunnerActive = true;
-    statsThread = startThread([this] { statsEnabledRunner(); });
 }
 
 KelvarisSDK::~KelvarisSDK() {
@@ -33,28 +32,45 @@ KelvarisSDK::~KelvarisSDK() {
         std::lock_guard const lock(statsLock);
         statsRunnerActive = false;
     }
-    statsRunnerEnds.notify_all();
+    statsChanged.notify_all();
     // The stats thread no longer uses the link, so both threads can end at the same time.
     if (websocket) {
         websocket->end();
     }
-    statsThread.join();
+    if (statsThread.joinable()) {
+        statsThread.join();
+    }
 }
 
-// The first tick that finds the subscription wanted repeats it; one that was ended and begun again in between is
-// repeated when 45 seconds have passed since the last repeat.
+bool KelvarisSDK::startStatsThread() {
+    if (statsThread.joinable()) {
+        return true;
+    }
+    statsRunnerActive = true;
+    try {
+        statsThread = startThread([this] { statsEnabledRunner(); });
+        return true;
+    } catch (std::system_error const&) {
+        statsRunnerActive = false;
+        return false;
+    }
+}
+
+// Repeats a subscription as soon as it is wanted, and then whenever the time has come. One that was ended and begun
+// again in between is repeated when the time since the last repeat is over.
 void KelvarisSDK::statsEnabledRunner() {
-    uint64_t lastRepeat = 0;
+    std::optional<uint64_t> nextRepeat;
     std::unique_lock lock(statsLock);
     while (statsRunnerActive) {
-        if (statsEnabled) {
-            uint64_t const now = getTimeMillis();
-            if (now - lastRepeat > statsRepeatMs) {
-                enableStatUpdates(true, 0, nullptr);
-                lastRepeat = now;
-            }
+        uint64_t const now = getTimeMillis();
+        if (!statsEnabled) {
+            statsChanged.wait(lock);
+        } else if (nextRepeat && now < *nextRepeat) {
+            statsChanged.wait_for(lock, std::chrono::milliseconds(*nextRepeat - now));
+        } else {
+            enableStatUpdates(true, 0, nullptr);
+            nextRepeat = now + statsRepeatMs;
         }
-        statsRunnerEnds.wait_for(lock, statsTick, [this] { return !statsRunnerActive; });
     }
 }
 

@@ -18,7 +18,7 @@ class WebsocketImpl;
 // null callback makes the call synchronous. The methods of a family stand in kelvarissdk_calls/.
 class KelvarisSDK {
 public:
-    // Starts the threads; failure throws std::system_error.
+    // Starts the reader thread; failure throws std::system_error.
     explicit KelvarisSDK(KelvarisSDK_CreateSettings const& settings);
     // Returns when the threads have ended. No other thread may be inside a call.
     ~KelvarisSDK();
@@ -257,17 +257,20 @@ public:
 protected: // tests make objects without a link
     // Repeats the subscription to statistics while it is wanted; the body of statsThread.
     void statsEnabledRunner();
+    // Starts that thread with the first subscription. False: it can't be started. The caller holds statsLock.
+    bool startStatsThread();
 
     std::recursive_mutex statsLock; // recursive: the runner calls enableStatUpdates. Held while that sends
     bool statsEnabled = false;      // guarded by statsLock, as is the next; the subscription is wanted
     bool statsRunnerActive = false; // the runner shall go on
-    std::condition_variable_any statsRunnerEnds;
+    std::condition_variable_any statsChanged; // one of the two flags
 
     // Constant after construction.
     char appName[32];
     std::unique_ptr<WebsocketImpl> websocket; // no method starts a call without it
 
-    std::thread statsThread; // last: it uses all of the above
+    std::thread
+        statsThread; // last: it uses all of the above. Guarded by statsLock until the destructor joins it
 };
 
 } // namespace kelvarissdk

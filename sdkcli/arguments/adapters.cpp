@@ -1,155 +1,126 @@
-// The grammar of "adapter". Each form has its own idea of which number of words is missing and which invalid.
+// This is the grammar of "adapter". The forms differ in which wrong number of words they call missing and which
+// invalid.
 
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
 #include "readers.h"
 
 namespace {
 
 constexpr char unlimited[] = "unlimited";
 
-std::optional<KelvarisSDK_ConnectionPriority> readPriority(char const* word) {
-    if (is(word, "always")) {
-        return KelvarisSDK_ConnectionPriority_ALWAYS;
-    }
-    if (is(word, "secondary")) {
-        return KelvarisSDK_ConnectionPriority_SECONDARY;
-    }
-    if (is(word, "backup")) {
-        return KelvarisSDK_ConnectionPriority_BACKUP;
-    }
-    if (is(word, "never")) {
-        return KelvarisSDK_ConnectionPriority_NEVER;
-    }
-    return std::nullopt;
-}
+constexpr auto readPriority =
+    readEnumeration<KelvarisSDK_ConnectionPriority_toString, KelvarisSDK_ConnectionPriority_NEVER>;
 
 int priorityAction(int argc, char* argv[]) {
-    char const* const usage = "adapter priority <adapter id> <always|secondary|backup|never>";
-    if (argc != 5) { // too many words as well
-        return missing(usage);
+    if (argc != 5) { // too many words count as missing as well
+        return missing(usage::priority);
     }
     auto const priority = readPriority(argv[4]);
-    return priority ? setAdapterPriority(argv[3], *priority) : invalid(usage);
+    return priority ? setAdapterPriority(argv[3], *priority) : invalid(usage::priority);
 }
 
 int rateLimitAction(int argc, char* argv[]) {
-    char const* const usage = "adapter ratelimit <adapter id> <speed in bits per second|unlimited>";
-    if (argc != 5) { // too few words as well
-        return invalid(usage);
+    if (argc != 5) { // too few words count as invalid as well
+        return invalid(usage::rateLimit);
     }
-    if (is(argv[4], unlimited)) {
+    if (equals(argv[4], unlimited)) {
         return resetConnectionRateLimit(argv[3]);
     }
     auto const bitsPerSecond = readNumber(argv[4]);
-    return bitsPerSecond ? setAdapterRateLimit(argv[3], *bitsPerSecond) : invalid(usage);
+    return bitsPerSecond ? setAdapterRateLimit(argv[3], *bitsPerSecond) : invalid(usage::rateLimit);
 }
 
 int overlimitRateLimitAction(int argc, char* argv[]) {
-    char const* const usage =
-        "adapter overlimitratelimit <adapter id> <speed in bits per second|0 to stop using>";
+    char const* const line = usage::overlimitRateLimit;
     if (argc < 5) {
-        return missing(usage);
+        return missing(line);
     }
     if (argc > 5) {
-        return invalid(usage);
+        return invalid(line);
     }
     auto const bitsPerSecond = readNumber(argv[4]);
-    return bitsPerSecond ? setAdapterOverlimitRatelimit(argv[3], *bitsPerSecond) : invalid(usage);
+    return bitsPerSecond ? setAdapterOverlimitRatelimit(argv[3], *bitsPerSecond) : invalid(line);
 }
 
 int resetUsageAction(int argc, char* argv[]) {
-    char const* const usage = "adapter resetusage <adapter id>";
     if (argc < 4) {
-        return missing(usage);
+        return missing(usage::resetUsage);
     }
-    return argc == 4 ? resetAdapterUsage(argv[3]) : invalid(usage);
+    return argc == 4 ? resetAdapterUsage(argv[3]) : invalid(usage::resetUsage);
 }
 
 int monthlyLimitAction(int argc, char* argv[]) {
-    char const* const usage = "adapter datalimit monthly <adapter id> <data usage in bytes|unlimited> "
-                              "<day of the month to reset on|0 for last 30 days>";
     if (argc < 7) {
-        return missing(usage);
+        return missing(usage::monthlyLimit);
     }
     if (argc > 7) {
-        return invalid(usage);
+        return invalid(usage::monthlyLimit);
     }
-    if (is(argv[5], unlimited)) { // the day has to be there, whatever it is
+    if (equals(argv[5], unlimited)) { // the count asks for a day, which isn't read here
         return disableAdapterMonthlyDataLimit(argv[4]);
     }
     auto const bytes = readNumber(argv[5]);
     auto const resetDay = readNumber(argv[6]);
     if (!bytes || !resetDay) {
-        return invalid(usage);
+        return invalid(usage::monthlyLimit);
     }
     return setAdapterMonthlyDataLimit(argv[4], *bytes, *resetDay);
 }
 
 int dailyLimitAction(int argc, char* argv[]) {
-    char const* const usage = "adapter datalimit daily <adapter id> <data usage in bytes|unlimited>";
     if (argc < 6) {
-        return missing(usage);
+        return missing(usage::dailyLimit);
     }
     if (argc > 6) {
-        return invalid(usage);
+        return invalid(usage::dailyLimit);
     }
-    if (is(argv[5], unlimited)) {
+    if (equals(argv[5], unlimited)) {
         return disableAdapterDailyDataLimit(argv[4]);
     }
     auto const bytes = readNumber(argv[5]);
-    return bytes ? setAdapterDailyDataLimit(argv[4], *bytes) : invalid(usage);
+    return bytes ? setAdapterDailyDataLimit(argv[4], *bytes) : invalid(usage::dailyLimit);
 }
 
 int dailyBoostAction(int argc, char* argv[]) {
-    char const* const usage = "adapter datalimit dailyboost <adapter id> <additional bytes>";
     if (argc < 6) {
-        return missing(usage);
+        return missing(usage::dailyBoost);
     }
     if (argc > 6) {
-        return invalid(usage);
+        return invalid(usage::dailyBoost);
     }
     auto const bytes = readNumber(argv[5]);
-    return bytes ? addAdapterDailyDataLimitBoost(argv[4], *bytes) : invalid(usage);
+    return bytes ? addAdapterDailyDataLimitBoost(argv[4], *bytes) : invalid(usage::dailyBoost);
 }
+
+constexpr Keyword dataLimitWords[] = {
+    {"monthly", monthlyLimitAction},
+    {"daily", dailyLimitAction},
+    {"dailyboost", dailyBoostAction},
+};
+
+constinit Keywords const dataLimitKeywords = dataLimitWords;
 
 int dataLimitAction(int argc, char* argv[]) {
     if (argc == 3) {
-        // Not this form's own: it shows the usage of adapter encryption.
-        return missing("adapter encryption <adapter id> <on|off>");
+        return missing(usage::adapterEncryption); // a data limit alone shows this usage, not its own
     }
-    char const* const period = argv[3];
-    if (is(period, "monthly")) {
-        return monthlyLimitAction(argc, argv);
-    }
-    if (is(period, "daily")) {
-        return dailyLimitAction(argc, argv);
-    }
-    if (is(period, "dailyboost")) {
-        return dailyBoostAction(argc, argv);
-    }
-    // This message alone has the capital L.
-    return invalid("adapter dataLimit <monthly|daily|dailyboost>");
+    return runKeyword(argc, argv, 3, dataLimitKeywords, usage::dataLimit);
 }
+
+constexpr Keyword adapterWords[] = {
+    {"datalimit", dataLimitAction, &dataLimitKeywords},
+    {"priority", priorityAction},
+    {"ratelimit", rateLimitAction},
+    {"overlimitratelimit", overlimitRateLimitAction},
+    {"encryption", adapterEncryptionAction},
+    {"resetusage", resetUsageAction},
+};
 
 } // namespace
 
+constinit Keywords const adapterKeywords = adapterWords;
+
 int adapterAction(int argc, char* argv[]) {
-    char const* const usage =
-        "adapter <datalimit|priority|ratelimit|overlimitratelimit|encryption|resetusage>";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    char const* const word = argv[2];
-
-    // clang-format off
-    if (is(word, "datalimit")) return dataLimitAction(argc, argv);
-    if (is(word, "priority")) return priorityAction(argc, argv);
-    if (is(word, "ratelimit")) return rateLimitAction(argc, argv);
-    if (is(word, "overlimitratelimit")) return overlimitRateLimitAction(argc, argv);
-    if (is(word, "encryption")) return adapterEncryptionAction(argc, argv);
-    if (is(word, "resetusage")) return resetUsageAction(argc, argv);
-    // clang-format on
-
-    return invalid(usage);
+    return runKeyword(argc, argv, 2, adapterKeywords, usage::adapter);
 }

@@ -1,58 +1,59 @@
-// The grammar of the actions that belong to no family, and of "show", which reaches into all of them.
+// This is the grammar of the actions that belong to no family, and of "show", which reaches into all of them.
 
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
 #include "readers.h"
 
-int stateAction(int argc) {
-    return argc == 2 ? requestState() : invalid("state");
+namespace {
+
+int exitAction(int argc, char* /*argv*/[]) {
+    return argc == 3 ? requestExit() : invalid(usage::daemon);
 }
 
-int versionAction(int argc) {
-    return argc == 2 ? requestVersion() : invalid("version");
+constexpr Keyword daemonWords[] = {
+    {"exit", exitAction},
+};
+
+template <int (*request)()> int show(int /*argc*/, char* /*argv*/[]) {
+    return request();
+}
+
+constexpr Keyword showWords[] = {
+    {"countries", show<requestServers>},
+    {"cities", show<requestServers>},
+    {"servers", show<requestServers>},
+    {"settings", show<requestConnectionSettings>},
+    {"privacy", show<requestPrivacySettings>},
+    {"adapters", show<requestAdapters>},
+    {"currentserver", show<requestCurrentServer>},
+    {"user", show<requestUserData>},
+    {"directory", show<requestDirectory>},
+    {"connectmethod", show<requestServerSettings>},
+    {"localproxy", show<requestLocalProxySettings>},
+    {"firewall", show<requestFirewallSettings>},
+    {"streamingbypass", show<requestStreamingBypass>},
+    {"disconnect", show<requestLastDisconnectEvent>},
+    {"streaming", show<requestStreamingSettings>},
+    {"speedtest", show<requestSpeedTestResults>},
+};
+
+} // namespace
+
+constinit Keywords const daemonKeywords = daemonWords;
+constinit Keywords const showKeywords = showWords;
+
+int stateAction(int argc, char* /*argv*/[]) {
+    return noWordAction(argc, usage::state, requestState);
+}
+
+int versionAction(int argc, char* /*argv*/[]) {
+    return noWordAction(argc, usage::version, requestVersion);
 }
 
 int daemonAction(int argc, char* argv[]) {
-    char const* const usage = "daemon exit";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    if (argc != 3 || !is(argv[2], "exit")) {
-        return invalid(usage);
-    }
-    return requestExit();
+    return runKeyword(argc, argv, 2, daemonKeywords, usage::daemon);
 }
 
 int showAction(int argc, char* argv[]) {
-    char const* const usage =
-        "show < servers | settings | privacy | adapters | currentserver | user | directory | "
-        "connectmethod | streamingbypass | disconnect | streaming | speedtest>";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    if (argc != 3) {
-        return invalid(usage);
-    }
-    char const* const word = argv[2];
-
-    // clang-format off
-    if (is(word, "countries")) return requestServers();
-    if (is(word, "cities")) return requestServers();
-    if (is(word, "servers")) return requestServers();
-    if (is(word, "settings")) return requestConnectionSettings();
-    if (is(word, "privacy")) return requestPrivacySettings();
-    if (is(word, "adapters")) return requestAdapters();
-    if (is(word, "currentserver")) return requestCurrentServer();
-    if (is(word, "user")) return requestUserData();
-    if (is(word, "directory")) return requestDirectory();
-    if (is(word, "connectmethod")) return requestServerSettings();
-    if (is(word, "localproxy")) return requestLocalProxySettings();
-    if (is(word, "firewall")) return requestFirewallSettings();
-    if (is(word, "streamingbypass")) return requestStreamingBypass();
-    if (is(word, "disconnect")) return requestLastDisconnectEvent();
-    if (is(word, "streaming")) return requestStreamingSettings();
-    if (is(word, "speedtest")) return requestSpeedTestResults();
-    // clang-format on
-
-    return invalid(usage);
+    return argc > 3 ? invalid(usage::show) : runKeyword(argc, argv, 2, showKeywords, usage::show);
 }

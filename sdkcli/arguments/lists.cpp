@@ -1,78 +1,15 @@
-// The grammar of firewall, local proxy, streaming and streaming bypass. Three of them edit lists, with the
-// same words behind the family's.
+// This is the grammar of the firewall, the local proxy, streaming and streaming bypass. Three of them edit lists, with
+// the same words behind the family's.
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <string>
 
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
 #include "readers.h"
 
 namespace {
-
-template <class Item> using Edit = int (*)(int count, Item* items);
-
-template <class Item> struct Edits {
-    Edit<Item> set;
-    Edit<Item> add;
-    Edit<Item> rem;
-
-    // Null for a word that is no operation.
-    Edit<Item> named(char const* operation) const {
-        if (is(operation, "set")) {
-            return set;
-        }
-        if (is(operation, "add")) {
-            return add;
-        }
-        return is(operation, "rem") ? rem : nullptr;
-    }
-};
-
-struct ListFamily {
-    char const* word;
-    char const* usage;
-    char const* portForm;
-    Edits<DomainText> domains;
-    Edits<in_addr> ipv4;
-    Edits<in6_addr> ipv6;
-    Edits<KelvarisSDK_ProtocolPortPair> ports;
-};
-
-constexpr ListFamily firewallLists{
-    .word = "firewall",
-    .usage = "firewall <mode|domains|ipv4|ipv6|ports>",
-    .portForm = "[port/proto]",
-    .domains = {setFirewallDomains, addFirewallDomains, remFirewallDomains},
-    .ipv4 = {setFirewallIPv4, addFirewallIPv4, remFirewallIPv4},
-    .ipv6 = {setFirewallIPv6, addFirewallIPv6, remFirewallIPv6},
-    .ports = {setFirewallPorts, addFirewallPorts, remFirewallPorts},
-};
-
-constexpr ListFamily streamingLists{
-    .word = "streaming",
-    .usage = "streaming <domains|ipv4|ipv6|ports>",
-    .portForm = "[port/proto]",
-    .domains = {setStreamingDomains, addStreamingDomains, remStreamingDomains},
-    .ipv4 = {setStreamingIPv4, addStreamingIPv4, remStreamingIPv4},
-    .ipv6 = {setStreamingIPv6, addStreamingIPv6, remStreamingIPv6},
-    .ports = {setStreamingPorts, addStreamingPorts, remStreamingPorts},
-};
-
-constexpr ListFamily streamingbypassLists{
-    .word = "streamingbypass",
-    .usage = "streamingbypass <domains|ipv4|ipv6|ports|service>",
-    .portForm = "<port/proto>",
-    .domains = {setLocalProxyDomains, addLocalProxyDomains, remLocalProxyDomains},
-    .ipv4 = {setLocalProxyIPv4, addLocalProxyIPv4, remLocalProxyIPv4},
-    .ipv6 = {setLocalProxyIPv6, addLocalProxyIPv6, remLocalProxyIPv6},
-    .ports = {setLocalProxyPorts, addLocalProxyPorts, remLocalProxyPorts},
-};
-
-// "<family> <kind> <operation> <item> ..."
-std::string listUsage(ListFamily const& family, char const* kind, char const* operation, char const* item) {
-    return std::string(family.word) + ' ' + kind + ' ' + operation + ' ' + item + " ...";
-}
 
 // The readers fill a zeroed slot with a word; false refuses the word.
 
@@ -94,112 +31,146 @@ bool readPort(char const* word, KelvarisSDK_ProtocolPortPair& pair) {
     return read.has_value();
 }
 
-template <class Item> struct ListKind {
-    char const* word;
-    char const* item; // its form in usage texts
+template <class Item> using Edit = int (*)(int count, Item* items);
+
+template <class Item> struct List {
+    char const* line;
     bool (*read)(char const* word, Item& slot);
+    Edit<Item> set;
+    Edit<Item> add;
+    Edit<Item> rem;
+
+    // This is null for a word that is no operation.
+    Edit<Item> edit(char const* operation) const {
+        if (equals(operation, "set")) {
+            return set;
+        }
+        if (equals(operation, "add")) {
+            return add;
+        }
+        return equals(operation, "rem") ? rem : nullptr;
+    }
+
+    // The usage line of one operation has its word in the place of all three.
+    std::string lineOf(char const* operation) const {
+        std::string text = line;
+        std::size_t const choice = text.find('<');
+        return text.replace(choice, text.find('>') + 1 - choice, operation);
+    }
 };
 
-template <class Item>
-int editList(int argc, char* argv[], ListFamily const& family, ListKind<Item> const& kind,
-             Edits<Item> const& edits) {
-    std::string const usage = listUsage(family, kind.word, "<add|rem|set>", kind.item);
+template <class Item> int editList(int argc, char* argv[], List<Item> const& list) {
     if (argc == 3) {
-        return missing(usage.c_str());
+        return missing(list.line);
     }
-    char const* const operation = argv[3];
-    Edit<Item> const edit = edits.named(operation);
+    Edit<Item> const edit = list.edit(argv[3]);
     if (edit == nullptr) {
-        return invalid(usage.c_str());
+        return invalid(list.line);
     }
 
     int const count = argc - 4;
-    Item items[mostListItems] = {};
+    Item items[maxListItems] = {};
     for (int i = 0; i < count; ++i) {
-        // A word beyond the buffer is judged and counted; the library wouldn't send its item. The count leaves
+        // A word beyond the array is judged and counted; the library wouldn't send its item. The count leaves
         // here whole and is cut to the 16 bits that the library takes.
         Item surplus = {};
-        if (!kind.read(argv[4 + i], i < mostListItems ? items[i] : surplus)) {
-            return invalid(listUsage(family, kind.word, operation, kind.item).c_str());
+        if (!list.read(argv[4 + i], i < maxListItems ? items[i] : surplus)) {
+            return invalid(list.lineOf(argv[3]).c_str());
         }
     }
     return edit(count, items);
 }
 
-// The words behind the family's.
-int listAction(int argc, char* argv[], ListFamily const& family) {
-    if (argc == 2) {
-        return missing(family.usage);
-    }
-    char const* const kind = argv[2];
-    if (is(kind, "domains")) {
-        return editList(argc, argv, family, {kind, "<domain>", readDomain}, family.domains);
-    }
-    if (is(kind, "ipv4")) {
-        return editList(argc, argv, family, {kind, "<ip address>", readAddress<AF_INET>}, family.ipv4);
-    }
-    if (is(kind, "ipv6")) {
-        return editList(argc, argv, family, {kind, "<ip address>", readAddress<AF_INET6>}, family.ipv6);
-    }
-    if (is(kind, "ports")) {
-        return editList(argc, argv, family, {kind, family.portForm, readPort}, family.ports);
-    }
-    return invalid(family.usage);
+constexpr List<DomainText> firewallDomains{usage::firewallDomains, readDomain, setFirewallDomains,
+                                           addFirewallDomains, remFirewallDomains};
+constexpr List<in_addr> firewallIPv4{usage::firewallIPv4, readAddress<AF_INET>, setFirewallIPv4,
+                                     addFirewallIPv4, remFirewallIPv4};
+constexpr List<in6_addr> firewallIPv6{usage::firewallIPv6, readAddress<AF_INET6>, setFirewallIPv6,
+                                      addFirewallIPv6, remFirewallIPv6};
+constexpr List<KelvarisSDK_ProtocolPortPair> firewallPorts{usage::firewallPorts, readPort, setFirewallPorts,
+                                                           addFirewallPorts, remFirewallPorts};
+
+constexpr List<DomainText> streamingDomains{usage::streamingDomains, readDomain, setStreamingDomains,
+                                            addStreamingDomains, remStreamingDomains};
+constexpr List<in_addr> streamingIPv4{usage::streamingIPv4, readAddress<AF_INET>, setStreamingIPv4,
+                                      addStreamingIPv4, remStreamingIPv4};
+constexpr List<in6_addr> streamingIPv6{usage::streamingIPv6, readAddress<AF_INET6>, setStreamingIPv6,
+                                       addStreamingIPv6, remStreamingIPv6};
+constexpr List<KelvarisSDK_ProtocolPortPair> streamingPorts{
+    usage::streamingPorts, readPort, setStreamingPorts, addStreamingPorts, remStreamingPorts};
+
+constexpr List<DomainText> bypassDomains{usage::bypassDomains, readDomain, setLocalProxyDomains,
+                                         addLocalProxyDomains, remLocalProxyDomains};
+constexpr List<in_addr> bypassIPv4{usage::bypassIPv4, readAddress<AF_INET>, setLocalProxyIPv4,
+                                   addLocalProxyIPv4, remLocalProxyIPv4};
+constexpr List<in6_addr> bypassIPv6{usage::bypassIPv6, readAddress<AF_INET6>, setLocalProxyIPv6,
+                                    addLocalProxyIPv6, remLocalProxyIPv6};
+constexpr List<KelvarisSDK_ProtocolPortPair> bypassPorts{usage::bypassPorts, readPort, setLocalProxyPorts,
+                                                         addLocalProxyPorts, remLocalProxyPorts};
+
+template <auto& list> int listAction(int argc, char* argv[]) {
+    return editList(argc, argv, list);
 }
 
 int firewallModeAction(int argc, char* argv[]) {
-    char const* const usage = "firewall mode <off|allowlist|denylist>";
     if (argc == 3) {
-        return missing(usage);
+        return missing(usage::firewallMode);
     }
-    // Words behind the mode don't matter, nor behind those of the next two actions.
-    char const* const mode = argv[3];
-    if (is(mode, "off")) {
-        return setFirewallMode(KelvarisSDK_FirewallMode_OFF);
-    }
-    if (is(mode, "allowlist")) {
-        return setFirewallMode(KelvarisSDK_FirewallMode_ALLOWLIST);
-    }
-    if (is(mode, "denylist")) {
-        return setFirewallMode(KelvarisSDK_FirewallMode_DENYLIST);
-    }
-    return invalid(usage);
+    // Words behind the mode are accepted and ignored, as they are in the next two actions.
+    auto const mode =
+        readEnumeration<KelvarisSDK_FirewallMode_toString, KelvarisSDK_FirewallMode_DENYLIST>(argv[3]);
+    return mode ? setFirewallMode(*mode) : invalid(usage::firewallMode);
 }
 
-int streamingbypassServiceAction(int argc, char* argv[]) {
-    char const* const usage = "streamingbypass service <service name> <on|off>";
+int bypassServiceAction(int argc, char* argv[]) {
     if (argc < 5) {
-        return missing(usage);
+        return missing(usage::bypassService);
     }
     std::optional<bool> const enable = readOnOff(argv[4]);
-    return enable ? setStreamingBypass(argv[3], *enable) : invalid(usage);
+    return enable ? setStreamingBypass(argv[3], *enable) : invalid(usage::bypassService);
 }
+
+constexpr Keyword firewallWords[] = {
+    {"mode", firewallModeAction},         {"domains", listAction<firewallDomains>},
+    {"ipv4", listAction<firewallIPv4>},   {"ipv6", listAction<firewallIPv6>},
+    {"ports", listAction<firewallPorts>},
+};
+
+constexpr Keyword streamingWords[] = {
+    {"domains", listAction<streamingDomains>},
+    {"ipv4", listAction<streamingIPv4>},
+    {"ipv6", listAction<streamingIPv6>},
+    {"ports", listAction<streamingPorts>},
+};
+
+constexpr Keyword streamingbypassWords[] = {
+    {"service", bypassServiceAction},   {"domains", listAction<bypassDomains>},
+    {"ipv4", listAction<bypassIPv4>},   {"ipv6", listAction<bypassIPv6>},
+    {"ports", listAction<bypassPorts>},
+};
 
 } // namespace
 
+constinit Keywords const firewallKeywords = firewallWords;
+constinit Keywords const streamingKeywords = streamingWords;
+constinit Keywords const streamingbypassKeywords = streamingbypassWords;
+
 int localproxyAction(int argc, char* argv[]) {
-    char const* const usage = "localproxy <on|off>";
     if (argc == 2) {
-        return missing(usage);
+        return missing(usage::localProxy);
     }
     std::optional<bool> const enabled = readOnOff(argv[2]);
-    return enabled ? setLocalProxyEnabled(*enabled) : invalid(usage);
+    return enabled ? setLocalProxyEnabled(*enabled) : invalid(usage::localProxy);
 }
 
 int firewallAction(int argc, char* argv[]) {
-    if (argc > 2 && is(argv[2], "mode")) {
-        return firewallModeAction(argc, argv);
-    }
-    return listAction(argc, argv, firewallLists);
-}
-
-int streamingbypassAction(int argc, char* argv[]) {
-    if (argc > 2 && is(argv[2], "service")) {
-        return streamingbypassServiceAction(argc, argv);
-    }
-    return listAction(argc, argv, streamingbypassLists);
+    return runKeyword(argc, argv, 2, firewallKeywords, usage::firewall);
 }
 
 int streamingAction(int argc, char* argv[]) {
-    return listAction(argc, argv, streamingLists);
+    return runKeyword(argc, argv, 2, streamingKeywords, usage::streaming);
+}
+
+int streamingbypassAction(int argc, char* argv[]) {
+    return runKeyword(argc, argv, 2, streamingbypassKeywords, usage::bypass);
 }

@@ -1,11 +1,11 @@
-// The grammar of logging in and out.
+// This is the grammar of logging in and out.
 
 #include <cstddef>
 #include <cstring>
 
-#include "../arguments.h"
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
+#include "prompt.h"
 #include "readers.h"
 
 namespace {
@@ -19,25 +19,36 @@ template <std::size_t Size, class Call> int withSecret(char const* prompt, Call 
     return status;
 }
 
+int autoAction(int argc, char* /*argv*/[]) {
+    return argc == 3 ? loginAutoAccount() : invalid(usage::loginAuto);
+}
+
+int oauthAction(int argc, char* argv[]) {
+    if (argc > 4) {
+        return invalid(usage::loginOAuth);
+    }
+    return argc == 4 ? loginOAuth(argv[3]) : withSecret<512>("Enter oauth token", loginOAuth);
+}
+
+constexpr Keyword loginWords[] = {
+    {"auto", autoAction},
+    {"oauth", oauthAction},
+};
+
 } // namespace
 
+constinit Keywords const loginKeywords = loginWords;
+
 int loginAction(int argc, char* argv[]) {
-    char const* const usage = "login <username> [password]";
     if (argc == 2) {
-        return missing(usage);
+        return missing(usage::login);
     }
     char const* const username = argv[2];
-    if (is(username, "auto")) {
-        return argc == 3 ? loginAutoAccount() : invalid("login auto");
-    }
-    if (is(username, "oauth")) {
-        if (argc > 4) {
-            return invalid("login oauth [access token]");
-        }
-        return argc == 4 ? loginOAuth(argv[3]) : withSecret<512>("Enter oauth token", loginOAuth);
+    if (Keyword const* const keyword = findKeyword(loginKeywords, username)) {
+        return keyword->action(argc, argv);
     }
     if (argc > 4) {
-        return invalid(usage);
+        return invalid(usage::login);
     }
     if (argc == 4) {
         return requestLogin(username, argv[3]);
@@ -46,6 +57,6 @@ int loginAction(int argc, char* argv[]) {
                           [username](char const* password) { return requestLogin(username, password); });
 }
 
-int logoutAction(int argc) {
-    return argc == 2 ? requestLogout() : invalid("logout");
+int logoutAction(int argc, char* /*argv*/[]) {
+    return noWordAction(argc, usage::logout, requestLogout);
 }

@@ -1,6 +1,4 @@
-// The prompt without echo. While it waits, a signal that ends the process puts the terminal back first.
-
-#include "../arguments.h"
+#include "prompt.h"
 
 #include <array>
 #include <csignal>
@@ -10,13 +8,15 @@
 #include <termios.h>
 #include <unistd.h>
 
+// While the prompt waits, a signal that ends the process puts the terminal back first.
+
 namespace {
 
 constexpr std::array endingSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
-termios echoing; // constant while the handlers are in place
+termios echoing; // is constant while the handlers are in place
 
-// Installed to fire once: the signal raised again has its default effect.
+// The handler is installed to fire once, so the signal that it raises again has its default effect.
 extern "C" void restoreAndEnd(int signal) {
     tcsetattr(STDIN_FILENO, TCSANOW, &echoing);
     raise(signal);
@@ -67,19 +67,19 @@ void readPrivate(char const* prompt, char* buffer, int size) {
     std::fflush(stdout);
 
     char* line = nullptr;
-    std::size_t capacity = 0;
+    std::size_t lineCapacity = 0;
     EchoOff const echoOff;
-    ssize_t const length = getline(&line, &capacity, stdin);
+    ssize_t const length = getline(&line, &lineCapacity, stdin);
     if (length > 0) {
         line[length - 1] = '\0';
     }
-    auto const room = static_cast<std::size_t>(size);
-    std::memset(buffer, 0, room);
+    auto const capacity = static_cast<std::size_t>(size);
+    std::memset(buffer, 0, capacity);
     if (length > 0) {
-        std::strncpy(buffer, line, room - 1);
+        std::strncpy(buffer, line, capacity - 1);
     }
     if (line != nullptr) {
-        explicit_bzero(line, capacity);
+        explicit_bzero(line, lineCapacity);
         std::free(line);
     }
 }

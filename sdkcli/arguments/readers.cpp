@@ -1,5 +1,6 @@
 #include "readers.h"
 
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -7,30 +8,57 @@
 #include <cstring>
 #include <string>
 
-#include "../arguments.h"
+char binName[512 + 1];
 
-bool is(char const* word, char const* keyword) {
-    return std::strcmp(word, keyword) == 0;
-}
-
-int missing(char const* usage) {
-    std::fprintf(stderr, "Missing parameters: %s %s\n", binName, usage);
+int missing(char const* line) {
+    std::fprintf(stderr, "Missing parameters: %s %s\n", binName, line);
     return 3;
 }
 
-int invalid(char const* usage) {
-    std::fprintf(stderr, "Invalid parameters: %s %s\n", binName, usage);
+int invalid(char const* line) {
+    std::fprintf(stderr, "Invalid parameters: %s %s\n", binName, line);
     return 2;
 }
 
+bool equals(char const* word, char const* other) {
+    return std::strcmp(word, other) == 0;
+}
+
+bool isPrivate(char const* word) {
+    constexpr char start[] = "private";
+    constexpr std::size_t startLength = sizeof(start) - 1;
+    return std::strncmp(word, start, startLength) == 0 && std::strlen(word) == startLength + 2 &&
+           isCity(word + startLength);
+}
+
+bool isCountry(char const* word) {
+    return (std::strlen(word) == 2 && isCity(word)) || isPrivate(word);
+}
+
+bool isCity(char const* word) {
+    while (std::isalpha(static_cast<unsigned char>(*word)) != 0) {
+        ++word;
+    }
+    return *word == '\0';
+}
+
 std::optional<bool> readOnOff(char const* word) {
-    if (is(word, "on")) {
+    if (equals(word, "on")) {
         return true;
     }
-    if (is(word, "off")) {
+    if (equals(word, "off")) {
         return false;
     }
     return std::nullopt;
+}
+
+std::optional<KelvarisSDK_AutoConnectMethod> readMethod(char const* word) {
+    auto const method =
+        readEnumeration<KelvarisSDK_AutoConnectMethod_toString, KelvarisSDK_AutoConnectMethod_PROXY>(word);
+    if (method == KelvarisSDK_AutoConnectMethod_AUTO || method == KelvarisSDK_AutoConnectMethod_COUNTRY) {
+        return std::nullopt;
+    }
+    return method;
 }
 
 std::optional<long long> readNumber(char const* word) {
@@ -50,9 +78,9 @@ std::optional<uint32_t> readCount(char const* word) {
     return static_cast<uint32_t>(*number);
 }
 
-std::optional<int> readInt(char const* word, int least) {
+std::optional<int> readInt(char const* word, int min) {
     std::optional<long long> const number = readNumber(word);
-    if (!number || *number < least || *number > INT_MAX) {
+    if (!number || *number < min || *number > INT_MAX) {
         return std::nullopt;
     }
     return static_cast<int>(*number);

@@ -1,140 +1,125 @@
-// The grammar of the settings. Seven take one word of a few; "overflow", "route", "ports" and
-// "adapter encryption" have grammars of their own, and so have the words of DNS and captive portals.
+// This is the grammar of the settings of the tunnel, of DNS and of captive portals.
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <type_traits>
 
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
 #include "readers.h"
 
 namespace {
 
-constexpr int mostPorts = 20;
+constexpr auto readBondingMode =
+    readEnumeration<KelvarisSDK_BondingMode_toString, KelvarisSDK_BondingMode_STREAMING>;
 
-std::optional<KelvarisSDK_BondingMode> readBondingMode(char const* word) {
-    if (is(word, "redundant")) {
-        return KelvarisSDK_BondingMode_REDUNDANT;
-    }
-    if (is(word, "speed")) {
-        return KelvarisSDK_BondingMode_SPEED;
-    }
-    if (is(word, "streaming")) {
-        return KelvarisSDK_BondingMode_STREAMING;
-    }
-    return std::nullopt;
-}
+constexpr auto readTransportMode =
+    readEnumeration<KelvarisSDK_TransportMode_toString, KelvarisSDK_TransportMode_TCP_MULTI>;
 
-std::optional<KelvarisSDK_TransportMode> readTransportMode(char const* word) {
-    if (is(word, "auto")) {
-        return KelvarisSDK_TransportMode_AUTO;
-    }
-    if (is(word, "tcp")) {
-        return KelvarisSDK_TransportMode_TCP;
-    }
-    if (is(word, "udp")) {
-        return KelvarisSDK_TransportMode_UDP;
-    }
-    if (is(word, "https")) {
-        return KelvarisSDK_TransportMode_HTTPS;
-    }
-    if (is(word, "tcp-multi")) {
-        return KelvarisSDK_TransportMode_TCP_MULTI;
-    }
-    return std::nullopt;
-}
-
-// A number in any of strtod's forms, from 0 to 4294967295.
+// Reads a number in any of strtod's forms, from 0 to 4294967295.
 std::optional<double> readSpeed(char const* word) {
     char* end = nullptr;
     double const speed = std::strtod(word, &end);
-    bool const inRange = speed >= 0 && speed <= 4294967295.0; // false for "nan"
+    bool const inRange = speed >= 0 && speed <= 4294967295.0; // this is false for "nan"
     if (end == word || *end != '\0' || !inRange) {
         return std::nullopt;
     }
     return speed;
 }
 
-int captivePortalLogin(int argc, char* argv[]) {
-    char const* const usage = "captiveportal login <on|off> <adapter id>";
+int defaultRouteAction(int argc, char* argv[]) {
     if (argc == 3) {
-        return missing(usage);
+        return missing(usage::routeDefault);
     }
-    if (is(argv[3], "off")) { // takes no id, whatever the usage says
-        return argc == 4 ? setCaptivePortalLoginOff() : invalid(usage);
+    auto const enable = readOnOff(argv[3]); // further words are accepted and ignored
+    return enable ? enableDefaultRoute(*enable) : invalid(usage::routeDefault);
+}
+
+constexpr Keyword routeWords[] = {
+    {"default", defaultRouteAction},
+};
+
+int captivePortalCheckAction(int argc, char* /*argv*/[]) {
+    return argc == 3 ? requestCaptivePortalCheck() : invalid(usage::captivePortalCheck);
+}
+
+int captivePortalLoginAction(int argc, char* argv[]) {
+    if (argc == 3) {
+        return missing(usage::captivePortalLogin);
     }
-    if (!is(argv[3], "on")) {
-        return invalid(usage);
+    std::optional<bool> const enable = readOnOff(argv[3]);
+    if (!enable) {
+        return invalid(usage::captivePortalLogin);
+    }
+    if (!*enable) { // the usage line shows an id, but "off" is refused with one
+        return argc == 4 ? setCaptivePortalLoginOff() : invalid(usage::captivePortalLogin);
     }
     if (argc == 4) {
-        return missing(usage);
+        return missing(usage::captivePortalLogin);
     }
-    return argc == 5 ? setCaptivePortalLoginOn(argv[4]) : invalid(usage);
+    return argc == 5 ? setCaptivePortalLoginOn(argv[4]) : invalid(usage::captivePortalLogin);
 }
+
+constexpr Keyword captivePortalWords[] = {
+    {"check", captivePortalCheckAction},
+    {"login", captivePortalLoginAction},
+};
 
 } // namespace
 
+constinit Keywords const routeKeywords = routeWords;
+constinit Keywords const captivePortalKeywords = captivePortalWords;
+
 int modeAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "mode <redundant|speed|streaming>", readBondingMode, setMode);
+    return oneWordAction(argc, argv, usage::mode, readBondingMode, setMode);
 }
 
 int transportAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "transport <auto|tcp|tcp-multi|udp|https>", readTransportMode,
-                         setTransportMode);
+    return oneWordAction(argc, argv, usage::transport, readTransportMode, setTransportMode);
 }
 
 int encryptionAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "encryption <on|off>", readOnOff, setEncryption);
+    return oneWordAction(argc, argv, usage::encryption, readOnOff, setEncryption);
 }
 
 int jumboAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "jumbo <on|off>", readOnOff, setJumboMtu);
+    return oneWordAction(argc, argv, usage::jumbo, readOnOff, setJumboMtu);
 }
 
 int packetAggregationAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "packetaggr <on|off>", readOnOff, setPacketAggregation);
+    return oneWordAction(argc, argv, usage::packetAggregation, readOnOff, setPacketAggregation);
 }
 
 int headerCompressionAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "headercompression <on|off>", readOnOff, setHeaderCompression);
+    return oneWordAction(argc, argv, usage::headerCompression, readOnOff, setHeaderCompression);
 }
 
 int startupConnectAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "startupconnect <on|off>", readOnOff, setStartupConnect);
+    return oneWordAction(argc, argv, usage::startupConnect, readOnOff, setStartupConnect);
 }
 
 int overflowAction(int argc, char* argv[]) {
-    return oneWordAction(argc, argv, "overflow <speed in mbps>", readSpeed, setOverflowThreshold);
+    return oneWordAction(argc, argv, usage::overflow, readSpeed, setOverflowThreshold);
 }
 
 int routeAction(int argc, char* argv[]) {
-    char const* const usage = "route default <on|off>";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    if (!is(argv[2], "default")) {
-        return invalid(usage);
-    }
-    if (argc == 3) {
-        return missing(usage);
-    }
-    auto const enable = readOnOff(argv[3]); // words behind it don't matter
-    return enable ? enableDefaultRoute(*enable) : invalid(usage);
+    return runKeyword(argc, argv, 2, routeKeywords, usage::routeDefault);
 }
 
 int portsAction(int argc, char* argv[]) {
-    int const count = argc - 2; // none clears the list
-    if (count > mostPorts) {
-        return invalid(("only " + std::to_string(mostPorts) + " ports may be requested\n").c_str());
+    constexpr int maxPorts = std::extent_v<decltype(KelvarisSDK_SettingsResult::forwardedPorts)>;
+    int const count = argc - 2; // no word clears the list
+    if (count > maxPorts) {
+        return invalid(("only " + std::to_string(maxPorts) + " ports may be requested\n").c_str());
     }
-    KelvarisSDK_ProtocolPortPair ports[mostPorts] = {};
+    KelvarisSDK_ProtocolPortPair ports[maxPorts] = {};
     for (int i = 0; i < count; ++i) {
         auto const port = readPortPair(argv[2 + i]);
         if (!port) {
-            return invalid("ports [port/proto] ...");
+            return invalid(usage::ports);
         }
         ports[i] = *port;
     }
@@ -142,23 +127,21 @@ int portsAction(int argc, char* argv[]) {
 }
 
 int adapterEncryptionAction(int argc, char* argv[]) {
-    char const* const usage = "adapter encryption <adapter id> <on|off>";
     if (argc < 5) {
-        return missing(usage);
+        return missing(usage::adapterEncryption);
     }
     auto const enable = argc == 5 ? readOnOff(argv[4]) : std::nullopt;
-    return enable ? setConnectionEncryption(argv[3], *enable) : invalid(usage);
+    return enable ? setConnectionEncryption(argv[3], *enable) : invalid(usage::adapterEncryption);
 }
 
-int privacyAction(int argc) {
-    char const* const usage = "privacy";
-    return argc == 2 ? missing(usage) : invalid(usage); // has no action left
+int privacyAction(int argc, char* /*argv*/[]) {
+    return argc == 2 ? missing(usage::privacy) : invalid(usage::privacy); // no words of it make an action
 }
 
 int dnsAction(int argc, char* argv[]) {
-    // None clears the list. More than the call's 16 bits can count mustn't look like fewer.
+    // No word clears the list. The call takes a count of 16 bits, and a larger one, cut to them, could clear it too.
     auto const count = static_cast<std::size_t>(std::min(argc - 2, UINT16_MAX));
-    auto const addresses = std::make_unique<char[][46]>(count);
+    auto const addresses = std::make_unique<DnsText[]>(count);
     for (std::size_t i = 0; i < count; ++i) {
         copyWord(addresses[i], argv[2 + i]);
     }
@@ -166,12 +149,5 @@ int dnsAction(int argc, char* argv[]) {
 }
 
 int captivePortalAction(int argc, char* argv[]) {
-    char const* const usage = "captiveportal check|login";
-    if (argc == 2) {
-        return missing(usage);
-    }
-    if (is(argv[2], "check")) {
-        return argc == 3 ? requestCaptivePortalCheck() : invalid("captiveportal check");
-    }
-    return is(argv[2], "login") ? captivePortalLogin(argc, argv) : invalid(usage);
+    return runKeyword(argc, argv, 2, captivePortalKeywords, usage::captivePortal);
 }

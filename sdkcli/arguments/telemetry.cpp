@@ -1,32 +1,23 @@
-// The grammar of the statistics and the tests.
+// This is the grammar of the statistics and the tests.
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <optional>
+#include <type_traits>
 
-#include "../calls.h"
 #include "actions.h"
+#include "calls.h"
+#include "periods.h"
 #include "readers.h"
 
 namespace {
 
-// Hours, or the name of a period.
+// Reads the name of a period, or its hours.
 std::optional<uint32_t> readPeriod(char const* word) {
-    if (is(word, "current")) {
-        return 0;
-    }
-    if (is(word, "total")) {
-        return UINT32_MAX;
-    }
-    if (is(word, "day")) {
-        return 24;
-    }
-    if (is(word, "week")) {
-        return 168;
-    }
-    if (is(word, "month")) {
-        return 720;
+    for (NamedPeriod const& period : namedPeriods) {
+        if (equals(word, period.name)) {
+            return period.hours;
+        }
     }
     return readCount(word);
 }
@@ -34,35 +25,35 @@ std::optional<uint32_t> readPeriod(char const* word) {
 } // namespace
 
 int statsAction(int argc, char* argv[]) {
-    char const* const usage =
-        "stats [duration in seconds] [current|day|week|month|total|<period in hours>] ...";
     if (argc == 2) {
         return requestStats(-1, 0, nullptr);
     }
-    uint32_t periods[5] = {};
+    constexpr std::size_t maxPeriods = std::extent_v<decltype(KelvarisSDK_SessionStatsResult::periods)>;
+    uint32_t periods[maxPeriods] = {};
     auto const count = static_cast<std::size_t>(argc - 3);
-    if (count > std::size(periods)) {
-        return invalid(usage);
+    if (count > maxPeriods) {
+        return invalid(usage::stats);
     }
     std::optional<int> const duration = readInt(argv[2], -1);
     if (!duration) {
-        return invalid(usage);
+        return invalid(usage::stats);
     }
     for (std::size_t i = 0; i < count; ++i) {
         std::optional<uint32_t> const period = readPeriod(argv[3 + i]);
         if (!period) {
-            return invalid(usage);
+            return invalid(usage::stats);
         }
         periods[i] = *period;
     }
     return requestStats(*duration, static_cast<unsigned char>(count), periods);
 }
 
-// Words behind the two are ignored.
-int speedtestAction() {
+// The two tests ignore further words.
+
+int speedtestAction(int /*argc*/, char* /*argv*/[]) {
     return startSpeedtest();
 }
 
-int streamtestAction() {
+int streamtestAction(int /*argc*/, char* /*argv*/[]) {
     return startStreamtest();
 }

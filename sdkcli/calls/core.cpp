@@ -1,7 +1,8 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
+
+KelvarisSDK_Handle* sdk = nullptr;
 
 int requestState() {
     return finish(KelvarisSDK_GetState(sdk, nullptr, nullptr), printStateResult);

@@ -1,6 +1,5 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
 
 int requestDirectory() {

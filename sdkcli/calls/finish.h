@@ -1,8 +1,8 @@
-// The end of an action.
+// Most actions end in the same way.
 
 #pragma once
 
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 // Prints the record, or why there is none. Returns the run's status.
 template <class Result> int finish(Result const& result, void (*print)(Result const&)) {

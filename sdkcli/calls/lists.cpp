@@ -1,23 +1,22 @@
-// Firewall, local proxy and streaming. The daemon replaces whole lists only, so adding and removing read a
-// list, change it and set it.
+// These are the actions of the firewall, the local proxy and streaming. The requests replace whole lists only, so
+// adding and removing read a list, change it and set it.
 
-#include "../calls.h"
+#include "calls.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "../arguments.h"
 #include "finish.h"
 
 namespace {
 
-// The kinds: where the record holds them and when two items are the same.
+// A kind says where the record holds its items and when two of them are the same.
 
 struct Domains {
     using Item = DomainText;
     static constexpr auto count = &KelvarisSDK_ListBlock::domainCount;
     static constexpr auto items = &KelvarisSDK_ListBlock::domains;
-    static bool equal(Item const& a, Item const& b) {
+    static bool equals(Item const& a, Item const& b) {
         return std::strncmp(a, b, sizeof(Item)) == 0;
     }
 };
@@ -26,7 +25,7 @@ struct IPv4 {
     using Item = in_addr;
     static constexpr auto count = &KelvarisSDK_ListBlock::ipv4Count;
     static constexpr auto items = &KelvarisSDK_ListBlock::ipv4;
-    static bool equal(Item const& a, Item const& b) {
+    static bool equals(Item const& a, Item const& b) {
         return a.s_addr == b.s_addr;
     }
 };
@@ -35,7 +34,7 @@ struct IPv6 {
     using Item = in6_addr;
     static constexpr auto count = &KelvarisSDK_ListBlock::ipv6Count;
     static constexpr auto items = &KelvarisSDK_ListBlock::ipv6;
-    static bool equal(Item const& a, Item const& b) {
+    static bool equals(Item const& a, Item const& b) {
         return IN6_ARE_ADDR_EQUAL(&a, &b);
     }
 };
@@ -44,12 +43,12 @@ struct Ports {
     using Item = KelvarisSDK_ProtocolPortPair;
     static constexpr auto count = &KelvarisSDK_ListBlock::portCount;
     static constexpr auto items = &KelvarisSDK_ListBlock::ports;
-    static bool equal(Item const& a, Item const& b) {
+    static bool equals(Item const& a, Item const& b) {
         return a.port == b.port && a.protocol == b.protocol;
     }
 };
 
-// The families: how their record is read, set and shown.
+// A family says how its record is read, set and shown.
 
 // clang-format off
 struct Firewall {
@@ -96,7 +95,7 @@ template <class Family, class Kind> int add(int count, typename Kind::Item* item
     }
     auto& held = result.lists.*Kind::items;
     int const heldCount = result.lists.*Kind::count;
-    for (int i = 0; i < count && heldCount + i < mostListItems; ++i) {
+    for (int i = 0; i < count && heldCount + i < maxListItems; ++i) {
         copyItem(held[heldCount + i], items[i]);
     }
     return set<Family, Kind>(heldCount + count, held);
@@ -107,12 +106,12 @@ template <class Family, class Kind> int rem(int count, typename Kind::Item* item
     if (result.base.error) {
         return finish(result, Family::print);
     }
-    auto* const itemsEnd = items + std::min(count, mostListItems);
-    typename Kind::Item kept[mostListItems] = {};
+    auto* const itemsEnd = items + std::min(count, maxListItems);
+    typename Kind::Item kept[maxListItems] = {};
     int keptCount = 0;
     for (int i = 0; i < result.lists.*Kind::count; ++i) {
         auto const& item = (result.lists.*Kind::items)[i];
-        if (std::none_of(items, itemsEnd, [&](auto const& given) { return Kind::equal(item, given); })) {
+        if (std::none_of(items, itemsEnd, [&](auto const& given) { return Kind::equals(item, given); })) {
             copyItem(kept[keptCount++], item);
         }
     }

@@ -1,12 +1,11 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
 #include "stream.h"
 
 namespace {
 
-// Like finish(), but for a connect error, which is a result with a document and a status of its own.
+// Does what finish() does, but a connect error is a result with a document and a status of its own.
 int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int connectErrorStatus) {
     if (!result.base.error && result.connectErrorSet) {
         printSafeBrowsingConnectError(result);
@@ -16,11 +15,11 @@ int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int conne
 }
 
 bool safeBrowsingErrorCb(KelvarisSDK_SafeBrowsingErrorResult result, void* userData) {
-    return streamDocument("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
+    return printReport("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
 }
 
 bool safeBrowsingBlockCb(KelvarisSDK_SafeBrowsingBlockResult result, void* userData) {
-    return streamDocument("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
+    return printReport("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
 }
 
 } // namespace

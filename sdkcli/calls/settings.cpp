@@ -1,6 +1,5 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
 
 // Connection settings
@@ -60,7 +59,7 @@ int requestPrivacySettings() {
     return finish(KelvarisSDK_GetPrivacySettings(sdk, nullptr, nullptr), printPrivacySettingsResult);
 }
 
-int setDnsServers(unsigned short count, char (*addresses)[46]) {
+int setDnsServers(unsigned short count, DnsText* addresses) {
     return finish(KelvarisSDK_SetDNSServers(sdk, count, addresses, nullptr, nullptr),
                   printPrivacySettingsResult);
 }

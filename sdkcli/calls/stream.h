@@ -1,5 +1,5 @@
-// The actions that stay connected and print a stream of documents: each document is an array of its tag and
-// its content, followed by an empty line.
+// Some actions stay connected and print a stream of documents. Each document is an array of its tag and its
+// content, followed by an empty line.
 
 #pragma once
 
@@ -7,20 +7,20 @@
 #include <cstdio>
 #include <ctime>
 
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
-// When the stream's first document came; 0 before that. Written on the library's thread, read by the main
-// thread.
+// This is when the stream's first document came, and 0 before that. The library's thread writes it, the main
+// thread reads it.
 using FirstReportTime = std::atomic<std::time_t>;
 
 // Notes the time of a first document, and prints the framing and content of an error on standard error.
 void noteReport(FirstReportTime& firstReportTime);
 void printStreamError(KelvarisSDK_BaseResult const& result);
 
-// What a stream's callback does; `userData` is the stream's FirstReportTime. Returns true: the stream goes
-// on.
+// Does what every callback of a stream does; `userData` is the stream's FirstReportTime. Returns true, because the
+// stream goes on.
 template <class Result>
-bool streamDocument(char const* tag, Result const& result, void* userData, void (*print)(Result const&)) {
+bool printReport(char const* tag, Result const& result, void* userData, void (*print)(Result const&)) {
     noteReport(*static_cast<FirstReportTime*>(userData));
     if (result.base.error) {
         printStreamError(result.base);

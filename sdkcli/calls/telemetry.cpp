@@ -1,17 +1,16 @@
-#include "../calls.h"
+#include "calls.h"
 
-#include "../arguments.h"
 #include "finish.h"
 #include "stream.h"
 
 namespace {
 
 bool statsCbState(KelvarisSDK_StateResult result, void* userData) {
-    return streamDocument("[\"state\",", result, userData, printStateResult);
+    return printReport("[\"state\",", result, userData, printStateResult);
 }
 
 bool statsCbAdapters(KelvarisSDK_AdaptersResult result, void* userData) {
-    return streamDocument("[\"adapters\",", result, userData, printAdaptersResult);
+    return printReport("[\"adapters\",", result, userData, printAdaptersResult);
 }
 
 void printConnectionStats(KelvarisSDK_ConnectionStatsResult const& result) {
@@ -19,15 +18,15 @@ void printConnectionStats(KelvarisSDK_ConnectionStatsResult const& result) {
 }
 
 bool statsCbConnectionStats(KelvarisSDK_ConnectionStatsResult result, void* userData) {
-    return streamDocument("[\"connection_stats\",", result, userData, printConnectionStats);
+    return printReport("[\"connection_stats\",", result, userData, printConnectionStats);
 }
 
 bool statsCbSessionStats(KelvarisSDK_SessionStatsResult result, void* userData) {
-    return streamDocument("[\"session_stats\",", result, userData, printSessionStatsResult);
+    return printReport("[\"session_stats\",", result, userData, printSessionStatsResult);
 }
 
 bool statsCbStreamingStats(KelvarisSDK_StreamingStatsResult result, void* userData) {
-    return streamDocument("[\"streaming_stats\",", result, userData, printStreamingStatsResult);
+    return printReport("[\"streaming_stats\",", result, userData, printStreamingStatsResult);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 #include "recordtext.h"
 

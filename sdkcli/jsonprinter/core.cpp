@@ -1,6 +1,6 @@
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
-#include "../productStringReplacement.h"
+#include "productStringReplacement.h"
 #include "recordtext.h"
 
 void writeDocument(Json::Value const& document, std::FILE* stream) {

@@ -1,4 +1,4 @@
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 #include <arpa/inet.h>
 
@@ -7,7 +7,8 @@
 namespace {
 
 template <class Record>
-Json::Value domainsDocument(Record const& record, char const (*domains)[50], unsigned count) {
+Json::Value domainsDocument(Record const& record, decltype(KelvarisSDK_ListBlock::domains) const& domains,
+                            unsigned count) {
     Json::Value document(Json::arrayValue);
     for (unsigned i = 0; i < count; ++i) {
         document.append(recordText(record, domains[i]));
@@ -24,7 +25,7 @@ template <int family, class Address> Json::Value addressesDocument(Address const
     return document;
 }
 
-// The keys of the four lists, in a document that may have others.
+// Adds the keys of the four lists to a document that may have others.
 template <class Record> void addLists(Json::Value& document, Record const& record) {
     KelvarisSDK_ListBlock const& lists = record.lists;
     document["domains"] = domainsDocument(record, lists.domains, lists.domainCount);

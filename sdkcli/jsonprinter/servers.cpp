@@ -1,4 +1,4 @@
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 #include <string>
 
@@ -6,7 +6,7 @@
 #include "servertag.h"
 
 // A directory has hundreds of servers. To build a document of them and to write it would take twice as long as
-// to parse the report, so the text is put together as it goes: to the byte what the styled document would be.
+// to parse the report, so the text is put together as it goes. It equals the styled document to the byte.
 
 namespace {
 

@@ -1,4 +1,4 @@
-// How the documents of servers name one.
+// Documents name a server by its tag.
 
 #pragma once
 
@@ -6,7 +6,8 @@
 
 #include "recordtext.h"
 
-// The name under which the daemon knows the server. The record is the whole result that the server stands in.
+// Puts the tag together. The record is the whole result that the server stands in, because a full field runs on
+// into what follows it there.
 template <class Record, class Server> std::string serverTag(Record const& record, Server const& server) {
     std::string tag = server.isPrivate ? "private" : "";
     tag += recordText(record, server.country);

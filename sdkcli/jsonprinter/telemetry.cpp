@@ -1,8 +1,9 @@
-#include "../jsonprinter.h"
+#include "jsonprinter.h"
 
 #include <cstdint>
 #include <string>
 
+#include "periods.h"
 #include "recordtext.h"
 
 namespace {
@@ -40,20 +41,12 @@ void addDetails(Json::Value& document, ConnectionRecord const& result,
 }
 
 std::string periodKey(uint32_t hours) {
-    switch (hours) {
-    case 0:
-        return "current";
-    case 24:
-        return "day";
-    case 168:
-        return "week";
-    case 720:
-        return "month";
-    case UINT32_MAX:
-        return "total";
-    default:
-        return std::to_string(hours);
+    for (NamedPeriod const& period : namedPeriods) {
+        if (period.hours == hours) {
+            return period.name;
+        }
     }
+    return std::to_string(hours);
 }
 
 void printSessionStatsMember(Json::Value& target, KelvarisSDK_SessionStats const& stats) {
@@ -101,8 +94,8 @@ void printSessionStatsMember(Json::Value& target, KelvarisSDK_SessionStats const
     streaming["uniqueSaves"] = stats.uniqueSaves;
 }
 
-Json::Value streamDocument(KelvarisSDK_StreamingStatsResult const& result,
-                           KelvarisSDK_StreamStats const& stats) {
+Json::Value streamStatsDocument(KelvarisSDK_StreamingStatsResult const& result,
+                                KelvarisSDK_StreamStats const& stats) {
     Json::Value document;
     document["active"] = stats.active;
     document["duration"] = stats.duration;
@@ -121,7 +114,7 @@ Json::Value streamDocument(KelvarisSDK_StreamingStatsResult const& result,
     return document;
 }
 
-// A failed test has nothing but its message.
+// A failed test has measured nothing, so its message stands in the place of the measures.
 Json::Value testDocument(KelvarisSDK_SpeedTestResult const& result, KelvarisSDK_SpeedTestEntry const& test) {
     Json::Value document;
     document["time"] = test.time;
@@ -180,7 +173,7 @@ void printStreamingStatsResult(KelvarisSDK_StreamingStatsResult const& result) {
     document["badMemory"] = result.badMemory;
     Json::Value& streams = document["streams"] = Json::arrayValue;
     for (unsigned i = 0; i < result.streamCount; ++i) {
-        streams.append(streamDocument(result, result.streams[i]));
+        streams.append(streamStatsDocument(result, result.streams[i]));
     }
     writeDocument(document);
 }

@@ -4,18 +4,26 @@
 // entry is done. A time-out is a delivery too: the sweep hands the entry the event "sdk_error", which no
 // daemon can send, because no entry awaits it by name.
 //
-// One pass of the reader: connect if there is no socket, send, wait (at most 100 ms, or until a report or a
-// queued request comes), deliver, sweep the time-outs, look whether to go on.
+// One pass of the reader: connect if there is no socket, send, wait, deliver, sweep the time-outs, look whether to
+// go on. The wait has no ticks: it lasts until the socket has something, the next time-out is due, a request or an
+// entry is queued, or the object ends. No wake-up gets lost, because the reader clears the signal first and only
+// then takes the queues and looks for the next time-out, and a caller queues first and signals then: what the reader
+// didn't see in the queues ends its wait by the signal. Between two attempts to connect nothing but the end is
+// waited for.
 
 #include "websockets.h"
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <iterator>
+#include <new>
+#include <poll.h>
 #include <sstream>
 #include <string_view>
 #include <sys/eventfd.h>
+#include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -27,7 +35,8 @@ namespace kelvarissdk {
 
 namespace {
 
-constexpr int pollMs = 100;
+constexpr int drainMs = 100;       // for what is queued when the object ends
+constexpr int undisturbedMs = 100; // the longest wait that no signal can end
 constexpr int reconnectMs = 250;
 
 void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
@@ -57,19 +66,6 @@ bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* end = nullptr;
     return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
 }
-
-// Each thread keeps a writer of requests. At the program's end the writer is destroyed before the static objects and
-// the handlers of exit(), which may still make calls. The flag has no destructor, so it can be read for as long as
-// anything runs.
-thread_local bool threadsWriterGone = false;
-
-struct ThreadsWriter {
-    ~ThreadsWriter() {
-        threadsWriterGone = true;
-    }
-
-    std::unique_ptr<Json::StreamWriter> const writer{Json::StreamWriterBuilder().newStreamWriter()};
-};
 
 } // namespace
 
@@ -110,6 +106,11 @@ std::thread startThread(std::function<void()> body) {
     } catch (std::system_error const& failure) {
         throw std::system_error(failure.code(), "thread constructor failed");
     }
+}
+
+void setSdkError(KelvarisSDK_BaseResult& result) {
+    setError(&result, KelvarisSDK_ErrorType_SDK);
+    setText(result.errorMessage, "Error from SDK");
 }
 
 void noWebsocketImplementation(KelvarisSDK_BaseResult* result) {
@@ -153,9 +154,12 @@ int Wakeup::descriptor() const {
     return fd;
 }
 
+// A thread that was cancelled between the flag and the write would leave the flag set for good, and no later signal
+// would be written: the system call is made without the point of cancellation that eventfd_write() is.
 void Wakeup::signal() {
     if (!signalled.exchange(true)) {
-        eventfd_write(fd, 1);
+        eventfd_t const one = 1;
+        syscall(SYS_write, fd, &one, sizeof(one));
     }
 }
 
@@ -164,6 +168,11 @@ void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
     signalled.exchange(false);
+}
+
+void Wakeup::wait(int milliseconds) const {
+    pollfd descriptor{fd, POLLIN, 0};
+    poll(&descriptor, 1, milliseconds);
 }
 
 // One message from the daemon, which is parsed once, and only when somebody wants it.
@@ -192,7 +201,7 @@ private:
 };
 
 std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
-thread_local bool WebsocketImpl::isInReaderThread = false;
+constinit thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
     : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {
@@ -226,29 +235,35 @@ std::string WebsocketImpl::requestToString(std::string const& request, Json::Val
     envelope.append(request);
     envelope.append(payload);
     envelope.append("kelvaris_sdk");
-    if (threadsWriterGone) {
-        return envelope.toStyledString();
-    }
     // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
-    thread_local ThreadsWriter const threads;
+    if (!requestWriter) {
+        requestWriter.reset(Json::StreamWriterBuilder().newStreamWriter());
+    }
     std::ostringstream text;
-    threads.writer->write(envelope, &text);
+    requestWriter->write(envelope, &text);
     text << '\n';
+    if (!text) {
+        throw std::bad_alloc(); // a stream keeps it to itself and would leave half a request
+    }
     return std::move(text).str();
 }
 
 void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& payload) {
-    std::string text = requestToString(request, payload);
+    Request queued{request, payload};
+    bool wake = false;
     {
         std::lock_guard const lock(outgoingMutex);
-        outgoing.push_back(std::move(text));
+        outgoing.push_back(std::move(queued));
+        wake = !closingWait;
     }
-    wakeup.signal();
+    if (wake) {
+        wakeup.signal();
+    }
 }
 
 void WebsocketImpl::sendRequest(EventDescription& description, std::string const& request,
                                 Json::Value const& payload) {
-    description.requests.push_back(requestToString(request, payload));
+    description.requests.push_back({request, payload});
 }
 
 void WebsocketImpl::waitForEvent(EventDescription& description, std::string const& event) {
@@ -271,11 +286,13 @@ void WebsocketImpl::subscribeToEvent(EventDescription& description, std::string 
 uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler handler, uint64_t* assignedId) {
     description.callback = std::move(handler);
     uint64_t const id = nextEventId++;
+    bool wake = false;
     if (assignedId != nullptr) {
         *assignedId = id;
     }
-    std::vector<std::string> requests = std::move(description.requests);
+    std::vector<Request> requests = std::move(description.requests);
     description.startTime = getTimeMillis();
+    uint64_t const due = dueTime(description);
     std::map<uint64_t, EventDescription> registered;
     registered.emplace(id, std::move(description));
     {
@@ -283,9 +300,12 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
         // The merge can't fail, so a call that throws here leaves no entry behind.
         outgoing.insert(outgoing.end(), std::move_iterator(requests.begin()),
                         std::move_iterator(requests.end()));
+        wake = !closingWait || due < closingWaitEnds;
         pendingEvents.merge(registered);
     }
-    wakeup.signal();
+    if (wake) {
+        wakeup.signal();
+    }
     return id;
 }
 
@@ -310,14 +330,11 @@ void WebsocketImpl::readerRunner() {
         }
         if (!ws) {
             waitForEnd(reconnectMs);
-        } else if (ws->getReadyState() == easywsclient::WebSocket::OPEN) {
-            serveOpenSocket();
         } else if (ws->getReadyState() == easywsclient::WebSocket::CLOSED) {
             ws.reset();
             waitForEnd(reconnectMs);
         } else {
-            // The link is closing because the daemon asked for it or broke the protocol, and stays so for good.
-            waitForEnd(pollMs);
+            serveSocket();
         }
     } while (sweepAndGoOn());
 }
@@ -329,28 +346,47 @@ void WebsocketImpl::connect(std::string const& url) {
     }
 }
 
-void WebsocketImpl::serveOpenSocket() {
-    // The signal is cleared before the queue is emptied and before `running` is read, so that whatever comes later
-    // ends the wait again.
+void WebsocketImpl::serveSocket() {
+    // The link is closing when the daemon asked for it or broke the protocol, and stays so for good.
+    bool const closing = ws->getReadyState() == easywsclient::WebSocket::CLOSING;
+    // The signal is cleared before the queues and `running` are read, so that whatever comes later ends the wait.
     wakeup.clear();
-    sendOutgoing();
-    bool wait = false;
-    {
-        std::lock_guard const lock(runningMutex);
-        wait = running;
+    int const wait = timeToWait(closing);
+    if (closing) {
+        wakeup.wait(wait);
+        return;
     }
-    ws->poll(wait ? pollMs : 0);
+    sendOutgoing();
+    ws->poll(wait);
     ws->dispatch([this](std::string const& text) { handle_message(text); });
 }
 
+// How long the reader may wait when nothing happens, in milliseconds; -1: without limit.
+int WebsocketImpl::timeToWait(bool closing) {
+    std::lock_guard const eventsLock(eventsMutex);
+    admitPending(closing);
+    {
+        std::lock_guard const runningLock(runningMutex);
+        if (!running) {
+            return 0;
+        }
+    }
+    uint64_t const longest = wakeup.descriptor() < 0 ? undisturbedMs : INT_MAX;
+    if (nextTimeout == never) {
+        return longest == INT_MAX ? -1 : undisturbedMs;
+    }
+    uint64_t const now = getTimeMillis();
+    return static_cast<int>(std::min(nextTimeout - std::min(nextTimeout, now), longest));
+}
+
 void WebsocketImpl::sendOutgoing() {
-    std::deque<std::string> requests;
+    std::deque<Request> requests;
     {
         std::lock_guard const lock(outgoingMutex);
         requests.swap(outgoing);
     }
-    for (std::string const& request : requests) {
-        ws->send(request);
+    for (Request const& request : requests) {
+        ws->send(requestToString(request.name, request.payload));
     }
     ws->flush();
 }
@@ -380,19 +416,29 @@ void WebsocketImpl::drainOnShutdown() {
     ws->poll(0);
     uint64_t const start = getTimeMillis();
     uint64_t waited = 0;
-    while (ws->getReadyState() == easywsclient::WebSocket::OPEN && ws->unsentBytes() > 0 && waited < pollMs) {
-        ws->poll(pollMs - static_cast<int>(waited));
+    while (ws->getReadyState() == easywsclient::WebSocket::OPEN && ws->unsentBytes() > 0 &&
+           waited < drainMs) {
+        ws->poll(drainMs - static_cast<int>(waited));
         waited = getTimeMillis() - start;
     }
+}
+
+uint64_t WebsocketImpl::dueTime(EventDescription const& entry) {
+    bool const armed = entry.timeoutMs != 0 && entry.startTime != 0 && !entry.awaitedEvents.empty();
+    // A time-out is over when more than its milliseconds have passed.
+    return armed && entry.timeoutMs < never - entry.startTime - 1 ? entry.startTime + entry.timeoutMs + 1
+                                                                  : never;
 }
 
 void WebsocketImpl::sweepTimeouts() {
     static std::string const event = timeoutEvent;
     uint64_t const now = getTimeMillis();
     bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
+    nextTimeout = never;
     visitEntries([&](EventDescription& entry) {
-        if (entry.timeoutMs == 0 || entry.startTime == 0 || now - entry.startTime <= entry.timeoutMs ||
-            entry.awaitedEvents.empty()) {
+        uint64_t const due = dueTime(entry);
+        if (due > now) {
+            nextTimeout = std::min(nextTimeout, due);
             return false;
         }
         Json::Value message;
@@ -449,12 +495,18 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
 // A request leaves after its entry became pending and its answer comes later still, so no answer is missed. What
 // was registered while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called
 // between two visits; the caller holds eventsMutex.
-void WebsocketImpl::admitPending() {
+void WebsocketImpl::admitPending(bool beforeClosingWait) {
     std::lock_guard const lock(outgoingMutex);
     for (auto& [id, entry] : pendingEvents) {
         entry.startTime = std::max(entry.startTime, visitEnded);
+        nextTimeout = std::min(nextTimeout, dueTime(entry));
     }
     events.merge(pendingEvents);
+    // Under the same lock, so that a caller who comes next compares with a time that knows of all before.
+    if (beforeClosingWait) {
+        closingWait = true;
+        closingWaitEnds = nextTimeout;
+    }
 }
 
 // Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited

@@ -34,6 +34,8 @@ Json::Value const& payloadOf(Json::Value const& message);
 // Starts a thread; failure throws std::system_error with the text "thread constructor failed".
 std::thread startThread(std::function<void()> body);
 
+// Fills the head of a record for a failure of the library itself.
+void setSdkError(KelvarisSDK_BaseResult& result);
 // Each fills the head of a record with an error type and that type's own text.
 void noWebsocketImplementation(KelvarisSDK_BaseResult* result);
 void invalidArgument(KelvarisSDK_BaseResult* result);
@@ -50,11 +52,16 @@ constexpr char timeoutEvent[] = "sdk_error";
 // Called with the event's name, the raw text and the parsed message; true removes the entry.
 using EventHandler = std::function<bool(std::string const&, std::string const&, Json::Value const&)>;
 
+struct Request {
+    std::string name;
+    Json::Value payload = {};
+};
+
 // One waiting call.
 struct EventDescription {
     std::vector<Json::Value> awaitedEvents;    // {"event": name, "members": [filter objects]}
     std::vector<std::string> subscribedEvents; // delivered without filter and without time-out
-    std::vector<std::string> requests;         // finished texts, queued by getResult
+    std::vector<Request> requests;             // queued by getResult
     EventHandler callback;
     uint64_t startTime = 0; // of getTimeMillis; 0: the time-out isn't armed
     bool skipParse = false; // the handler wants no parsed message
@@ -62,8 +69,8 @@ struct EventDescription {
     bool finished = false;  // something was delivered
 };
 
-// An eventfd: a queued request and the end of the object end the reader's wait on an open socket with it.
-// Signals that come before the reader has seen the first of them cost no system call.
+// An eventfd that ends the reader's wait. Signals that come before the reader has seen the first of them cost no
+// system call.
 class Wakeup {
 public:
     Wakeup();
@@ -71,11 +78,14 @@ public:
     Wakeup(Wakeup const&) = delete;
     Wakeup& operator=(Wakeup const&) = delete;
 
-    // -1 where the process has no descriptor left: the wait then lasts its full time.
+    // -1 where the process had no descriptor left: nothing ends a wait then, and the reader has to look by itself.
     int descriptor() const;
+    // Is no point at which the calling thread can be cancelled.
     void signal();
     // What was done before a signal that this call takes back is seen after it.
     void clear();
+    // Waits for a signal, at most this long; -1: without limit.
+    void wait(int milliseconds) const;
 
 private:
     int const fd;
@@ -96,7 +106,8 @@ public:
     WebsocketImpl(WebsocketImpl const&) = delete;
     WebsocketImpl& operator=(WebsocketImpl const&) = delete;
 
-    static std::string requestToString(std::string const& request, Json::Value const& payload);
+    // The text of a request on the wire. Called by the reader thread, which owns the writer.
+    std::string requestToString(std::string const& request, Json::Value const& payload);
 
     // A request without an answer, queued at once.
     void sendRequest(std::string const& request, Json::Value const& payload = {});
@@ -123,21 +134,26 @@ public:
     // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
     void handle_message(std::string const& text);
 
-    static thread_local bool isInReaderThread;
+    static constinit thread_local bool isInReaderThread;
 
 private:
     class Message;
 
+    static constexpr uint64_t never = UINT64_MAX;
+    // When the entry's time-out is due, as getTimeMillis counts.
+    static uint64_t dueTime(EventDescription const& entry);
+
     void readerRunner();
     void connect(std::string const& url);
-    void serveOpenSocket();
+    void serveSocket();
     void sendOutgoing();
     void drainOnShutdown();
     void waitForEnd(int milliseconds);
+    int timeToWait(bool closing);
     bool sweepAndGoOn();
     void sweepTimeouts();
     bool deliver(EventDescription& entry, Message& message);
-    void admitPending();
+    void admitPending(bool beforeClosingWait = false);
     template <class Visit> void visitEntries(Visit visit);
 
     // Constant after construction.
@@ -147,20 +163,24 @@ private:
 
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
+    std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;
     bool running = true; // guarded by runningMutex
 
     std::recursive_mutex eventsMutex;            // recursive: callbacks remove entries
-    std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next three
+    std::map<uint64_t, EventDescription> events; // guarded by eventsMutex, as are the next four
     uint64_t const* visitedId = nullptr;         // the entry under delivery
     bool visitedRemoved = false;                 // it was removed meanwhile
     uint64_t visitEnded = 0;                     // of getTimeMillis; until then callbacks may have run
+    uint64_t nextTimeout = never;                // of getTimeMillis; the earliest of the table's
 
     std::mutex outgoingMutex;
-    std::deque<std::string> outgoing;                   // guarded by outgoingMutex, as is the next
+    std::deque<Request> outgoing;                       // guarded by outgoingMutex, as are the next three
     std::map<uint64_t, EventDescription> pendingEvents; // registered, and not in the table yet
+    bool closingWait = false;         // the reader waits in the closing state: requests can't leave any more
+    uint64_t closingWaitEnds = never; // of getTimeMillis; only what is due earlier has to end that wait
 
     static std::atomic<uint64_t> nextEventId;
 

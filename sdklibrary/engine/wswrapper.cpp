@@ -39,12 +39,9 @@ private:
     sem_t done;
 };
 
-// Fills the head for the engine's own failures: a time-out brings its type and text, a report that can't be read
-// brings none.
-void setSdkError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
-    head.error = true;
-    head.errorCode = static_cast<int32_t>(KelvarisSDK_ErrorType_SDK);
-    setText(head.errorMessage, "Error from SDK");
+// A time-out brings its own type and text.
+void setEngineError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
+    setSdkError(head);
     if (message.isMember(Keys::_type)) {
         head.errorCode = message[Keys::_type].asInt();
     }
@@ -68,7 +65,7 @@ bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Jso
 bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
               std::string const& event, std::string const& text, Json::Value const& message) {
     if (event == timeoutEvent) {
-        setSdkError(head, message);
+        setEngineError(head, message);
         return true;
     }
     try {
@@ -77,7 +74,7 @@ bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, Even
         }
         return parser(event, text, message);
     } catch (std::exception const&) {
-        setSdkError(head, Json::Value());
+        setSdkError(head);
         return true;
     }
 }
@@ -85,9 +82,7 @@ bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, Even
 EventDescription describe(Exchange const& exchange) {
     EventDescription description;
     description.timeoutMs = exchange.timeoutMs;
-    for (Request const& request : exchange.requests) {
-        WebsocketImpl::sendRequest(description, request.name, request.payload);
-    }
+    description.requests = exchange.requests;
     for (std::string const& event : exchange.subscribed) {
         WebsocketImpl::subscribeToEvent(description, event);
     }

@@ -19,11 +19,6 @@
 
 namespace kelvarissdk {
 
-struct Request {
-    std::string name;
-    Json::Value payload = {};
-};
-
 struct AwaitedReport {
     std::string event;
     Json::Value members = {}; // null: any report of that name; else what the payload must hold

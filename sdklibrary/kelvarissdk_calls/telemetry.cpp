@@ -267,6 +267,10 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
         return result;
     }
     std::lock_guard const lock(statsLock);
+    if (enable && !startStatsThread()) {
+        setSdkError(result);
+        return result;
+    }
     statsEnabled = enable;
     Json::Value payload;
     payload[Keys::_enable] = enable;
@@ -277,6 +281,7 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
         }
     }
     websocket->sendRequest("stat_subscribe", payload);
+    statsChanged.notify_all();
     return result;
 }
 

@@ -2,6 +2,7 @@
 // every call fails at once.
 
 #include "arguments.h"
+#include "calls.h"
 #include "kelvarissdk.h"
 #include "websockets.h"
 

@@ -1,9 +1,14 @@
-// The actions: each calls one or two functions of the library on `sdk`, prints the result, and returns the
-// run's status: 0, or 1 when the result is an error.
+// Each action calls one or two functions of the library on `sdk`, prints the result, and returns the run's
+// status: 0, or 1 when the result is an error.
 
 #pragma once
 
+#include <type_traits>
+
 #include <kelvarissdk/csdkinterface.h>
+
+// The library object of this run is null before main makes it and after main has destroyed it.
+extern KelvarisSDK_Handle* sdk;
 
 // core
 int requestState();
@@ -50,7 +55,8 @@ int enableDefaultRoute(bool enable);
 int setForwardPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports);
 int setConnectionEncryption(char const* adapterID, bool enable);
 int requestPrivacySettings();
-int setDnsServers(unsigned short count, char (*addresses)[46]);
+using DnsText = std::remove_extent_t<decltype(KelvarisSDK_PrivacySettingsResult::dnsAddresses)>;
+int setDnsServers(unsigned short count, DnsText* addresses);
 int requestCaptivePortalCheck();
 int setCaptivePortalLoginOn(char const* adapterID);
 int setCaptivePortalLoginOff();
@@ -76,11 +82,10 @@ int setLocalProxyEnabled(bool enabled);
 int requestStreamingSettings();
 int requestStreamingBypass();
 int setStreamingBypass(char const* name, bool enable);
-// Replacing a list, adding to it and removing from it. The array has room for mostListItems; of a larger
-// count it holds the first of them. Adding and removing are a read and a write; nobody locks the list in
-// between.
-using DomainText = char[50];
-constexpr int mostListItems = 100;
+// These replace a list, add to it and remove from it. The array has maxListItems elements, and of a
+// larger count it holds the first. Adding and removing are a read and a write; nobody locks the list in between.
+using DomainText = std::remove_extent_t<decltype(KelvarisSDK_ListBlock::domains)>;
+constexpr int maxListItems = std::extent_v<decltype(KelvarisSDK_ListBlock::domains)>;
 int setFirewallDomains(int count, DomainText* domains);
 int addFirewallDomains(int count, DomainText* domains);
 int remFirewallDomains(int count, DomainText* domains);
@@ -138,7 +143,7 @@ int refreshSafeBrowsingToken(char const* token);
 int reportSafeBrowsingHomeNetwork(unsigned int retries, unsigned long long delay, unsigned long long timeout);
 int updateSafeBrowsingExtraInfo(char const* info);
 int getSafeBrowsingSettings();
-// Both print events as a stream until `duration` seconds after the first one; without end for 0 and -1.
+// Both print events as a stream until `duration` seconds after the first one; 0 and -1 have no end.
 int listenForSafeBrowsingErrors(int duration);
 int listenForSafeBrowsingBlocks(int duration);
 int getSafeBrowsingStats();

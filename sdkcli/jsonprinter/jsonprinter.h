@@ -1,5 +1,5 @@
-// Records as documents: each printer writes one styled JSON text to standard output (printError to standard
-// error) and flushes.
+// Each printer writes its record as one styled JSON text to standard output (printError to standard error) and
+// flushes.
 
 #pragma once
 
@@ -10,14 +10,14 @@
 #include <kelvarissdk/csdkinterface.h>
 
 void writeDocument(Json::Value const& document, std::FILE* stream = stdout);
-// The same with a document's finished text.
+// Writes a document's finished text in the same way.
 void writeText(std::string const& text, std::FILE* stream = stdout);
 
 // core
 void printError(KelvarisSDK_BaseResult const& result);
 void printStateResult(KelvarisSDK_StateResult const& result);
 void printVersionResult(KelvarisSDK_VersionResult const& result);
-// Pairs as an array of objects, each with its protocol and port.
+// The pairs make an array of objects, each with its protocol and port.
 Json::Value portsDocument(KelvarisSDK_ProtocolPortPair const* ports, unsigned count);
 
 // session
@@ -38,7 +38,7 @@ void printAdaptersResult(KelvarisSDK_AdaptersResult const& result);
 
 // lists
 void printFirewallResult(KelvarisSDK_FirewallSettingsResult const& result);
-// The proxy's switch alone; its lists and services are what streaming bypass shows.
+// This prints the proxy's switch alone; its lists and services are what streaming bypass shows.
 void printLocalProxyResult(KelvarisSDK_LocalProxySettingsResult const& result);
 void printStreamingBypass(KelvarisSDK_LocalProxySettingsResult const& result);
 void printStreamingResult(KelvarisSDK_StreamingSettingsResult const& result);

@@ -1,0 +1,254 @@
+// The tool's tables, its usage lines, the man pages, the completion scripts and the simulator know the same words.
+
+#include "actions.h"
+#include "grammar.h"
+#include "support/process.h"
+#include "support/simulator.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <json/json.h>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using Words = std::vector<std::string>;
+using harness::Outcome;
+
+std::string read(std::string const& path) {
+    std::ifstream file(path);
+    EXPECT_TRUE(file) << path;
+    return (std::ostringstream() << file.rdbuf()).str();
+}
+
+Words matches(std::string const& text, std::string const& pattern) {
+    std::regex const expression(pattern);
+    return {std::sregex_token_iterator(text.begin(), text.end(), expression), std::sregex_token_iterator()};
+}
+
+Words words(std::string const& text) {
+    return matches(text, "[\\w-]+");
+}
+
+bool has(Words const& words, std::string const& word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+std::string manPage(std::string const& program) {
+    return std::regex_replace(read(SOURCE_DIR "/docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
+}
+
+// What the usage lines say may stand behind the words typed; "*" is any word.
+std::map<std::string, Words> behindTyped() {
+    std::map<std::string, Words> behind;
+    for (Rule const& rule : rules()) {
+        std::string const& pattern = rule.patterns.front();
+        for (Offer const& offer : rule.offers) {
+            behind[pattern.substr(0, pattern.rfind(' '))].push_back(offer.word);
+        }
+    }
+    return behind;
+}
+
+// The keywords of the tables, by those that lead to them.
+void addKeywords(std::map<std::string, Words>& found, std::string const& typed, Keywords rows) {
+    for (Keyword const& row : rows) {
+        found[typed].push_back(row.word);
+        if (row.following != nullptr) {
+            addKeywords(found, typed + (typed.empty() ? "" : " ") + row.word, *row.following);
+        }
+    }
+}
+
+std::map<std::string, Words> allKeywords() {
+    std::map<std::string, Words> found;
+    addKeywords(found, "", keywords);
+    return found;
+}
+
+TEST(Grammar, EveryKeywordHasAUsageLineAndTheOtherWayRound) {
+    std::map<std::string, Words> behind = behindTyped();
+    for (auto const& [typed, known] : allKeywords()) {
+        for (std::string const& word : known) {
+            EXPECT_TRUE(has(behind[typed], word)) << "no usage line: " << typed << ' ' << word;
+        }
+        for (std::string const& word : behind[typed]) {
+            EXPECT_TRUE(has(known, word)) << "no action: " << typed << ' ' << word;
+        }
+    }
+}
+
+// The entries of the man page's actions: the words of their first line, and of all of them.
+std::vector<std::pair<Words, Words>> manEntries() {
+    std::string const page = std::regex_replace(manPage("sdkcli"), std::regex(R"(\\f.|"|\\ )"), "");
+    std::vector<std::pair<Words, Words>> found;
+    for (std::string const& text : matches(page, R"(\n\.T[PQ]\n\.B[^\n]*(\n(?!\.T[PQ]|\.S[HS])[^\n]*)*)")) {
+        std::string const plain = std::regex_replace(text.substr(4), std::regex(R"(\n\.[A-Z]+ ?)"), "\n");
+        for (std::string const& head : matches(plain.substr(1, plain.find('\n', 1)), "[^,]+")) {
+            found.emplace_back(words(head), words(plain));
+        }
+    }
+    return found;
+}
+
+// A keyword stands in the first line of its entry, any other word somewhere in the entry of its action. The kinds of
+// lists have entries of their own.
+TEST(Grammar, EveryWordIsInTheManPage) {
+    auto const entries = manEntries();
+    auto known = allKeywords();
+    auto const isHead = [&](std::string const& word) {
+        return std::any_of(entries.begin(), entries.end(),
+                           [&](auto const& entry) { return entry.first[0] == word; });
+    };
+    for (auto const& [typed, offers] : behindTyped()) {
+        for (std::string const& offer : offers) {
+            bool const isKeyword = has(known[typed], offer);
+            Words const action = words(isKeyword ? typed + ' ' + offer : typed);
+            auto const isItsEntry = [&](auto const& entry) {
+                auto const fits = [&](std::string const& word) {
+                    return has(entry.first, word) || (has(entry.first, "KIND") && isHead(word));
+                };
+                return entry.first[0] == action[0] && std::all_of(action.begin(), action.end(), fits) &&
+                       (isKeyword || has(entry.second, offer));
+            };
+            EXPECT_TRUE(std::any_of(entries.begin(), entries.end(), isItsEntry))
+                << "man page: " << typed << ' ' << offer;
+        }
+    }
+}
+
+// What bash offers behind each of these command lines, in the same order.
+Words offeredByBash(Words const& commandLines) {
+    std::string script = "COMP_WORDBREAKS=:\nsource " COMPLETIONS "sdkcli.bash\n"
+                         "offer() { COMP_WORDS=(\"$@\" '') COMP_CWORD=$# COMP_LINE=\"$* \"\n"
+                         "_sdkcli " SDKCLI_PATH "\necho \" ${COMPREPLY[*]} \"; }\n";
+    for (std::string const& line : commandLines) {
+        script += "offer sdkcli " + line + '\n';
+    }
+    Outcome const outcome = harness::runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
+    EXPECT_EQ(outcome.err, "");
+    Words offered = matches(outcome.out, "[^\n]+");
+    EXPECT_EQ(offered.size(), commandLines.size());
+    offered.resize(commandLines.size());
+    return offered;
+}
+
+TEST(Grammar, EveryWordIsCompleted) {
+    std::string const zsh = read(COMPLETIONS "sdkcli.zsh");
+    std::string const fish = read(COMPLETIONS "sdkcli.fish");
+    std::map<std::string, Words> const behind = behindTyped();
+    Words commandLines;
+    for (auto const& [typed, offers] : behind) {
+        commandLines.push_back("-p 1 " + std::regex_replace(typed, std::regex("\\*"), "x"));
+    }
+    Words const offered = offeredByBash(commandLines);
+    auto line = offered.begin();
+    for (auto const& [typed, offers] : behind) {
+        for (std::string const& offer : offers) {
+            EXPECT_NE(line->find(' ' + offer + ' '), line->npos) << "bash: " << typed << ' ' << offer;
+            EXPECT_TRUE(std::regex_search(zsh, std::regex(" '" + offer + "[:']"))) << "zsh: " << offer;
+            EXPECT_TRUE(std::regex_search(fish, std::regex("echo " + offer + "[\\\\\n]")))
+                << "fish: " << offer;
+        }
+        ++line;
+    }
+}
+
+// What the tool prints of this simulated daemon.
+Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
+    harness::Command command{.path = SDKCLI_PATH, .argv = {"sdkcli", "-p", std::to_string(daemon.port)}};
+    Words const action = matches(line, "[^ ]+");
+    command.argv.insert(command.argv.end(), action.begin(), action.end());
+    Outcome const outcome = harness::runProcess(command);
+    EXPECT_EQ(outcome.status, 0) << line << '\n' << outcome.err;
+    Json::Value document;
+    EXPECT_TRUE(Json::Reader().parse(outcome.out, document)) << line;
+    return document;
+}
+
+TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
+    harness::Simulator const daemon;
+    shown(daemon, "firewall domains set a.example b.example");
+    shown(daemon, "firewall ports set 443 53/udp");
+    shown(daemon, "streamingbypass ipv6 set fe80::1");
+    std::map<std::string, std::string> const expected = {
+        {"adapter encryption", " eth0 wlan0 wwan0 usb0 "},
+        {"firewall domains rem", " a.example b.example "},
+        {"firewall ports rem 1", " 443/tcp 53/udp "},
+        {"streamingbypass ipv6 set", " fe80::1 "},
+        {"streamingbypass service", " video music sports "},
+        {"connect us nyc", " 1 2 3 4 5 "},
+        {"captiveportal login off", "  "},
+    };
+    Words commandLines;
+    for (auto const& [typed, offers] : expected) {
+        commandLines.push_back("-i 127.0.0.1 -p " + std::to_string(daemon.port) + ' ' + typed);
+    }
+    Words const offered = offeredByBash(commandLines);
+    auto line = offered.begin();
+    for (auto const& [typed, offers] : expected) {
+        EXPECT_EQ(*line++, offers) << typed;
+    }
+}
+
+// Each choice of a setting shows in one printed key, which is no other setting's.
+TEST(Grammar, EverySettingShowsInItsKey) {
+    harness::Simulator const daemon;
+    Words lines(std::begin(helpLines), std::end(helpLines));
+    lines.insert(lines.end(), std::begin(unlistedLines), std::end(unlistedLines));
+    std::map<std::string, std::string> settings;
+    for (auto const& [typed, offers] : behindTyped()) {
+        std::string line = typed + " <";
+        for (std::string const& offer : offers) {
+            line += offer + (offer == offers.back() ? '>' : '|');
+        }
+        if (!has(lines, line)) {
+            continue; // takes more words
+        }
+        std::map<std::string, std::set<Json::Value>>
+            values; // of each key, which the document's first key tells apart
+        for (std::string const& offer : offers) {
+            Json::Value const document = shown(daemon, typed + ' ' + offer);
+            for (std::string const& key : document.getMemberNames()) {
+                values[document.getMemberNames()[0] + "... " + key].insert(document[key]);
+            }
+        }
+        std::erase_if(values, [](auto const& each) { return each.second.size() == 1; });
+        ASSERT_EQ(values.size(), 1U) << line << ": it changes another number of keys";
+        EXPECT_EQ(values.begin()->second.size(), offers.size())
+            << line << " changes " << values.begin()->first;
+        EXPECT_TRUE(settings.emplace(values.begin()->first, line).second)
+            << line << " changes the key of " << settings[values.begin()->first];
+    }
+    EXPECT_GT(settings.size(), 12U);
+}
+
+TEST(Grammar, EveryShownKeyIsInTheManPage) {
+    harness::Simulator const daemon;
+    std::string const page = manPage("sdkcli");
+    for (Keyword const& keyword : showKeywords) {
+        std::string const text = shown(daemon, std::string("show ") + keyword.word).toStyledString();
+        for (std::string const& key : matches(text, "\\w+(?=\" :)")) {
+            EXPECT_TRUE(std::regex_search(page, std::regex("\n *(\\w+, )*" + key + "(,| )")))
+                << "show " << keyword.word << " prints " << key;
+        }
+    }
+}
+
+TEST(Grammar, EveryOptionOfTheSimulatorIsDocumentedAndCompleted) {
+    Words const options =
+        matches(harness::runProcess({SIMULATOR_PATH, {"kelvarissim", "--help"}}).out, "\n  --[a-z-]+");
+    EXPECT_GT(options.size(), 5U);
+    for (std::string const& option : options) {
+        std::string const name = option.substr(3);
+        EXPECT_TRUE(std::regex_search(manPage("kelvarissim"), std::regex("\n\\.B[IR]* " + name + "[ \n]")))
+            << name;
+        EXPECT_TRUE(has(words(read(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
+    }
+}
+
+} // namespace
