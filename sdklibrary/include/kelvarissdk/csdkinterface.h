@@ -3,7 +3,7 @@
  *
  * CONVENTIONS
  *
- *  1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's threads and begins to
+ *  1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's reader thread and begins to
  *     connect; it doesn't wait for the connection. Calls may follow at once: they wait for the link as
  *     they wait for the daemon. A lost link is made again, with an attempt every 250 ms, for as long as
  *     the handle lives; only a daemon that closes the WebSocket properly, or breaks its protocol, is
@@ -49,7 +49,7 @@
  *     guard, and the call then waits without limit. No time-out comes while the library looks up the
  *     address, connects, or waits for the daemon to complete the upgrade, none of which it limits.
  *     Two C++ exceptions can leave the interface: std::system_error leaves KelvarisSDK_CreateWithSettings
- *     when a thread can't be started, and std::bad_alloc leaves any call when memory runs out.
+ *     when a thread can't be started, and std::bad_alloc may leave any call when memory runs out.
  *
  *  7. Synchronous and asynchronous. With a null callback a call waits and returns the finished record.
  *     With a callback it returns at once: `error` false, `errorCode` 3584, `callbackId` the id of the
@@ -131,8 +131,8 @@ typedef struct KelvarisSDK_CreateSettings {
 KELVARISSDK_API void KelvarisSDK_InitializeCreateSettings(KelvarisSDK_CreateSettings* settings);
 
 /**
- * Makes a handle, starts its threads and begins to connect. That no daemon can be reached is reported by the
- * calls that follow. The caller owns the handle until KelvarisSDK_Destroy.
+ * Makes a handle, starts its reader thread and begins to connect. That no daemon can be reached is reported
+ * by the calls that follow. The caller owns the handle until KelvarisSDK_Destroy.
  */
 KELVARISSDK_API KelvarisSDK_Handle* KelvarisSDK_CreateWithSettings(KelvarisSDK_CreateSettings settings);
 

@@ -28,7 +28,8 @@ extern "C" {
  * `periods` are those of the session statistics, in hours: 0 is the current session, 4294967295 all time. At
  * most five are sent; a `periodCount` of five or more takes five values from the array. With `enable` false
  * or a `periodCount` of 0 it isn't read and may be null. Waits for nothing: `error` is false once the request
- * is queued. May be called in a callback.
+ * is queued. It is SDK (3840) when the thread that repeats the request, which the first subscription of a
+ * handle starts, can't be started. May be called in a callback.
  */
 KELVARISSDK_API KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
                                                                      unsigned char periodCount,
