@@ -4,21 +4,21 @@
  *
  *     cc -std=c99 read_state.c -lkelvarissdk -o read_state
  */
-#define _POSIX_C_SOURCE 200809L
-
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <kelvarissdk/csdkinterface.h>
 
-/* Texts in records have no terminator when they fill their field. */
-#define TEXT(field) (int)strnlen(field, sizeof(field)), field
+/* Texts in records have no terminator when they fill their field. "%.*s" stops at the field's end. */
+#define TEXT(field) (int)sizeof(field), field
 
-/* Says why a call failed, if it did. */
+/* Says why a call failed, if it did: the code, the text of the code, and the message of this failure. */
 static bool failed(char const* what, KelvarisSDK_BaseResult const* result) {
     if (result->error) {
-        fprintf(stderr, "%s: %.*s (%d)\n", what, TEXT(result->errorMessage), (int)result->errorCode);
+        KelvarisSDK_ErrorType type = (KelvarisSDK_ErrorType)result->errorCode;
+        fprintf(stderr, "%s: error %d, %s: %.*s\n", what, (int)result->errorCode,
+                KelvarisSDK_ErrorType_toString(type), TEXT(result->errorMessage));
     }
     return result->error;
 }

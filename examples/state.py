@@ -28,31 +28,47 @@ class StateResult(ctypes.Structure):
 StateCallback = ctypes.CFUNCTYPE(ctypes.c_bool, StateResult, ctypes.c_void_p)
 
 library = ctypes.CDLL("libkelvarissdk.so.12")
-library.KelvarisSDK_CreateWithSettings.argtypes = [CreateSettings]
-library.KelvarisSDK_CreateWithSettings.restype = ctypes.c_void_p
-library.KelvarisSDK_Destroy.argtypes = [ctypes.c_void_p]
-library.KelvarisSDK_GetState.argtypes = [ctypes.c_void_p, StateCallback, ctypes.c_void_p]
-library.KelvarisSDK_GetState.restype = StateResult
-library.KelvarisSDK_State_toString.restype = ctypes.c_char_p
 
 
-def text(result):
+def function(name, result, *arguments):
+    """One of the library's functions. Without its types ctypes would cut pointers to 32 bits."""
+    declared = getattr(library, "KelvarisSDK_" + name)
+    declared.restype = result
+    declared.argtypes = arguments
+    return declared
+
+
+initialize = function("InitializeCreateSettings", None, ctypes.POINTER(CreateSettings))
+create = function("CreateWithSettings", ctypes.c_void_p, CreateSettings)
+destroy = function("Destroy", None, ctypes.c_void_p)
+get_state = function("GetState", StateResult, ctypes.c_void_p, StateCallback, ctypes.c_void_p)
+state_text = function("State_toString", ctypes.c_char_p, ctypes.c_uint32)
+error_text = function("ErrorType_toString", ctypes.c_char_p, ctypes.c_uint32)
+
+
+def show(result):
     if result.base.error:
-        sys.exit(result.base.errorMessage.decode(errors="replace"))
-    return library.KelvarisSDK_State_toString(result.state).decode()
+        message = result.base.errorMessage.decode(errors="replace")
+        sys.exit(f"{error_text(result.base.errorCode).decode()}: {message}")
+    print(state_text(result.state).decode())
+
+
+def show_twice(sdk):
+    show(get_state(sdk, StateCallback(), None))
+
+    results = queue.SimpleQueue()
+    # It returns false, which ends the subscription. The name keeps it alive for as long as the library may call it.
+    callback = StateCallback(lambda result, _: bool(results.put(result)))
+    registered = get_state(sdk, callback, None)
+    show(registered if registered.base.error else results.get())
 
 
 settings = CreateSettings()
-library.KelvarisSDK_InitializeCreateSettings(ctypes.byref(settings))
+initialize(ctypes.byref(settings))
 if len(sys.argv) > 1:
     settings.port = int(sys.argv[1])
-sdk = library.KelvarisSDK_CreateWithSettings(settings)
-
-print(text(library.KelvarisSDK_GetState(sdk, StateCallback(), None)))
-
-results = queue.SimpleQueue()
-# It returns false, which ends the subscription. The name keeps it alive for as long as the library may call it.
-callback = StateCallback(lambda result, _: bool(results.put(result)))
-library.KelvarisSDK_GetState(sdk, callback, None)
-print(text(results.get()))
-library.KelvarisSDK_Destroy(sdk)
+sdk = create(settings)
+try:
+    show_twice(sdk)
+finally:
+    destroy(sdk)

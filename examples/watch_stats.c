@@ -15,8 +15,8 @@
 
 #include <kelvarissdk/csdkinterface.h>
 
-/* Texts in records have no terminator when they fill their field. */
-#define TEXT(field) (int)strnlen(field, sizeof(field)), field
+/* Texts in records have no terminator when they fill their field. "%.*s" stops at the field's end. */
+#define TEXT(field) (int)sizeof(field), field
 
 /* Runs on the library's thread: prints and returns, and waits for nothing. */
 static bool showConnections(KelvarisSDK_ConnectionStatsResult result, void* userData) {
@@ -28,9 +28,9 @@ static bool showConnections(KelvarisSDK_ConnectionStatsResult result, void* user
     ++*reports;
     for (unsigned i = 0; i < result.stats.connectionCount; ++i) {
         KelvarisSDK_ConnectionStats const* stats = &result.stats.connections[i];
-        printf("%-12.*s %-12s %6" PRId64 " ms %10.2f Mbit/s down %8.2f up\n", TEXT(stats->adapterID),
-               stats->connected ? "connected" : "down", stats->latencyMs, (double)stats->receiveBps / 1e6,
-               (double)stats->sendBps / 1e6);
+        printf("%-12.*s %-12s %6" PRId64 " ms %8.2f Mbit/s down %8.2f up, estimated\n",
+               TEXT(stats->adapterID), stats->connected ? "connected" : "down", stats->latencyMs,
+               stats->receiveEstimateMbps, stats->sendEstimateMbps);
     }
     puts("");
     fflush(stdout);
@@ -66,7 +66,9 @@ int main(int argc, char* argv[]) {
     sigwait(&signals, &signal);
 
     KelvarisSDK_EnableStatUpdates(sdk, false, 0, NULL);
-    KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
+    if (!call.base.error) { /* a call that failed at once has no id */
+        KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
+    }
     KelvarisSDK_Destroy(sdk);
     printf("%lu reports\n", reports);
     return 0;

@@ -9,7 +9,7 @@ namespace kelvarissim {
 namespace {
 
 constexpr Json::Int64 bytesPerReport = 4096;
-constexpr Json::Int64 mostBoost = 1'000'000'000'000;
+constexpr Json::Int64 maxBoost = 1'000'000'000'000;
 constexpr int priorityNever = 100;
 
 enum ConnectionState { disconnected, connecting, connected };
@@ -56,8 +56,8 @@ Json::Value cellular(std::string const& id) {
     return value;
 }
 
-// Just plugged in: the daemon knows nothing of it but what it is.
-Json::Value nameless(std::string const& id) {
+// This adapter's report lacks every optional key, so that clients meet their defaults.
+Json::Value unnamed(std::string const& id) {
     Json::Value value;
     value["guid"] = id;
     value["type"] = "Modem";
@@ -67,7 +67,7 @@ Json::Value nameless(std::string const& id) {
 
 using Change = void (*)(Json::Value& adapter, Json::Value const& payload);
 
-// Nothing happens, and nothing is reported, when no adapter has that id.
+// A request with an unknown id changes nothing and gets no report, so its client runs into the time-out.
 void changeAdapter(Request const& request, char const* idKey, Change change) {
     World& world = request.daemon.world();
     Json::Value const& id = request.payload[idKey];
@@ -81,7 +81,7 @@ void changeAdapter(Request const& request, char const* idKey, Change change) {
     request.daemon.log("no such adapter");
 }
 
-// 0 and less lift a limit.
+// A limit of 0 or less removes the key, because a report without the key means that there is no limit.
 void setLimit(Json::Value& object, char const* key, Json::Int64 limit) {
     if (limit > 0) {
         object[key] = limit;
@@ -95,9 +95,9 @@ void setPriority(Json::Value& adapter, Json::Value const& payload) {
 }
 
 void setRateLimit(Json::Value& adapter, Json::Value const& payload) {
-    // The report has 32 bits for it.
-    Json::Int64 const most = std::numeric_limits<int>::max();
-    setLimit(adapter, "rateLimit", std::min(payload["bps"].asInt64(), most));
+    // Clients read this field with 32 bits, so a larger limit would make the whole report unreadable.
+    Json::Int64 const max = std::numeric_limits<int>::max();
+    setLimit(adapter, "rateLimit", std::min(payload["bps"].asInt64(), max));
 }
 
 void setMonthlyLimit(Json::Value& adapter, Json::Value const& payload) {
@@ -111,8 +111,8 @@ void setDailyLimit(Json::Value& adapter, Json::Value const& payload) {
 
 void addDailyBoost(Json::Value& adapter, Json::Value const& payload) {
     Json::Value& boost = adapter["limits"]["boostDaily"];
-    Json::Int64 const more = std::clamp<Json::Int64>(payload["value"].asInt64(), 0, mostBoost);
-    boost = std::min(boost.asInt64() + more, mostBoost);
+    Json::Int64 const more = std::clamp<Json::Int64>(payload["value"].asInt64(), 0, maxBoost);
+    boost = std::min(boost.asInt64() + more, maxBoost);
 }
 
 void setOverlimitRate(Json::Value& adapter, Json::Value const& payload) {
@@ -126,11 +126,11 @@ void resetUsage(Json::Value& adapter, Json::Value const&) {
 
 } // namespace
 
-std::vector<Json::Value> startingAdapters() {
-    return {ethernet("eth0"), wifi("wlan0"), cellular("wwan0"), nameless("usb0")};
+std::vector<Json::Value> initialAdapters() {
+    return {ethernet("eth0"), wifi("wlan0"), cellular("wwan0"), unnamed("usb0")};
 }
 
-// What is in use has carried a little more with every report.
+// Each report adds some traffic to the adapters in use, so that their usage grows visibly.
 Json::Value networksReport(World& world) {
     Json::Value report(Json::arrayValue);
     for (Json::Value& each : world.adapters) {

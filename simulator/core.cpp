@@ -50,7 +50,7 @@ void enterState(Daemon& daemon, SessionState state) {
 void registerCore(Registry& registry) {
     auto names = std::make_shared<AppNames>();
     registry.on("set_app_name", [names](Request const& request) { setAppName(*names, request); });
-    registry.onClientGone(
+    registry.onDisconnect(
         [names](Daemon& daemon, ClientId client) { forgetAppName(*names, daemon, client); });
     registry.on("request_current_state", [](Request const& request) {
         request.answer("report_current_state", stateReport(request.daemon.world().state));

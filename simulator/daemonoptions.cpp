@@ -6,10 +6,10 @@ namespace kelvarissim {
 
 namespace {
 
-constexpr int longestMs = 3'600'000;
-constexpr unsigned mostRequests = std::numeric_limits<unsigned>::max();
+constexpr int maxMs = 3'600'000;
+constexpr unsigned maxRequests = std::numeric_limits<unsigned>::max();
 
-// "REQUEST=REASON"
+// Reads "REQUEST=REASON". A request name may contain "=", so the last one separates.
 bool addLock(std::map<std::string, int>& locks, std::string const& word) {
     std::size_t const equals = word.rfind('=');
     if (equals == std::string::npos || equals == 0) {
@@ -30,17 +30,17 @@ void addDaemonOptions(OptionTable& options, Settings& settings) {
                                   settings.port);
     options.flag("--verbose", "logs each request (<-) and each report (->) on standard error",
                  settings.verbose);
-    options.number("--interval", "MS", "time between two periodic reports (1000)", 1, longestMs,
+    options.number("--interval", "MS", "time between two periodic reports (1000)", 1, maxMs,
                    settings.intervalMs);
     options.flag("--silent", "upgrades and obeys, but reports nothing", settings.silent);
-    options.number("--delay", "MS", "handles each request that much later, in order", 0, longestMs,
+    options.number("--delay", "MS", "handles each request that much later, in order", 0, maxMs,
                    settings.delayMs);
     options.text("--lock", "REQUEST=REASON", "answers that request with a locked setting; repeatable",
                  [&settings](std::string const& word) { return addLock(settings.locks, word); });
     options.number("--drop-after", "N", "drops each link after N requests on it, set_app_name included", 1U,
-                   mostRequests, settings.dropAfter);
+                   maxRequests, settings.dropAfter);
     options.number("--close-frame-after", "N", "sends a WebSocket close frame after N requests instead", 1U,
-                   mostRequests, settings.closeFrameAfter);
+                   maxRequests, settings.closeFrameAfter);
 }
 
 } // namespace kelvarissim

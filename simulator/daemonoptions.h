@@ -9,7 +9,7 @@
 
 namespace kelvarissim {
 
-// What the command line decides for the daemon as a whole: where it listens and what goes wrong on purpose.
+// The command line decides here where the daemon listens and which faults it shows.
 struct Settings {
     std::uint16_t port = 9330; // 0: any free one
     bool verbose = false;

@@ -23,9 +23,9 @@ Json::Value settingsReport(DirectorySettings const& settings) {
     return report;
 }
 
-// A request without a payload asks for the default.
-void setText(std::string& target, Json::Value const& value, std::string const& byDefault) {
-    target = value.isNull() ? byDefault : value.asString();
+// A request without the value resets the setting to its default.
+void setText(std::string& target, Json::Value const& value, std::string const& defaultText) {
+    target = value.isNull() ? defaultText : value.asString();
 }
 
 } // namespace

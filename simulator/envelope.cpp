@@ -11,7 +11,7 @@ namespace kelvarissim {
 
 namespace {
 
-constexpr char const* requestMark = "kelvaris_sdk";
+constexpr char const* senderName = "kelvaris_sdk";
 
 std::unique_ptr<Json::CharReader> makeReader() {
     Json::CharReaderBuilder builder;
@@ -24,7 +24,7 @@ std::unique_ptr<Json::StreamWriter> makeWriter() {
     builder["commentStyle"] = "None";
     builder["indentation"] = "";
     builder["emitUTF8"] = true;
-    builder["precision"] = 15; // 4.2 stays 4.2
+    builder["precision"] = 15; // so that 4.2 is written as 4.2
     return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
 }
 
@@ -37,8 +37,8 @@ Json::Value parseRequest(std::string const& text) {
     if (!reader->parse(text.data(), text.data() + text.size(), &request, &errors)) {
         throw std::runtime_error("not valid JSON");
     }
-    if (!request.isArray() || request.size() != 3 || !request[0].isString() || request[2] != requestMark) {
-        throw std::runtime_error(std::string("not [name, payload, \"") + requestMark + "\"]");
+    if (!request.isArray() || request.size() != 3 || !request[0].isString() || request[2] != senderName) {
+        throw std::runtime_error(std::string("not [name, payload, \"") + senderName + "\"]");
     }
     return request;
 }

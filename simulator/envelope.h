@@ -5,15 +5,14 @@
 
 namespace kelvarissim {
 
-// The request as it came: [name, payload or null, "kelvaris_sdk"]. Throws std::exception with the reason when
-// the text is no such thing.
+// Returns the parsed request, [name, payload or null, "kelvaris_sdk"]. A text of any other form throws
+// std::exception with the reason.
 Json::Value parseRequest(std::string const& text);
 
-// The text of a report. Clients take the name from the raw text, right behind `["`, so nothing may stand
-// before it.
+// Returns the text of a report. Clients take the name from the raw text, so it must follow `["` directly.
 std::string reportText(std::string const& name, Json::Value const& payload);
 
-// One line, without white space between the tokens.
+// Returns the value as one line without white space between the tokens.
 std::string compactText(Json::Value const& value);
 
 } // namespace kelvarissim

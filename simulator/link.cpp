@@ -11,9 +11,9 @@ namespace http = beast::http;
 namespace websocket = beast::websocket;
 
 constexpr char const* subprotocol = "event-protocol";
-constexpr std::chrono::seconds handshakeTime{30};
+constexpr std::chrono::seconds handshakeTimeout{30};
 
-bool isOrdinaryEnd(beast::error_code const& error) {
+bool isOrdinaryClose(beast::error_code const& error) {
     namespace asio = boost::asio;
     return !error || error == asio::error::eof || error == asio::error::connection_reset ||
            error == asio::error::broken_pipe || error == asio::error::operation_aborted ||
@@ -22,14 +22,14 @@ bool isOrdinaryEnd(beast::error_code const& error) {
 
 } // namespace
 
-Link::Link(boost::asio::ip::tcp::socket socket, ClientId clientId, LinkOwner& linkOwner)
-    : stream(std::move(socket)), clientNumber(clientId), owner(linkOwner) {}
+Link::Link(boost::asio::ip::tcp::socket socket, ClientId clientId, LinkListener& linkListener)
+    : stream(std::move(socket)), clientNumber(clientId), listener(linkListener) {}
 
 void Link::start() {
     beast::tcp_stream& tcp = beast::get_lowest_layer(stream);
     Error ignored;
     tcp.socket().set_option(boost::asio::ip::tcp::no_delay(true), ignored);
-    tcp.expires_after(handshakeTime);
+    tcp.expires_after(handshakeTimeout);
     http::async_read(tcp, input, upgrade, [self = shared_from_this()](Error error, std::size_t) {
         if (error) {
             self->end(error);
@@ -41,7 +41,8 @@ void Link::start() {
 
 void Link::acceptUpgrade() {
     beast::get_lowest_layer(stream).expires_never();
-    stream.set_option(websocket::stream_base::timeout{handshakeTime, websocket::stream_base::none(), false});
+    stream.set_option(
+        websocket::stream_base::timeout{handshakeTimeout, websocket::stream_base::none(), false});
     if (http::token_list(upgrade[http::field::sec_websocket_protocol]).exists(subprotocol)) {
         stream.set_option(websocket::stream_base::decorator([](websocket::response_type& response) {
             response.set(http::field::sec_websocket_protocol, subprotocol);
@@ -57,14 +58,15 @@ void Link::acceptUpgrade() {
 }
 
 void Link::opened() {
-    // No link ends for being idle, and after a close frame the client takes its time.
+    // These time-outs are off, because an idle link is no fault and a client may take its time after a close
+    // frame.
     stream.set_option(websocket::stream_base::timeout{websocket::stream_base::none(),
                                                       websocket::stream_base::none(), false});
     stream.auto_fragment(false);
     stream.text(true);
     input.clear();
     isOpen = true;
-    owner.opened(shared_from_this());
+    listener.opened(shared_from_this());
     read();
 }
 
@@ -77,7 +79,7 @@ void Link::read() {
         Message const message{beast::buffers_to_string(self->input.data()), self->stream.got_text(),
                               ++self->messagesRead};
         self->input.clear();
-        if (self->owner.received(self, message)) {
+        if (self->listener.received(self, message)) {
             self->read();
         }
     });
@@ -107,7 +109,7 @@ void Link::write() {
 }
 
 void Link::endWith(Ending how) {
-    if (!takesReports()) {
+    if (!acceptsReports()) {
         return;
     }
     ending = how;
@@ -133,11 +135,11 @@ void Link::end(Error error) {
     Error ignored;
     beast::get_lowest_layer(stream).socket().shutdown(boost::asio::ip::tcp::socket::shutdown_both, ignored);
     beast::get_lowest_layer(stream).close();
-    std::string const reason = isOrdinaryEnd(error) ? "" : error.message();
+    std::string const reason = isOrdinaryClose(error) ? "" : error.message();
     if (isOpen) {
-        owner.ended(*this, reason);
+        listener.ended(*this, reason);
     } else if (!reason.empty()) {
-        owner.refused(reason);
+        listener.refused(reason);
     }
 }
 

@@ -13,40 +13,40 @@ class Link;
 
 struct Message {
     std::string text;
-    bool isText;     // not a binary one
-    unsigned number; // on its link, from 1
+    bool isText;     // false: the client sent a binary message
+    unsigned number; // counted per link, from 1
 };
 
-// Who is told what happens on a link. ended() follows opened() exactly once.
-class LinkOwner {
+// A listener is notified of what happens on a link. ended() follows opened() exactly once.
+class LinkListener {
 public:
-    virtual ~LinkOwner() = default;
+    virtual ~LinkListener() = default;
     virtual void opened(std::shared_ptr<Link> const& link) = 0;
-    // Returns false when nothing more is to be read from the link.
+    // Returning false stops the reading from the link.
     virtual bool received(std::shared_ptr<Link> const& link, Message const& message) = 0;
-    // The reason is empty when the client just went away.
+    // The reason is empty when the client closed the connection in an ordinary way.
     virtual void ended(Link const& link, std::string const& reason) = 0;
-    // A peer that never became a client.
+    // The peer failed in the upgrade and never became a client.
     virtual void refused(std::string const& reason) = 0;
 };
 
-// The TCP connection and WebSocket of one client, from the accept to the end. Its pending operations keep it
-// alive.
+// Owns the TCP connection and WebSocket of one client, from the accept to the end. The pending operations
+// share the ownership of the link, so it lives until the last of them has finished.
 class Link : public std::enable_shared_from_this<Link> {
 public:
-    Link(boost::asio::ip::tcp::socket socket, ClientId clientId, LinkOwner& linkOwner);
+    Link(boost::asio::ip::tcp::socket socket, ClientId clientId, LinkListener& linkListener);
 
     ClientId id() const {
         return clientNumber;
     }
     void start();
-    // False once an end has been asked for.
-    bool takesReports() const {
+    // This is false once drop() or sendCloseFrame() has been called.
+    bool acceptsReports() const {
         return ending == Ending::none && !hasEnded;
     }
     void send(std::shared_ptr<std::string const> text);
-    // Both first send what is queued. A drop ends the connection without a close frame; after a close frame
-    // the connection stays until the client ends it.
+    // Both calls first send the queued reports. drop() ends the connection without a close frame; after
+    // sendCloseFrame() the connection stays until the client ends it.
     void drop() {
         endWith(Ending::drop);
     }
@@ -70,7 +70,7 @@ private:
     boost::beast::flat_buffer input;
     boost::beast::http::request<boost::beast::http::string_body> upgrade;
     ClientId const clientNumber;
-    LinkOwner& owner;
+    LinkListener& listener;
     std::deque<std::shared_ptr<std::string const>> outgoing; // the front is being written
     unsigned messagesRead = 0;
     Ending ending = Ending::none;

@@ -8,11 +8,12 @@ namespace kelvarissim {
 
 namespace {
 
-// A family whose settings are four lists and a few more keys; the settings are what its report holds.
+// Describes a family whose settings are four lists and a few more keys. `settings` is the payload of its
+// report.
 struct ListFamily {
     ListFamily(std::string const& word, Json::Value otherSettings)
         : requestPrefix("set_" + word + '_'),
-          readRequest("request_" + word + "_settings"),
+          queryRequest("request_" + word + "_settings"),
           report("report_" + word + "_settings"),
           settings(std::move(otherSettings)) {
         for (char const* kind : kinds) {
@@ -22,25 +23,25 @@ struct ListFamily {
 
     static constexpr char const* kinds[] = {"domains", "ipv4", "ipv6", "ports"};
     std::string const requestPrefix;
-    std::string const readRequest;
+    std::string const queryRequest;
     std::string const report;
     Json::Value settings;
 };
 
 using SharedFamily = std::shared_ptr<ListFamily>;
 
-void tellEveryone(ListFamily const& family, Request const& request) {
+void broadcastSettings(ListFamily const& family, Request const& request) {
     request.daemon.broadcast(family.report, family.settings);
 }
 
-// The client checks neither domains nor addresses, and nor does the daemon.
+// The items are stored unchecked, because the client library checks neither domains nor addresses.
 void setList(ListFamily& family, std::string const& kind, Request const& request) {
     Json::Value const& list = request.payload[kind];
     if (!list.isArray()) {
         throw std::runtime_error("no list of " + kind);
     }
     family.settings[kind] = list;
-    tellEveryone(family, request);
+    broadcastSettings(family, request);
 }
 
 void switchService(ListFamily& proxy, Request const& request) {
@@ -49,13 +50,13 @@ void switchService(ListFamily& proxy, Request const& request) {
             service["enabled"] = request.payload["enabled"].asBool();
         }
     }
-    tellEveryone(proxy, request);
+    broadcastSettings(proxy, request);
 }
 
-// The requests that all three have: the read, and one for each list.
+// Registers the requests that all three families have: the query, and one request for each list.
 SharedFamily registerLists(Registry& registry, std::string const& word, Json::Value otherSettings) {
     auto family = std::make_shared<ListFamily>(word, std::move(otherSettings));
-    registry.on(family->readRequest,
+    registry.on(family->queryRequest,
                 [family](Request const& request) { request.answer(family->report, family->settings); });
     for (std::string const kind : ListFamily::kinds) {
         registry.on(family->requestPrefix + kind,
@@ -90,7 +91,7 @@ void registerFirewall(Registry& registry) {
     SharedFamily const firewall = registerLists(registry, "firewall", settings);
     registry.on("set_firewall_mode", [firewall](Request const& request) {
         firewall->settings["mode"] = request.payload["mode"].asString();
-        tellEveryone(*firewall, request);
+        broadcastSettings(*firewall, request);
     });
 }
 
@@ -98,7 +99,7 @@ void registerLocalProxy(Registry& registry) {
     SharedFamily const proxy = registerLists(registry, "localproxy", proxySettings());
     registry.on("set_localproxy_enabled", [proxy](Request const& request) {
         proxy->settings["enabled"] = request.payload["enabled"].asBool();
-        tellEveryone(*proxy, request);
+        broadcastSettings(*proxy, request);
     });
     registry.on("set_localproxy_domainwatchlist_enable",
                 [proxy](Request const& request) { switchService(*proxy, request); });

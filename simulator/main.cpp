@@ -43,7 +43,7 @@ int run(std::vector<std::string> const& words) {
 } // namespace kelvarissim
 
 int main(int argc, char** argv) {
-    // Whoever reads the log may go away before the daemon does.
+    // A reader of the log may end before the daemon does, which must not end the daemon too.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return kelvarissim::run({argv + 1, argv + argc});

@@ -21,16 +21,17 @@ template <typename T> std::optional<T> readNumber(std::string_view text, T min, 
     return value;
 }
 
-// The command line: one row an option, which is also its line of --help. An option's target has to live
-// until parse() has returned; a family keeps it in the structure that its handlers share.
+// Holds the command line as a table: each option is a row, which is also the option's line in --help. An
+// option's target must live until parse() has returned; a family keeps it in the structure that its handlers
+// share.
 class OptionTable {
 public:
     enum class Outcome { run, helpShown, refused };
 
-    // A word without a value: sets the target.
+    // Adds an option without a value; it sets the target to true.
     void flag(std::string const& name, std::string const& help, bool& target);
 
-    // A decimal number from min to max. The target is a T or an optional of it.
+    // Adds an option that takes a decimal number from min to max. The target is a T or an optional of it.
     template <typename T, typename Target>
     void number(std::string const& name, std::string const& valueName, std::string const& help, T min, T max,
                 Target& target) {
@@ -43,8 +44,8 @@ public:
         });
     }
 
-    // Any other value: apply() judges and stores it, and returns false to refuse it. Runs once for each time
-    // the option is given.
+    // Adds an option with any other value. apply() checks and stores the value and returns false to refuse
+    // it. It runs each time the option is given.
     void text(std::string name, std::string valueName, std::string help,
               std::function<bool(std::string const&)> apply);
 

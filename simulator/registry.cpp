@@ -10,9 +10,9 @@ void Registry::on(std::string const& requestName, Handler handler) {
     }
 }
 
-std::string Registry::foreignLock(std::string const& requestName) const {
-    auto const lock = foreignLocks.find(requestName);
-    return lock == foreignLocks.end() ? "" : lock->second;
+std::string Registry::additionalLock(std::string const& requestName) const {
+    auto const lock = additionalLocks.find(requestName);
+    return lock == additionalLocks.end() ? "" : lock->second;
 }
 
 Handler const* Registry::find(std::string const& requestName) const {

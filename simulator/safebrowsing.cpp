@@ -21,14 +21,14 @@ struct SafeBrowsing {
     std::string logLevel = "info";
     std::string networkOverride = "none";
 
-    std::optional<int> connectError; // of the service, from the command line
-    TimerId traffic = 0;             // runs while enabled
+    std::optional<int> connectError; // the service's error code, from --safebrowsing-error
+    TimerId traffic = 0;             // the timer that runs while the service is enabled
 
-    // Since the start of the daemon.
+    // These count from the daemon's start.
     unsigned rounds = 0;
     unsigned lookups = 0;
-    unsigned shortestMs = 0;
-    unsigned longestMs = 0;
+    unsigned minMs = 0;
+    unsigned maxMs = 0;
     unsigned totalMs = 0;
     unsigned errors = 0;
     unsigned blocks = 0;
@@ -49,8 +49,8 @@ Json::Value settings(SafeBrowsing const& filter) {
 Json::Value stats(SafeBrowsing const& filter) {
     unsigned const lookups = std::max(filter.lookups, 1U);
     Json::Value report;
-    report["min"] = filter.shortestMs;
-    report["max"] = filter.longestMs;
+    report["min"] = filter.minMs;
+    report["max"] = filter.maxMs;
     report["average"] = filter.totalMs / lookups;
     report["num_errors"] = filter.errors;
     report["num_blocks"] = filter.blocks;
@@ -62,14 +62,14 @@ Json::Value stats(SafeBrowsing const& filter) {
 }
 
 void countLookup(SafeBrowsing& filter, unsigned ms) {
-    filter.shortestMs = filter.lookups == 0 ? ms : std::min(filter.shortestMs, ms);
-    filter.longestMs = std::max(filter.longestMs, ms);
+    filter.minMs = filter.lookups == 0 ? ms : std::min(filter.minMs, ms);
+    filter.maxMs = std::max(filter.maxMs, ms);
     filter.totalMs += ms;
     ++filter.lookups;
 }
 
-// What users of the network do in one interval: some pages that are fine, one that is blocked, and one whose
-// look-up fails.
+// Simulates the traffic of one interval: some allowed pages, one that is blocked, and one whose look-up
+// fails.
 void browse(SafeBrowsing& filter, Daemon& daemon) {
     constexpr std::array blocked{"malware.example", "phishing.example", "tracker.example"};
     constexpr std::array unknown{"slow.example", "nowhere.example"};
@@ -103,8 +103,8 @@ void reportSettings(SafeBrowsing const& filter, Request const& request) {
     request.daemon.broadcast(settingsReport, settings(filter));
 }
 
-// Whether the service can be reached; if not, the client is told so.
-bool reachService(SafeBrowsing const& filter, Request const& request) {
+// Returns whether the service can be reached, and reports the error to the client when it can't.
+bool connectService(SafeBrowsing const& filter, Request const& request) {
     if (filter.connectError) {
         Json::Value report;
         report["error"] = *filter.connectError;
@@ -114,10 +114,11 @@ bool reachService(SafeBrowsing const& filter, Request const& request) {
     return !filter.connectError;
 }
 
-// An empty configuration ends the service, which needs nobody's consent.
+// An empty configuration stops the service. Stopping needs no connection, so it succeeds even with
+// --safebrowsing-error.
 void initialize(SafeBrowsing& filter, Request const& request) {
     bool const starts = !request.payload["config"].asString().empty();
-    if (starts && !reachService(filter, request)) {
+    if (starts && !connectService(filter, request)) {
         return;
     }
     filter.isInitialized = starts;
@@ -130,10 +131,10 @@ void setConfig(SafeBrowsing& filter, Request const& request) {
     reportSettings(filter, request);
 }
 
-// A token, a home network or extra information: the service takes each of them as a start, so that the
-// settings that follow are initialized.
+// A token, a home network or extra information initializes the service, because the client's calls wait for
+// settings that are initialized.
 void contactService(SafeBrowsing& filter, Request const& request) {
-    if (reachService(filter, request)) {
+    if (connectService(filter, request)) {
         filter.isInitialized = true;
         reportSettings(filter, request);
     }

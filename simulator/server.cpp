@@ -13,28 +13,29 @@ namespace {
 namespace asio = boost::asio;
 using asio::ip::tcp;
 
-constexpr std::chrono::milliseconds acceptPause{100};
+constexpr std::chrono::milliseconds acceptRetryDelay{100};
 
-void note(std::string const& text) {
+void logAlways(std::string const& text) {
     std::cerr << "kelvarissim: " + text + '\n';
 }
 
-// The start of a message for the log, on one line of ASCII whatever bytes it holds.
+// Returns the start of a message for the log, with every byte replaced that would break the line.
 std::string excerpt(std::string const& message) {
-    constexpr std::size_t longest = 200;
-    std::string start = message.substr(0, longest);
+    constexpr std::size_t maxLength = 200;
+    std::string start = message.substr(0, maxLength);
     std::replace_if(
         start.begin(), start.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
-    return message.size() > longest ? start + "..." : start;
+    return message.size() > maxLength ? start + "..." : start;
 }
 
-// Families read payloads without testing types: what doesn't convert throws, and ends here.
+// The families read payloads without testing their types; a value that doesn't convert throws, and the
+// exception ends here.
 template <typename Action> bool guarded(std::string const& what, Action action) {
     try {
         action();
         return true;
     } catch (std::exception const& error) {
-        note(what + ": " + error.what());
+        logAlways(what + ": " + error.what());
         return false;
     }
 }
@@ -45,7 +46,7 @@ Server::Server(Registry const& families, Settings const& commandLine)
     : registry(families), settings(commandLine) {}
 
 std::uint16_t Server::listen() {
-    // Caught from here on: whoever has read the port may send one at once.
+    // The signals are caught from here on, because whoever has read the port may send one at once.
     signals.add(SIGINT);
     signals.add(SIGTERM);
     tcp::endpoint const endpoint(asio::ip::address_v4::loopback(), settings.port);
@@ -69,9 +70,9 @@ void Server::run() {
 void Server::accept() {
     acceptor.async_accept([this](boost::system::error_code const& error, tcp::socket socket) {
         if (error) {
-            // Out of descriptors, as a rule: some may be free a little later.
-            note("accept: " + error.message());
-            after(acceptPause, [this] { accept(); });
+            // The process is usually out of descriptors then, and some may be free a little later.
+            logAlways("accept: " + error.message());
+            after(acceptRetryDelay, [this] { accept(); });
             return;
         }
         std::make_shared<Link>(std::move(socket), ++lastClient, *this)->start();
@@ -90,15 +91,15 @@ void Server::ended(Link const& link, std::string const& reason) {
     if (reason.empty()) {
         log(clientText(client) + " gone");
     } else {
-        note(clientText(client) + " gone: " + reason);
+        logAlways(clientText(client) + " gone: " + reason);
     }
-    for (ClientGoneHook const& hook : registry.clientGoneHooks()) {
-        guarded(clientText(client) + " gone", [&] { hook(*this, client); });
+    for (DisconnectHandler const& handler : registry.disconnectHandlers()) {
+        guarded(clientText(client) + " gone", [&] { handler(*this, client); });
     }
 }
 
 void Server::refused(std::string const& reason) {
-    note("refused a connection: " + reason);
+    logAlways("refused a connection: " + reason);
 }
 
 bool Server::received(std::shared_ptr<Link> const& link, Message const& message) {
@@ -128,7 +129,8 @@ bool Server::received(std::shared_ptr<Link> const& link, Message const& message)
     if (settings.delayMs == 0) {
         action();
     } else {
-        // Each timer runs the oldest action, so the order holds even when two timers end at once.
+        // Each timer runs the oldest action, so the order of requests is kept even when two timers end at
+        // once.
         delayed.emplace_back(std::move(action));
         after(std::chrono::milliseconds(settings.delayMs), [this] { runDelayed(); });
     }
@@ -145,7 +147,7 @@ void Server::handle(ClientId client, Json::Value const& request) {
     std::string const name = request[0].asString();
     auto lock = settings.locks.find(name);
     if (lock == settings.locks.end()) {
-        lock = settings.locks.find(registry.foreignLock(name));
+        lock = settings.locks.find(registry.additionalLock(name));
     }
     if (lock != settings.locks.end()) {
         Json::Value payload;
@@ -177,7 +179,7 @@ void Server::broadcast(std::string const& report, Json::Value const& payload) {
 }
 
 void Server::sendText(Link& link, std::shared_ptr<std::string const> const& text) {
-    if (settings.silent || !link.takesReports()) {
+    if (settings.silent || !link.acceptsReports()) {
         return;
     }
     if (settings.verbose) {
@@ -208,7 +210,7 @@ void Server::arm(TimerId id) {
         if (found == timers.end()) {
             return; // cancelled
         }
-        // The action may cancel its own timer, so it holds on to itself while it runs.
+        // The action may cancel its own timer, so this reference keeps the timer alive while it runs.
         std::shared_ptr<Timer> const running = found->second;
         bool again = false;
         guarded("timer", [&] { again = running->action(); });
@@ -226,7 +228,7 @@ std::chrono::milliseconds Server::interval() const {
 
 void Server::log(std::string const& line) {
     if (settings.verbose) {
-        note(line);
+        logAlways(line);
     }
 }
 

@@ -11,15 +11,15 @@
 
 namespace kelvarissim {
 
-// The daemon itself: accepts links, hands requests to the families, and knows time. A request passes
-// received() -> the delay -> handle() -> its family's handler.
-class Server final : public Daemon, public LinkOwner {
+// The daemon itself: it accepts links, hands the requests to the families and runs the timers. A request goes
+// through received(), the delay of the command line, handle() and its family's handler.
+class Server final : public Daemon, public LinkListener {
 public:
     Server(Registry const& families, Settings const& commandLine);
 
-    // Throws boost::system::system_error when the port can't be had. Returns the port.
+    // Returns the port; throws boost::system::system_error when the port isn't free.
     std::uint16_t listen();
-    // Returns after stop() or a signal.
+    // Serves the links until stop() or a signal ends it.
     void run();
 
     World& world() override {
@@ -62,7 +62,7 @@ private:
     boost::asio::io_context io{1};
     boost::asio::signal_set signals{io};
     boost::asio::ip::tcp::acceptor acceptor{io};
-    std::map<ClientId, std::shared_ptr<Link>> links; // the upgraded ones
+    std::map<ClientId, std::shared_ptr<Link>> links; // only those whose upgrade has succeeded
     std::map<TimerId, std::shared_ptr<Timer>> timers;
     std::deque<std::function<void()>> delayed; // in the order of their requests
     ClientId lastClient = 0;

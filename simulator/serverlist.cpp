@@ -74,12 +74,12 @@ Json::Value serverReport(ListedServer const& server) {
     return report;
 }
 
-template <typename Matches> std::optional<ListedServer> firstOf(Matches matches) {
+template <typename Matches> std::optional<ListedServer> findFirst(Matches matches) {
     auto const server = std::find_if(servers().begin(), servers().end(), matches);
     return server == servers().end() ? std::nullopt : std::optional(*server);
 }
 
-std::optional<ListedServer> findPlace(std::string const& text) {
+std::optional<ListedServer> findByLocation(std::string const& text) {
     std::istringstream pieces(text);
     std::string country;
     std::string city;
@@ -87,7 +87,7 @@ std::optional<ListedServer> findPlace(std::string const& text) {
     std::getline(pieces, country, '|');
     std::getline(pieces, city, '|');
     std::getline(pieces, num);
-    return firstOf([&](ListedServer const& server) {
+    return findFirst([&](ListedServer const& server) {
         return server.country == country && (city.empty() || server.city == city) &&
                (num.empty() || std::to_string(server.num) == num);
     });
@@ -106,15 +106,15 @@ ListedServer proxyServer() {
 
 std::optional<ListedServer> findServer(std::string const& text) {
     if (text == "user" || text == "userpublic") {
-        return firstOf([](ListedServer const& server) { return !server.isPrivate; });
+        return findFirst([](ListedServer const& server) { return !server.isPrivate; });
     }
     if (text == "userprivate") {
-        return firstOf([](ListedServer const& server) { return server.isPrivate; });
+        return findFirst([](ListedServer const& server) { return server.isPrivate; });
     }
     if (text == "p2p") {
-        return firstOf([](ListedServer const& server) { return server.permitsTorrents; });
+        return findFirst([](ListedServer const& server) { return server.permitsTorrents; });
     }
-    return text == "proxy" ? proxyServer() : findPlace(text);
+    return text == "proxy" ? proxyServer() : findByLocation(text);
 }
 
 Json::Value directoryReport() {
@@ -125,11 +125,11 @@ Json::Value directoryReport() {
     return report;
 }
 
-// The addresses are from the blocks for documentation.
+// The addresses are from the blocks that are reserved for documentation.
 Json::Value connectedServerReport(ListedServer const& server) {
     Json::Value report = serverReport(server);
-    report["publicIP"].append("203.0.113." + std::to_string(100 + server.place));
-    report["publicIP"].append("2001:db8::" + std::to_string(100 + server.place));
+    report["publicIP"].append("203.0.113." + std::to_string(100 + server.position));
+    report["publicIP"].append("2001:db8::" + std::to_string(100 + server.position));
     return report;
 }
 

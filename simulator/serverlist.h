@@ -13,17 +13,17 @@ struct ListedServer {
     int num;
     bool isPrivate;
     bool permitsTorrents;
-    int place; // in the list, from 1; the addresses are made of it
+    int position; // in the list, from 1; the server's addresses are derived from it
 };
 
-// The closest one first.
+// The servers, sorted by distance.
 std::vector<ListedServer> const& servers();
 
-// What connects through the proxy; it is no server of the list.
+// The proxy, which isn't in the list.
 ListedServer proxyServer();
 
-// The first server that a text names: "user", "userpublic", "userprivate", "p2p", "proxy", or
-// "country[|city[|num]]". An empty city is any.
+// Returns the first server that matches the text: "user", "userpublic", "userprivate", "p2p", "proxy", or
+// "country[|city[|num]]". An empty city matches any city.
 std::optional<ListedServer> findServer(std::string const& text);
 
 Json::Value directoryReport();

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds step{100}; // between two states
+constexpr milliseconds transitionTime{100}; // between two states
 
 struct Account {
     std::string email;
@@ -21,12 +21,12 @@ struct Account {
 struct Session {
     std::optional<Account> account = Account{"demo@example.com"};
     bool autoAccountAllowed = false;
-    std::optional<ListedServer> server; // connected to it
+    std::optional<ListedServer> server; // empty while disconnected
     std::optional<ListedServer> lastServer;
     std::string connectMethod = "user";
     std::string connectCountry;
     std::optional<int> connectError; // from --connect-error
-    TimerId nextStep = 0;
+    TimerId transition = 0;
 };
 
 using SessionPtr = std::shared_ptr<Session>;
@@ -38,26 +38,26 @@ Json::Value errorReport(int type, std::string const& message) {
     return report;
 }
 
-// What comes next happens after a while, unless another request changes the course of the session.
-void setNextStep(SessionPtr const& session, Daemon& daemon, std::function<void()> action) {
-    daemon.cancel(session->nextStep);
-    session->nextStep = daemon.after(step, std::move(action));
+// Schedules the next transition and replaces a pending one, because the latest request decides.
+void scheduleTransition(SessionPtr const& session, Daemon& daemon, std::function<void()> action) {
+    daemon.cancel(session->transition);
+    session->transition = daemon.after(transitionTime, std::move(action));
 }
 
-SessionState restingState(Session const& session) {
+SessionState idleState(Session const& session) {
     return session.account ? SessionState::loggedIn : SessionState::loggedOut;
 }
 
-// A login ends any connection. Without an account it has failed, and the client learns why.
+// A login ends any connection. A missing account means that the login fails with this error.
 void logIn(SessionPtr const& session, Request const& request, std::optional<Account> const& account,
            Json::Value const& error = {}) {
     Daemon& daemon = request.daemon;
     session->account.reset();
     session->server.reset();
     enterState(daemon, SessionState::loggingIn);
-    setNextStep(session, daemon, [session, &daemon, client = request.client, account, error] {
+    scheduleTransition(session, daemon, [session, &daemon, client = request.client, account, error] {
         session->account = account;
-        enterState(daemon, restingState(*session));
+        enterState(daemon, idleState(*session));
         if (!account) {
             daemon.send(client, "report_login_error", error);
         }
@@ -89,7 +89,7 @@ void logInAutomatically(SessionPtr const& session, Request const& request) {
 }
 
 void logOut(Session& session, Daemon& daemon) {
-    daemon.cancel(session.nextStep);
+    daemon.cancel(session.transition);
     session.account.reset();
     session.server.reset();
     enterState(daemon, SessionState::loggedOut);
@@ -109,7 +109,7 @@ Json::Value accountingReport(Account const& account) {
     return report;
 }
 
-// "auto" is what the connect method says.
+// "auto" uses the stored connect method.
 std::optional<ListedServer> serverFor(Session const& session, std::string const& text) {
     if (text == "last") {
         return session.lastServer ? session.lastServer : findServer("user");
@@ -122,10 +122,10 @@ std::optional<ListedServer> serverFor(Session const& session, std::string const&
 
 void failToConnect(Session const& session, Daemon& daemon, Json::Value const& error) {
     daemon.broadcast("report_connect_error", error);
-    enterState(daemon, restingState(session));
+    enterState(daemon, idleState(session));
 }
 
-void arrive(Session& session, Daemon& daemon, ListedServer const& server) {
+void finishConnecting(Session& session, Daemon& daemon, ListedServer const& server) {
     session.server = session.lastServer = server;
     daemon.broadcast("report_connected_server", connectedServerReport(server));
     enterState(daemon, SessionState::connected);
@@ -139,7 +139,7 @@ void connect(SessionPtr const& session, Request const& request) {
     }
     session->server.reset();
     enterState(daemon, SessionState::autoConnecting);
-    setNextStep(session, daemon, [session, &daemon, text = request.payload["server"].asString()] {
+    scheduleTransition(session, daemon, [session, &daemon, text = request.payload["server"].asString()] {
         std::optional<ListedServer> const server = serverFor(*session, text);
         if (session->connectError) {
             failToConnect(*session, daemon, errorReport(*session->connectError, "Unable to connect"));
@@ -147,8 +147,9 @@ void connect(SessionPtr const& session, Request const& request) {
             failToConnect(*session, daemon, errorReport(4, "No server matches " + text));
         } else {
             enterState(daemon, SessionState::connecting);
-            setNextStep(session, daemon,
-                        [session, &daemon, server = *server] { arrive(*session, daemon, server); });
+            scheduleTransition(session, daemon, [session, &daemon, server = *server] {
+                finishConnecting(*session, daemon, server);
+            });
         }
     });
 }
@@ -156,7 +157,7 @@ void connect(SessionPtr const& session, Request const& request) {
 void disconnect(SessionPtr const& session, Daemon& daemon) {
     session->server.reset();
     enterState(daemon, SessionState::disconnecting);
-    setNextStep(session, daemon, [session, &daemon] { enterState(daemon, restingState(*session)); });
+    scheduleTransition(session, daemon, [session, &daemon] { enterState(daemon, idleState(*session)); });
 }
 
 Json::Value serverSettingsReport(Session const& session) {
@@ -166,7 +167,7 @@ Json::Value serverSettingsReport(Session const& session) {
     return report;
 }
 
-// Without a payload it is the default again.
+// A request without a method resets it to the default.
 void setConnectMethod(Session& session, Request const& request) {
     Json::Value const& method = request.payload["connect_to_best_method"];
     session.connectMethod = method.isNull() ? "user" : method.asString();

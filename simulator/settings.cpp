@@ -2,52 +2,48 @@
 #include "registry.h"
 
 #include <memory>
+#include <vector>
 
 namespace kelvarissim {
 
 namespace {
 
-constexpr Json::ArrayIndex mostDnsServers = 3;
+constexpr Json::ArrayIndex maxDnsServers = 3;
 
-// What is set, as it is reported.
+// Holds the settings in the form in which they are reported.
 struct Tunnel {
     Json::Value connection;
     Json::Value privacy;
 };
 
-// A request that replaces one setting. Many settings have a key of their own in the report.
+// Describes a setting that one request replaces. The request and the report often spell its key differently.
 struct PlainSetting {
     char const* request;
     char const* sentKey;
     char const* reportedKey;
+    Json::Value initial;
 };
 
-constexpr PlainSetting plainSettings[] = {
-    {"set_connection_algorithm", "algorithm", "algorithm"},
-    {"set_connection_transport", "transport_mode", "transport_mode"},
-    {"set_dev_jumbo_packets", "enable", "jumbo_packets"},
-    {"set_packet_aggregation", "enable", "packet_aggregation"},
-    {"set_header_compression", "enable", "header_compress"},
-    {"set_startup_connect", "connect", "startup_connect"},
-    {"set_overflow_threshold", "speed", "connection_secondary_speed_activation"},
-    {"set_connection_enable_default_route", "enabled", "enable_default_route"},
-    {"set_connection_forward_ports", "forward_ports", "forward_ports"},
-};
+std::vector<PlainSetting> plainSettings() {
+    return {
+        {"set_connection_algorithm", "algorithm", "algorithm", "SP"},
+        {"set_connection_transport", "transport_mode", "transport_mode", "auto"},
+        {"set_dev_jumbo_packets", "enable", "jumbo_packets", false},
+        {"set_packet_aggregation", "enable", "packet_aggregation", true},
+        {"set_header_compression", "enable", "header_compress", true},
+        {"set_startup_connect", "connect", "startup_connect", false},
+        {"set_overflow_threshold", "speed", "connection_secondary_speed_activation", 2.5},
+        {"set_connection_enable_default_route", "enabled", "enable_default_route", true},
+        {"set_connection_forward_ports", "forward_ports", "forward_ports", Json::Value(Json::arrayValue)},
+    };
+}
 
-Json::Value firstConnectionSettings() {
+// Returns the settings that no plain request replaces; registerSettings() adds the plain ones.
+Json::Value initialConnectionSettings() {
     Json::Value settings;
-    settings["algorithm"] = "SP";
-    settings["transport_mode"] = "auto";
     settings["encrypted"] = true;
     settings["allow_chacha_encryption"] = true;
-    settings["jumbo_packets"] = false;
-    settings["packet_aggregation"] = true;
-    settings["header_compress"] = true;
-    settings["startup_connect"] = false;
-    settings["enable_default_route"] = true;
-    settings["connection_secondary_speed_activation"] = 2.5;
     settings["connection_priority_overflow_treshold"] = 0.5;
-    settings["forward_ports"] = Json::Value(Json::arrayValue);
     settings["perconn_encryption"] = false;
     settings["perconn_encryption_settings"] = Json::Value(Json::objectValue);
     settings["parallel_sockets"]["eth0"] = 4;
@@ -56,7 +52,7 @@ Json::Value firstConnectionSettings() {
     return settings;
 }
 
-Json::Value firstPrivacySettings() {
+Json::Value initialPrivacySettings() {
     Json::Value settings;
     settings["killswitch"] = false;
     settings["dnsleak"] = true;
@@ -70,8 +66,8 @@ void reportConnection(Tunnel const& tunnel, Daemon& daemon) {
     daemon.broadcast("report_connection_settings", tunnel.connection);
 }
 
-// For one adapter when the request names it; for the whole tunnel, which ends the adapters' own settings,
-// when it names none.
+// A request that names an adapter sets that adapter's encryption. A request without one sets the whole
+// tunnel's and ends the adapters' own settings.
 void setEncryption(Tunnel& tunnel, Request const& request) {
     bool const enable = request.payload["enable"].asBool();
     Json::Value& settings = tunnel.connection;
@@ -89,13 +85,13 @@ void setEncryption(Tunnel& tunnel, Request const& request) {
 void setDnsServers(Tunnel& tunnel, Request const& request) {
     Json::Value& addresses = tunnel.privacy["dns_addresses"];
     addresses = request.payload["dns_addresses"];
-    if (addresses.size() > mostDnsServers) {
-        addresses.resize(mostDnsServers);
+    if (addresses.size() > maxDnsServers) {
+        addresses.resize(maxDnsServers);
     }
     request.daemon.broadcast("report_privacy_settings", tunnel.privacy);
 }
 
-// The wireless network of this world is always captive.
+// The simulated wireless network always has a captive portal, so that every check finds something.
 Json::Value captiveNetworks() {
     Json::Value report;
     report["networks"].append("wlan0");
@@ -114,13 +110,14 @@ void setPortalLogin(Request const& request) {
 
 void registerSettings(Registry& registry) {
     auto tunnel = std::make_shared<Tunnel>();
-    tunnel->connection = firstConnectionSettings();
-    tunnel->privacy = firstPrivacySettings();
+    tunnel->connection = initialConnectionSettings();
+    tunnel->privacy = initialPrivacySettings();
 
     registry.on("request_connection_settings", [tunnel](Request const& request) {
         request.answer("report_connection_settings", tunnel->connection);
     });
-    for (PlainSetting const& setting : plainSettings) {
+    for (PlainSetting const& setting : plainSettings()) {
+        tunnel->connection[setting.reportedKey] = setting.initial;
         registry.on(setting.request, [tunnel, setting](Request const& request) {
             tunnel->connection[setting.reportedKey] = request.payload[setting.sentKey];
             reportConnection(*tunnel, request.daemon);

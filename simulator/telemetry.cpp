@@ -13,9 +13,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds subscriptionTime(60); // without a repeat
-constexpr std::chrono::seconds testTime(2);
-constexpr unsigned testsKept = 8;
+constexpr std::chrono::seconds subscriptionLifetime(60); // a repeat prolongs it
+constexpr std::chrono::seconds testDuration(2);
+constexpr unsigned maxTests = 8;
 
 struct Subscription {
     Clock::time_point end;
@@ -26,12 +26,12 @@ struct Telemetry {
     Traffic traffic;
     std::map<ClientId, Subscription> subscriptions;
     bool isReporting = false;
-    Json::Value tests{Json::arrayValue}; // the newest first
+    Json::Value tests{Json::arrayValue}; // sorted by time, newest first
     std::string disconnectReason = "USERINITIATED";
     std::time_t sessionEnd = std::time(nullptr) - 3600;
 };
 
-// Clients that have named no period hear of this session.
+// A client that has named no period gets the current session's statistics.
 std::set<Period> periodsOf(Telemetry const& telemetry, ClientId client) {
     auto const subscription = telemetry.subscriptions.find(client);
     if (subscription == telemetry.subscriptions.end() || subscription->second.periods.empty()) {
@@ -42,11 +42,11 @@ std::set<Period> periodsOf(Telemetry const& telemetry, ClientId client) {
 
 bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
     std::erase_if(telemetry.subscriptions, [&daemon](auto const& entry) {
-        bool const lapsed = entry.second.end <= Clock::now();
-        if (lapsed) {
+        bool const expired = entry.second.end <= Clock::now();
+        if (expired) {
             daemon.log(clientText(entry.first) + " has not repeated its subscription");
         }
-        return lapsed;
+        return expired;
     });
     telemetry.traffic.advance(daemon.interval());
     for (auto const& [client, subscription] : telemetry.subscriptions) {
@@ -59,14 +59,14 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
     return telemetry.isReporting = !telemetry.subscriptions.empty();
 }
 
-// A repeat without periods keeps those of before.
+// A repeat without periods keeps the subscription's earlier periods.
 void subscribe(std::shared_ptr<Telemetry> const& telemetry, Request const& request) {
     if (!request.payload["enable"].asBool()) {
         telemetry->subscriptions.erase(request.client);
         return;
     }
     Subscription& subscription = telemetry->subscriptions[request.client];
-    subscription.end = Clock::now() + subscriptionTime;
+    subscription.end = Clock::now() + subscriptionLifetime;
     if (request.payload.isMember("periods")) {
         subscription.periods.clear();
         for (Json::Value const& hours : request.payload["periods"]) {
@@ -88,8 +88,9 @@ std::string localTime() {
     return text.data();
 }
 
-// Each test comes out a little different from the one before.
-Json::Value finishedTest(bool ofStream, unsigned earlier) {
+// Each test's figures differ a little from those of the test before, so that a new result can be told from
+// it.
+Json::Value finishedTest(bool isStreamTest, unsigned earlier) {
     double const variation = 1 + 0.05 * (earlier % 5);
     Json::Value test;
     test["time"] = localTime();
@@ -101,8 +102,8 @@ Json::Value finishedTest(bool ofStream, unsigned earlier) {
     test["error"] = false;
     test["msg"] = "";
     test["latency"] = 19 + earlier % 5;
-    test["type"] = ofStream ? 2 : 1;
-    if (ofStream) {
+    test["type"] = isStreamTest ? 2 : 1;
+    if (isStreamTest) {
         test["resolution"] = "1080p";
         test["fps"] = 60;
         test["jitter"] = 2 + earlier % 3;
@@ -111,10 +112,10 @@ Json::Value finishedTest(bool ofStream, unsigned earlier) {
     return test;
 }
 
-void finishTest(Telemetry& telemetry, Daemon& daemon, bool ofStream) {
-    telemetry.tests.insert(0, finishedTest(ofStream, telemetry.tests.size()));
-    if (telemetry.tests.size() > testsKept) {
-        telemetry.tests.resize(testsKept);
+void finishTest(Telemetry& telemetry, Daemon& daemon, bool isStreamTest) {
+    telemetry.tests.insert(0, finishedTest(isStreamTest, telemetry.tests.size()));
+    if (telemetry.tests.size() > maxTests) {
+        telemetry.tests.resize(maxTests);
     }
     daemon.broadcast("report_speedtest_results", telemetry.tests);
 }
@@ -137,7 +138,7 @@ void registerTelemetry(Registry& registry) {
                               return true;
                           });
     registry.on("stat_subscribe", [telemetry](Request const& request) { subscribe(telemetry, request); });
-    registry.onClientGone([telemetry](Daemon&, ClientId client) { telemetry->subscriptions.erase(client); });
+    registry.onDisconnect([telemetry](Daemon&, ClientId client) { telemetry->subscriptions.erase(client); });
     registry.on("request_connection_stats", [telemetry](Request const& request) {
         request.answer("report_connection_stats", telemetry->traffic.connectionReport());
     });
@@ -154,12 +155,14 @@ void registerTelemetry(Registry& registry) {
     registry.on("request_speedtest_results", [telemetry](Request const& request) {
         request.answer("report_speedtest_results", telemetry->tests);
     });
-    for (bool const ofStream : {false, true}) {
-        registry.on(ofStream ? "streamtest" : "speedtest", [telemetry, ofStream](Request const& request) {
-            Daemon& daemon = request.daemon;
-            daemon.after(testTime,
-                         [telemetry, &daemon, ofStream] { finishTest(*telemetry, daemon, ofStream); });
-        });
+    for (bool const isStreamTest : {false, true}) {
+        registry.on(isStreamTest ? "streamtest" : "speedtest",
+                    [telemetry, isStreamTest](Request const& request) {
+                        Daemon& daemon = request.daemon;
+                        daemon.after(testDuration, [telemetry, &daemon, isStreamTest] {
+                            finishTest(*telemetry, daemon, isStreamTest);
+                        });
+                    });
     }
 }
 

@@ -14,19 +14,19 @@ std::int64_t millisecondsSinceEpoch() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
 }
 
-// The Wi-Fi's quality over the steps of one round.
+// Returns the Wi-Fi link's quality in this step; the pattern repeats every twenty steps.
 double wifiQuality(unsigned step) {
     constexpr std::array<double, 20> round = {1, 1, 1, 1,   1,   1, 1, 1, 1,   1,
                                               1, 1, 1, 0.5, 0.2, 0, 0, 0, 0.4, 0.8};
     return round[step % round.size()];
 }
 
-// What a listener would make of a call over this link, from 1 to 4.4.
-double opinionScore(double latencyMs, double loss) {
+// Estimates the mean opinion score of a call over this link, from 1 to 4.4.
+double meanOpinionScore(double latencyMs, double loss) {
     return std::clamp(4.4 - latencyMs / 250 - loss * 30, 1.0, 4.4);
 }
 
-Json::Value whole(double number) {
+Json::Value rounded(double number) {
     return Json::Int64(std::llround(number));
 }
 
@@ -72,7 +72,7 @@ void Traffic::advanceLink(Link& link, double quality) {
         link.receiveBps = link.sendBps = 0;
         return;
     }
-    link.latencyMs = link.usualLatencyMs / quality * noise(0.15);
+    link.latencyMs = link.baseLatencyMs / quality * noise(0.15);
     link.jitterMs = link.latencyMs * 0.1 * noise(0.5);
     link.loss = (0.002 + 0.05 * (1 - quality)) * noise(0.5);
     link.receiveBps = std::llround(link.downMbps * quality * noise(0.2) * 1e6);
@@ -90,8 +90,8 @@ void Traffic::count(std::chrono::milliseconds time) {
         down += static_cast<double>(link.receiveBps) / 1e6;
         up += static_cast<double>(link.sendBps) / 1e6;
     }
-    counters.fastestDownMbps = std::max(counters.fastestDownMbps, down);
-    counters.fastestUpMbps = std::max(counters.fastestUpMbps, up);
+    counters.maxDownMbps = std::max(counters.maxDownMbps, down);
+    counters.maxUpMbps = std::max(counters.maxUpMbps, up);
 }
 
 Json::Value Traffic::connection(Link const& link) const {
@@ -107,18 +107,18 @@ Json::Value Traffic::connection(Link const& link) const {
     report["privateIp"] = isUp ? "10.202.0.2" : "";
     report["remoteIp"] = "198.51.100.4";
     report["numConns"] = isUp ? 8 : 0;
-    report["bInF"] = whole(window * 0.6);
-    report["bInFL"] = whole(window);
+    report["bInF"] = rounded(window * 0.6);
+    report["bInFL"] = rounded(window);
     report["lsR"] = link.loss;
     report["lsS"] = link.loss / 2;
-    report["ltMs"] = whole(link.latencyMs);
-    report["jtMs"] = whole(link.jitterMs);
+    report["ltMs"] = rounded(link.latencyMs);
+    report["jtMs"] = rounded(link.jitterMs);
     report["rcvBps"] = link.receiveBps;
     report["sndBps"] = link.sendBps;
     report["totBps"] = link.receiveBps + link.sendBps;
     report["rcvEstMbps"] = link.downMbps * link.quality;
     report["sndEstMbps"] = link.upMbps * link.quality;
-    report["mos"] = isUp ? opinionScore(link.latencyMs, link.loss) : 0;
+    report["mos"] = isUp ? meanOpinionScore(link.latencyMs, link.loss) : 0;
     return report;
 }
 
@@ -147,7 +147,7 @@ Json::Value Traffic::benefit(double Link::*mbps) const {
     return report;
 }
 
-// A longer period has this session on top of what earlier ones left: so much an hour, for a year at most.
+// The counters of a longer period are this session's plus a fixed amount for each hour, for a year at most.
 Json::Value Traffic::period(Period hours) const {
     std::int64_t const earlier = std::min<Period>(hours, 8760);
     std::int64_t const received = counters.received + earlier * 180'000'000;
@@ -157,8 +157,8 @@ Json::Value Traffic::period(Period hours) const {
     report["bytes_sent"] = sent;
     report["encrypted_bytes_recv"] = received / 10 * 9;
     report["encrypted_bytes_sent"] = sent / 10 * 9;
-    report["max_download_mbps"] = counters.fastestDownMbps;
-    report["max_upload_mbps"] = counters.fastestUpMbps;
+    report["max_download_mbps"] = counters.maxDownMbps;
+    report["max_upload_mbps"] = counters.maxUpMbps;
     report["days_since_first"] = static_cast<int>(earlier / 24);
     report["num_failovers"] = counters.failovers + earlier / 12;
     report["num_sessions"] = 1 + earlier / 8;

@@ -13,14 +13,14 @@ namespace kelvarissim {
 using Period = std::uint32_t; // hours; 0: this session
 constexpr Period allTime = UINT32_MAX;
 
-// The traffic of a bonded session. Its Wi-Fi fades, drops and comes back every twenty steps; meanwhile the
-// cellular link, with three times the latency, carries everything, and the health of the stream suffers. The
-// noise is the same in every run.
+// The simulated traffic of a bonded session. The Wi-Fi link fades, drops and recovers every twenty steps;
+// meanwhile the cellular link, with three times the latency, carries everything, and the stream's health
+// becomes poor. The noise is the same in every run.
 class Traffic {
 public:
     Traffic();
 
-    // One step: new values for the links, and counters that have grown by what passed in that time.
+    // Advances by one step: the links get new values, and the counters grow by the traffic of that time.
     void advance(std::chrono::milliseconds time);
 
     Json::Value connectionReport() const;
@@ -32,10 +32,10 @@ private:
         std::string adapter;
         std::string localIp;
         std::string protocol;
-        double usualLatencyMs;
-        double downMbps; // when nothing disturbs it
+        double baseLatencyMs;
+        double downMbps; // at full quality, as is the next
         double upMbps;
-        double quality = 1; // 0: down
+        double quality = 1; // from 0, which is down, to 1
         double latencyMs = 0;
         double jitterMs = 0;
         double loss = 0;
@@ -48,11 +48,11 @@ private:
         std::int64_t sent = 0;
         std::int64_t resent = 0;
         std::int64_t failovers = 0;
-        double fastestDownMbps = 0;
-        double fastestUpMbps = 0;
+        double maxDownMbps = 0;
+        double maxUpMbps = 0;
     };
 
-    double noise(double spread); // around 1
+    double noise(double spread); // a random factor around 1
     void advanceLink(Link& link, double quality);
     void count(std::chrono::milliseconds time);
     Json::Value connection(Link const& link) const;

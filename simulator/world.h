@@ -18,19 +18,19 @@ enum class SessionState {
     overLimit,
 };
 
-// The adapters at the start, each as it is reported; a limit that isn't there has no key.
-std::vector<Json::Value> startingAdapters();
+// Returns the initial adapters in the form of their report; an absent limit has no key.
+std::vector<Json::Value> initialAdapters();
 
-// What more than one family reads or changes; what only one family needs lives in that family's file.
+// The state that several families share. The state of a single family is in that family's file.
 struct World {
     SessionState state = SessionState::loggedIn;
-    std::vector<Json::Value> adapters = startingAdapters();
+    std::vector<Json::Value> adapters = initialAdapters();
 };
 
-// Changes the state and tells every client with "report_current_state", even when it was that state already.
+// Changes the state and broadcasts "report_current_state", even when the state stays the same.
 void enterState(Daemon& daemon, SessionState state);
 
-// The adapters' "report_networks".
+// Returns the payload of "report_networks".
 Json::Value networksReport(World& world);
 
 } // namespace kelvarissim

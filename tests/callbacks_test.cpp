@@ -148,3 +148,37 @@ TEST(Handles, ServeTheProgramsExitHandlers) {
     };
     EXPECT_EXIT(useAtExit(), testing::ExitedWithCode(0), "^served$");
 }
+
+// The reader is inside a callback when the request is queued and the end begins.
+TEST(Handles, EndSendsWhatIsQueued) {
+    ScriptedDaemon daemon(
+        {{.request = "request_current_state", .answers = {R"(["report_current_state",{"state":6}])"}},
+         {.request = "exit"}},
+        noName);
+    std::promise<void> entered;
+    Handle const handle(daemon.port());
+    auto const pause = [](KelvarisSDK_StateResult, void* userData) {
+        static_cast<std::promise<void>*>(userData)->set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        return false;
+    };
+    KelvarisSDK_GetState(handle.sdk, pause, &entered);
+    entered.get_future().wait();
+    KelvarisSDK_DaemonExit(handle.sdk);
+}
+
+// The second report of the other daemon has come when the first one is through.
+TEST(Handles, DontMeet) {
+    ScriptedDaemon daemons[] = {ScriptedDaemon({}, noName), ScriptedDaemon({}, noName)};
+    Handle const handles[] = {Handle(daemons[0].port()), Handle(daemons[1].port())};
+    using Blocks = InboxOf<KelvarisSDK_SafeBrowsingBlockResult>;
+    Blocks inboxes[2];
+    for (int i : {0, 1}) {
+        KelvarisSDK_ListenForSafeBrowsingBlock(handles[i].sdk, Blocks::keep, &inboxes[i]);
+        daemons[i].waitForConnections(1);
+    }
+    for (int i : {1, 1, 0}) {
+        daemons[i].send(R"(["report_safe_browsing_block",{"host":")" + std::to_string(i) + R"("}])");
+        EXPECT_EQ(inboxes[i].take().host, std::to_string(i));
+    }
+}

@@ -53,12 +53,12 @@ KELVARISSDK_API char const* KelvarisSDK_ConnectionPriority_toString(KelvarisSDK_
 
 /** What an adapter has carried and may carry. */
 typedef struct KelvarisSDK_AdapterUsageData {
-    int64_t usage;         /* bytes of this month */
-    int64_t usageDaily;    /* bytes of this day */
+    int64_t usage;         /* bytes in the month */
+    int64_t usageDaily;    /* bytes in the day */
     int64_t max;           /* bytes per month, -1: none reported */
     int64_t resetDay;      /* day of the month on which the monthly usage begins anew, 0: last 30 days */
     int64_t maxDaily;      /* bytes per day, -1: none reported */
-    int64_t boostDaily;    /* bytes on top of the daily limit, for this day */
+    int64_t boostDaily;    /* bytes added to the daily limit */
     int64_t overlimitRate; /* bits per second once over a limit, -1: none reported */
 } KelvarisSDK_AdapterUsageData;
 
@@ -72,11 +72,14 @@ typedef struct KelvarisSDK_AdapterData {
     KelvarisSDK_ConnectionPriority priority;
     char ssid[100];    /* the wireless network's name; no terminator when full */
     char bssid[100];   /* the wireless network's hardware address; no terminator when full */
-    int64_t rateLimit; /* bits per second, -1: none reported */
+    int64_t rateLimit; /* bits per second, at most 2147483647; -1: none reported */
     KelvarisSDK_AdapterUsageData dataUsage;
 } KelvarisSDK_AdapterData;
 
-/** The adapters, from report_networks. */
+/**
+ * The adapters, from report_networks. A report in which any `rateLimit` is 2147483648 bit/s (2^31) or more
+ * can't be read: every call that waits for it ends with SDK (3840), until the daemon reports a lower limit.
+ */
 typedef struct KelvarisSDK_AdaptersResult {
     KelvarisSDK_BaseResult base;
     uint32_t adapterCount; /* elements of `adapters` in use */
@@ -90,7 +93,7 @@ typedef bool (*KelvarisSDK_AdaptersCallback)(KelvarisSDK_AdaptersResult result, 
  * numbers below zero.
  */
 
-/** The adapters. Subscription: every later change of the list. */
+/** The adapters. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_GetAdapters(KelvarisSDK_Handle* sdk,
                                                                    KelvarisSDK_AdaptersCallback callback,
                                                                    void* userData);
@@ -100,7 +103,10 @@ KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_SetConnectionPriorities(
     KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_ConnectionPriority priority,
     KelvarisSDK_AdaptersCallback callback, void* userData);
 
-/** Limits an adapter's rate; 0 lifts the limit. */
+/**
+ * Limits an adapter's rate; 0 lifts the limit. Keep it below 2147483648 (2^31): a larger limit is sent, but a
+ * report of it can't be read, see KelvarisSDK_AdaptersResult.
+ */
 KELVARISSDK_API KelvarisSDK_AdaptersResult
 KelvarisSDK_SetConnectionRateLimit(KelvarisSDK_Handle* sdk, char const* adapterID, long long bitsPerSecond,
                                    KelvarisSDK_AdaptersCallback callback, void* userData);
@@ -130,17 +136,17 @@ KelvarisSDK_SetAdapterDailyDataLimit(KelvarisSDK_Handle* sdk, char const* adapte
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_DisableAdapterDailyDataLimit(
     KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 
-/** Raises the daily limit for this day only. No lock concerns it. */
+/** Adds this many bytes to the daily limit, once. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult
 KelvarisSDK_AddAdapterDailyDataLimitBoost(KelvarisSDK_Handle* sdk, char const* adapterID, long long bytes,
                                           KelvarisSDK_AdaptersCallback callback, void* userData);
 
-/** The rate of an adapter that is over one of its data limits; with 0 the adapter isn't used then. */
+/** Limits the rate of an adapter that is over one of its data limits; with 0 it isn't used then. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_SetAdapterOverlimitRateLimit(
     KelvarisSDK_Handle* sdk, char const* adapterID, long long bitsPerSecond,
     KelvarisSDK_AdaptersCallback callback, void* userData);
 
-/** Begins an adapter's usage anew. No lock concerns it. */
+/** Sets an adapter's usage back to 0. No lock concerns it. */
 KELVARISSDK_API KelvarisSDK_AdaptersResult KelvarisSDK_ResetAdapterUsage(
     KelvarisSDK_Handle* sdk, char const* adapterID, KelvarisSDK_AdaptersCallback callback, void* userData);
 

@@ -3,65 +3,104 @@
  *
  * CONVENTIONS
  *
- *  1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's threads and begins to
+ *  1. Life of a handle. KelvarisSDK_CreateWithSettings starts the library's reader thread and begins to
  *     connect; it doesn't wait for the connection. Calls may follow at once: they wait for the link as
- *     they wait for the daemon. A lost link is made again, every 250 ms, for as long as the handle
- *     lives; only a daemon that closes the WebSocket properly, or breaks its protocol, is not tried
- *     again. KelvarisSDK_Destroy ends the threads and returns when they have ended. A process may hold
- *     any number of handles.
+ *     they wait for the daemon. A lost link is made again, with an attempt every 250 ms, for as long as
+ *     the handle lives; only a daemon that closes the WebSocket properly, or breaks its protocol, is
+ *     not tried again. KelvarisSDK_Destroy ends the threads and returns when they have ended. A process
+ *     may hold any number of handles.
  *
- *  2. Arguments. The handle comes first, then what is the call's own, then the callback, then the user
- *     data. The handle must be valid (only KelvarisSDK_Destroy takes null); texts are zero-terminated
- *     UTF-8, not null where a block doesn't say so, and copied before the call returns. Arrays go in
- *     as a count and a pointer; what is beyond the capacity that a block names isn't sent. They are
- *     read before the call returns and never written; with a count of 0 the pointer may be null.
+ *  2. Arguments. The handle comes first, then the call's own arguments, then the callback, then the
+ *     user data. The handle must be valid (only KelvarisSDK_Destroy takes null); texts are
+ *     zero-terminated UTF-8, not null where a block doesn't say so, and copied before the call returns.
+ *     Arrays go in as a count and a pointer; what is beyond the capacity that a block names isn't sent.
+ *     They are read before the call returns and never written; with a count of 0 the pointer may be
+ *     null.
  *
  *  3. Records come back by value and hold everything in fixed arrays: the caller frees nothing, and
  *     one memory copy copies a record. Every record begins with KelvarisSDK_BaseResult. A field that
- *     the daemon's report left out is false, 0, empty, or what the note at the field says.
+ *     the daemon's report left out is false, 0, empty, or what the note at the field says; a list that
+ *     it left out is empty. A number that doesn't fit the field's type makes the whole report unreadable
+ *     (see 6), but for the fields of 16 bits, which take its low 16 bits. The notes at the fields name
+ *     units and capacities; where a note says "as reported", the daemon defines the unit.
  *
  *  4. Texts in records fill their field over its full width. A text as long as the field has NO
- *     terminator: read with a bound (strnlen, "%.*s"), never with strlen. A longer one is cut,
- *     possibly within a character.
+ *     terminator, so strlen and "%s" may run on into the next field. printf stops at the field's end
+ *     with "%.*s":
+ *         printf("%.*s", (int)sizeof(r.errorMessage), r.errorMessage);
+ *     and a copy with a byte more has its terminator:
+ *         char text[sizeof(r.errorMessage) + 1] = "";
+ *         memcpy(text, r.errorMessage, sizeof(r.errorMessage));
+ *     A text longer than the field is cut, possibly within a character.
  *
  *  5. Lists in records are an array of fixed capacity and a count of the elements in use. What a
  *     report holds beyond the capacity is dropped.
  *
- *  6. Errors. A call never throws and has no status: `error` in the record's head says that it failed,
- *     `errorCode` (a KelvarisSDK_ErrorType) and `errorMessage` say why. Where a block below names no
- *     errors, the call can end with TIMEOUT (3841) or NOT_CONNECTED (3845) after its time-out, with
- *     SDK (3840) when a report can't be read, and with SYNCHRONOUS_IN_CALLBACK (3847). A call that
- *     changes a setting can also end with LOCKED_BY_SERVER (3846) or LOCKED_BY_ACCOUNT (3848); a lock
- *     for any other reason ends it with `error` false and a record that holds no report. The time-out
- *     is 5 seconds where a block names no other. It guards the wait for the first report only: one
- *     that doesn't finish the call, or the lock of another setting, ends the guard, and the call then
- *     waits without limit. No time-out comes while the library looks up the address, connects, or
- *     waits for the daemon to complete the upgrade, none of which it limits.
- *     KelvarisSDK_CreateWithSettings is the one function that a C++ exception can leave:
- *     std::system_error when a thread can't be started.
+ *  6. Errors. A call has no status: `error` in the record's head says that it failed, `errorCode` and
+ *     `errorMessage` say why. The code is a KelvarisSDK_ErrorType in the width of the wire; its text is
+ *         KelvarisSDK_ErrorType_toString((KelvarisSDK_ErrorType)r.errorCode)
+ *     Where a block below names no errors, the call can end with TIMEOUT (3841) or NOT_CONNECTED (3845)
+ *     after its time-out, with SDK (3840) when a report can't be read, and with SYNCHRONOUS_IN_CALLBACK
+ *     (3847). A call that changes a setting can also end with LOCKED_BY_SERVER (3846) or
+ *     LOCKED_BY_ACCOUNT (3848); a lock for any other reason ends it with `error` false and a record that
+ *     holds no report. The time-out is 5 seconds where a block names no other. It begins with the call;
+ *     while callbacks of the handle run, it begins when they have returned. It guards the wait for the
+ *     first report only: a report that doesn't finish the call, or the lock of another setting, ends the
+ *     guard, and the call then waits without limit. No time-out comes while the library looks up the
+ *     address, connects, or waits for the daemon to complete the upgrade, none of which it limits.
+ *     Two C++ exceptions can leave the interface: std::system_error leaves KelvarisSDK_CreateWithSettings
+ *     when a thread can't be started, and std::bad_alloc may leave any call when memory runs out.
  *
  *  7. Synchronous and asynchronous. With a null callback a call waits and returns the finished record.
  *     With a callback it returns at once: `error` false, `errorCode` 3584, `callbackId` the id of the
  *     call; the callback gets the finished record later. That record's `errorCode` may still be 3584,
- *     or code and message those of an earlier error: look at `error` only.
+ *     or code and message those of an earlier error: look at `error` only. A call that is refused for
+ *     its arguments returns at once too, with `error` true and no id of its own, and its callback never
+ *     runs.
  *
- *  8. Callbacks run on the library's reader thread, one at a time per handle, with the user data of
+ *  8. User data belong to the caller. The library doesn't touch what they point to; it hands them to the
+ *     callback. So they may be freed
+ *       - at once when an asynchronous call returned with `error` true,
+ *       - by the callback itself when it runs for a call that isn't a subscription, or returns false,
+ *       - after KelvarisSDK_UnregisterCallback has returned, if the callback hasn't freed them before,
+ *       - after KelvarisSDK_Destroy has returned; calls that still waited end without their callback.
+ *     KelvarisSDK_StartSafeBrowsing and KelvarisSDK_StopSafeBrowsing call back twice.
+ *
+ *  9. Callbacks run on the library's reader thread, one at a time per handle, with the user data of
  *     the call. On their own handle they may make asynchronous calls, use KelvarisSDK_DaemonExit and
  *     KelvarisSDK_EnableStatUpdates, and unregister any call; they may use everything that takes no
- *     handle. They must not wait: while one runs, nothing is sent or
- *     received on that handle, so synchronous calls and KelvarisSDK_UnregisterCallback of other threads
- *     wait for it. So a callback must not take a lock that such a thread holds, and callbacks of two
- *     handles must not unregister each other's calls. A synchronous call is refused there with 3847,
- *     and KelvarisSDK_Destroy must not be called.
+ *     handle. They must not wait: while one runs, nothing is sent or received on that handle, so
+ *     synchronous calls and KelvarisSDK_UnregisterCallback of other threads wait for it. So a callback
+ *     must not take a lock that such a thread holds, and callbacks of two handles must not unregister
+ *     each other's calls. A synchronous call on any handle is refused there with 3847, and
+ *     KelvarisSDK_Destroy must not be called. A C++ exception that leaves a callback ends the process.
  *
- *  9. Subscriptions. Calls marked "subscription" go on delivering each later report while their
- *     callback returns true; false ends them. All others end with their first result, whatever their
- *     callback returns. From outside, KelvarisSDK_UnregisterCallback ends either. An error record (a
- *     time-out, say) doesn't end a subscription whose callback returns true.
+ * 10. Subscriptions. Calls marked "subscription" go on delivering each later report of their kind,
+ *     whoever has asked for it, while their callback returns true; false ends them. All others end with
+ *     their first result, whatever their callback returns. From outside, KelvarisSDK_UnregisterCallback
+ *     ends either. An error record (a time-out, for example) doesn't end a subscription whose callback
+ *     returns true.
  *
- * 10. Threads. Any thread may use a handle, also several at once. Who destroys it must know that no
+ * 11. Threads. Any thread may use a handle, also several at once. Who destroys it must know that no
  *     other thread is inside a call on it: such a call would never return. Functions that return text
  *     from a static buffer say so; one thread at a time may use them.
+ *
+ * 12. Stack. A synchronous call needs the size of the record that it returns and up to 7 KB more. A
+ *     callback gets its record by value. The sizes in bytes, with 64-bit pointers:
+ *
+ *         KelvarisSDK_BaseResult                  216    KelvarisSDK_DirectorySettingsResult     424
+ *         KelvarisSDK_StateResult                 224    KelvarisSDK_SafeBrowsingResult          440
+ *         KelvarisSDK_VersionResult               224    KelvarisSDK_SafeBrowsingBlockResult     472
+ *         KelvarisSDK_DisconnectEventResult       240    KelvarisSDK_AccountingResult            560
+ *         KelvarisSDK_ServerSettingsResult        256    KelvarisSDK_SafeBrowsingErrorResult     680
+ *         KelvarisSDK_SafeBrowsingStatsResult     272    KelvarisSDK_ConnectResult               808
+ *         KelvarisSDK_CaptivePortalLoginResult    320    KelvarisSDK_SessionStatsResult         1624
+ *         KelvarisSDK_PrivacySettingsResult       368    KelvarisSDK_SpeedTestResult            1664
+ *         KelvarisSDK_StreamingStatsResult       1752    KelvarisSDK_ConnectionStatsResult     11232
+ *         KelvarisSDK_CaptivePortalCheckResult   2720    KelvarisSDK_AdaptersResult            14624
+ *         KelvarisSDK_SettingsResult             5504    KelvarisSDK_DirectoryResult           16224
+ *         KelvarisSDK_FirewallSettingsResult     8032    KelvarisSDK_LocalProxySettingsResult  38944
+ *         KelvarisSDK_StreamingSettingsResult    8032
  */
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
@@ -82,17 +121,18 @@ extern "C" {
 
 /** What KelvarisSDK_CreateWithSettings takes. Fill it with KelvarisSDK_InitializeCreateSettings first. */
 typedef struct KelvarisSDK_CreateSettings {
-    char appName[32]; /* shown in the daemon's log; may fill the field; empty: none is sent */
+    char appName
+        [32]; /* the name by which the daemon knows the program; may fill the field; empty: none is sent */
     char address[46]; /* the daemon's IPv4 address or host name, at most 45 bytes and a terminator */
-    uint16_t port;
+    uint16_t port;    /* the daemon's TCP port */
 } KelvarisSDK_CreateSettings;
 
 /** Sets the defaults: no application name, address 127.0.0.1, port 9330. */
 KELVARISSDK_API void KelvarisSDK_InitializeCreateSettings(KelvarisSDK_CreateSettings* settings);
 
 /**
- * Makes a handle, starts its threads and begins to connect. That no daemon can be reached is reported by the
- * calls that follow. The caller owns the handle until KelvarisSDK_Destroy.
+ * Makes a handle, starts its reader thread and begins to connect. That no daemon can be reached is reported
+ * by the calls that follow. The caller owns the handle until KelvarisSDK_Destroy.
  */
 KELVARISSDK_API KelvarisSDK_Handle* KelvarisSDK_CreateWithSettings(KelvarisSDK_CreateSettings settings);
 
@@ -114,7 +154,7 @@ KELVARISSDK_API void KelvarisSDK_UnregisterCallback(KelvarisSDK_Handle* sdk, uns
 
 /* ---- First calls ---- */
 
-/** The daemon's version, from report_version_data; each number cut to 16 bits. */
+/** The daemon's version, from report_version_data; each number is cut to its low 16 bits. */
 typedef struct KelvarisSDK_VersionResult {
     KelvarisSDK_BaseResult base;
     uint16_t maj;
@@ -125,7 +165,7 @@ typedef struct KelvarisSDK_VersionResult {
 
 typedef bool (*KelvarisSDK_VersionCallback)(KelvarisSDK_VersionResult result, void* userData);
 
-/** The session's state. Subscription: every later change of state. */
+/** The session's state. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_GetState(KelvarisSDK_Handle* sdk,
                                                              KelvarisSDK_StateCallback callback,
                                                              void* userData);

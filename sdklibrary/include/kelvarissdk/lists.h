@@ -31,8 +31,8 @@ typedef struct KelvarisSDK_ListBlock {
 
 /*
  * Every function that replaces a list takes a count and an array. Of a count above 100 the first 100 items
- * are sent, and the array needs no more; a count of 0 clears the list. A domain is any text, with or without
- * a terminator in its 50 bytes.
+ * are sent, and the array needs no more; a count of 0 clears the list. A domain is any text; it ends at its
+ * terminator or with its 50 bytes.
  */
 
 /* ---- Firewall ---- */
@@ -58,7 +58,7 @@ typedef struct KelvarisSDK_FirewallSettingsResult {
 typedef bool (*KelvarisSDK_FirewallSettingsCallback)(KelvarisSDK_FirewallSettingsResult result,
                                                      void* userData);
 
-/** The firewall's mode and lists. Subscription: every later change of them. */
+/** The firewall's mode and lists. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_FirewallSettingsResult KelvarisSDK_GetFirewallSettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_FirewallSettingsCallback callback, void* userData);
 
@@ -119,7 +119,7 @@ typedef struct KelvarisSDK_LocalProxySettingsResult {
 typedef bool (*KelvarisSDK_LocalProxySettingsCallback)(KelvarisSDK_LocalProxySettingsResult result,
                                                        void* userData);
 
-/** The local proxy's switch, lists and services. Subscription: every later change of them. */
+/** The local proxy's switch, lists and services. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_GetLocalProxySettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
@@ -142,13 +142,15 @@ KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK_SetLocalProxyIPv6(KelvarisSDK_Handle* sdk, unsigned short count, struct in6_addr* addresses,
                               KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Replaces the ports of the local proxy. It is the lock of the firewall's ports that ends this call; a lock
- * of the proxy's own ports ends only its time-out, and the call waits for the next report. */
+/**
+ * Replaces the ports of the local proxy. This call takes a lock of the firewall's ports for its own. A lock
+ * of the proxy's ports ends only its time-out, and the call waits for the next report without limit.
+ */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyPorts(
     KelvarisSDK_Handle* sdk, unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
     KelvarisSDK_LocalProxySettingsCallback callback, void* userData);
 
-/** Switches the service of this title. No lock ends it; a title unknown to the daemon is no error here. */
+/** Switches the service of this title. No lock concerns it, and the title isn't checked here. */
 KELVARISSDK_API KelvarisSDK_LocalProxySettingsResult KelvarisSDK_SetLocalProxyDomainWatchlistEnable(
     KelvarisSDK_Handle* sdk, char const* title, bool enabled, KelvarisSDK_LocalProxySettingsCallback callback,
     void* userData);
@@ -164,7 +166,7 @@ typedef struct KelvarisSDK_StreamingSettingsResult {
 typedef bool (*KelvarisSDK_StreamingSettingsCallback)(KelvarisSDK_StreamingSettingsResult result,
                                                       void* userData);
 
-/** The lists of what counts as streaming. Subscription: every later change of them. */
+/** The lists of what counts as streaming. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_StreamingSettingsResult KelvarisSDK_GetStreamingSettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_StreamingSettingsCallback callback, void* userData);
 

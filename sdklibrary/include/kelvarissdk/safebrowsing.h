@@ -1,7 +1,6 @@
 /*
  * Safe browsing: a filter in the daemon that looks hosts up at a service and blocks or redirects them.
- * Configuration, token and extra information are texts that the daemon passes on to that service; nobody
- * looks into them on the way.
+ * Configuration, token and extra information are texts of that service, which the library passes on unread.
  *
  * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
@@ -28,7 +27,7 @@ KELVARISSDK_ENUM(KelvarisSDK_SafeBrowsingLogLevel)
 KELVARISSDK_API char const*
 KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level);
 
-/** What the network is taken for, whatever the service makes of it. */
+/** The override of the service's own decision whether the network is safe. */
 enum KelvarisSDK_SafeBrowsingSafeNetworkOverride KELVARISSDK_UINT32 {
     KelvarisSDK_SafeBrowsingSafeNetworkOverride_NONE = 0,
     KelvarisSDK_SafeBrowsingSafeNetworkOverride_UNSAFE = 1,
@@ -49,9 +48,9 @@ typedef struct KelvarisSDK_SafeBrowsingResult {
     bool connectErrorSet;                      /* a connect error came, and the next two fields hold it */
     int32_t connectErrorCode;                  /* the service's own number */
     char connectErrorMessage[200];             /* text; no terminator when full */
-    bool initialized;                          /* the service is ready */
-    bool configSet;                            /* the daemon has a configuration */
-    bool enabled;                              /* hosts are looked up */
+    bool initialized;                          /* the service is initialized */
+    bool configSet;                            /* it has a configuration */
+    bool enabled;                              /* it is enabled */
     KelvarisSDK_SafeBrowsingLogLevel logLevel; /* 0 until a known text came */
     KelvarisSDK_SafeBrowsingSafeNetworkOverride networkOverride; /* 0 until a known text came */
 } KelvarisSDK_SafeBrowsingResult;
@@ -73,7 +72,7 @@ typedef bool (*KelvarisSDK_SafeBrowsingErrorCallback)(KelvarisSDK_SafeBrowsingEr
 /** A blocked host, from report_safe_browsing_block. */
 typedef struct KelvarisSDK_SafeBrowsingBlockResult {
     KelvarisSDK_BaseResult base;
-    bool redirected; /* the user was sent to another page */
+    bool redirected; /* the host was redirected */
     char host[253];  /* text; no terminator when full */
 } KelvarisSDK_SafeBrowsingBlockResult;
 
@@ -83,12 +82,12 @@ typedef bool (*KelvarisSDK_SafeBrowsingBlockCallback)(KelvarisSDK_SafeBrowsingBl
 /** The filter's counters, from report_safe_browsing_stats. */
 typedef struct KelvarisSDK_SafeBrowsingStatsResult {
     KelvarisSDK_BaseResult base;
-    uint32_t min;     /* shortest look-up, in the daemon's unit, as are the next two */
-    uint32_t max;     /* longest look-up */
-    uint32_t average; /* mean of all look-ups */
-    uint32_t num_errors;
+    uint32_t min; /* as reported, as are the next two */
+    uint32_t max;
+    uint32_t average;
+    uint32_t num_errors; /* a count, as is each field whose name begins so */
     uint32_t num_blocks;
-    double failure_rate; /* share of the look-ups that failed */
+    double failure_rate; /* as reported */
     uint32_t num_block_responses;
     uint64_t num_lookups;
     uint64_t num_packets_filtered;
@@ -98,10 +97,10 @@ typedef bool (*KelvarisSDK_SafeBrowsingStatsCallback)(KelvarisSDK_SafeBrowsingSt
                                                       void* userData);
 
 /**
- * Enables the filter, then initializes it with the configuration. Returns the record of the second step, what
- * became of the first is lost; a callback runs for both. Only the second step can be unregistered, so the
- * user data must live until both have called back. A synchronous call can last two time-outs, 10 s. As in
- * KelvarisSDK_InitSafeBrowsing, a connect error is a result.
+ * Enables the filter, then initializes it with the configuration. Returns the record of the second step and
+ * drops that of the first; a callback runs for both. Only the second step can be unregistered, so the user
+ * data must live until both have called back or the handle is destroyed. A synchronous call can last two
+ * time-outs, 10 s. As in KelvarisSDK_InitSafeBrowsing, a connect error is a result.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StartSafeBrowsing(
     KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
@@ -127,7 +126,7 @@ KELVARISSDK_API KelvarisSDK_SafeBrowsingResult
 KelvarisSDK_SetSafeBrowsingLogLevel(KelvarisSDK_Handle* sdk, KelvarisSDK_SafeBrowsingLogLevel level,
                                     KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
-/** Sets what the network is taken for; no lock concerns it. An unknown number is sent as none. */
+/** Sets the override; no lock concerns it. An unknown number is sent as none. */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_SetSafeBrowsingSafeNetworkOverride(
     KelvarisSDK_Handle* sdk, KelvarisSDK_SafeBrowsingSafeNetworkOverride value,
     KelvarisSDK_SafeBrowsingCallback callback, void* userData);
@@ -140,8 +139,9 @@ KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_RefreshSafeBrowsingTo
     KelvarisSDK_Handle* sdk, char const* token, KelvarisSDK_SafeBrowsingCallback callback, void* userData);
 
 /**
- * Reports this network to the service as the home network. The numbers go to the daemon as they are. Ends
- * like KelvarisSDK_RefreshSafeBrowsingToken, and the lock that concerns it is that call's too.
+ * Reports this network to the service as the home network. The three numbers go to the daemon as they are,
+ * which defines their units. Ends like KelvarisSDK_RefreshSafeBrowsingToken, and the lock that concerns it is
+ * that call's too.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_ReportSafeBrowsingHomeNetworkWithParameters(
     KelvarisSDK_Handle* sdk, unsigned int retries, unsigned long long delay, unsigned long long timeout,

@@ -30,15 +30,15 @@ KELVARISSDK_API char const* KelvarisSDK_AccountPaymentType_toString(KelvarisSDK_
 /** The account and what it has used in its data period, from report_accounting_data. */
 typedef struct KelvarisSDK_AccountingResult {
     KelvarisSDK_BaseResult base;
-    char email[250]; /* text; no terminator when full */
-    bool isAutoAccount;
-    int64_t bytesAvail; /* bytes that the account may use in the period */
-    int64_t bytesUsed;  /* bytes used in the period */
-    bool isTeam;
+    char email[250];                            /* text; no terminator when full */
+    bool isAutoAccount;                         /* the account was made for a device */
+    int64_t bytesAvail;                         /* bytes that the account may use in the period */
+    int64_t bytesUsed;                          /* bytes used in the period */
+    bool isTeam;                                /* a team's account */
     int32_t minutesAvail;                       /* minutes that the account may use in the period */
     int32_t minutesUsed;                        /* minutes used in the period */
     KelvarisSDK_AccountPaymentType paymentType; /* FREE where the daemon's tier isn't known */
-    struct tm periodEndDate;                    /* the date only; all zero where the report has none */
+    struct tm periodEndDate; /* year, month and day of the end; all zero where the report has no date */
 } KelvarisSDK_AccountingResult;
 
 typedef bool (*KelvarisSDK_AccountingCallback)(KelvarisSDK_AccountingResult result, void* userData);
@@ -77,7 +77,7 @@ KELVARISSDK_API KelvarisSDK_AccountingResult KelvarisSDK_GetAccountingData(
 typedef struct KelvarisSDK_ServerInformation {
     char country[10]; /* code; no terminator when full, and then it runs on into `city` */
     char city[20];    /* code; no terminator when full */
-    int32_t num;      /* number of the server within the city */
+    int32_t num;      /* number of the server within the city; 0: none */
     bool isPrivate;   /* private to this account */
 } KelvarisSDK_ServerInformation;
 
@@ -85,7 +85,7 @@ typedef struct KelvarisSDK_ServerInformation {
 typedef struct KelvarisSDK_ServerInformationDetailed {
     char country[10];       /* code; no terminator when full, and then it runs on into `city` */
     char city[20];          /* code; no terminator when full */
-    int32_t num;            /* number of the server within the city */
+    int32_t num;            /* number of the server within the city; 0: none */
     bool isPrivate;         /* private to this account */
     bool torrentAllowed;    /* true where the report doesn't say */
     uint16_t publicIPCount; /* elements of `publicIP` in use */
@@ -101,7 +101,7 @@ typedef struct KelvarisSDK_DirectoryResult {
 
 typedef bool (*KelvarisSDK_DirectoryCallback)(KelvarisSDK_DirectoryResult result, void* userData);
 
-/** The list of servers. Subscription: every later list. */
+/** The list of servers. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_DirectoryResult KelvarisSDK_GetDirectory(KelvarisSDK_Handle* sdk,
                                                                      KelvarisSDK_DirectoryCallback callback,
                                                                      void* userData);
@@ -195,7 +195,7 @@ KELVARISSDK_API KelvarisSDK_StateResult KelvarisSDK_Disconnect(KelvarisSDK_Handl
                                                                KelvarisSDK_StateCallback callback,
                                                                void* userData);
 
-/** The server in use. Subscription: every later one. */
+/** The server in use. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_ConnectResult KelvarisSDK_GetConnectedServer(KelvarisSDK_Handle* sdk,
                                                                          KelvarisSDK_ConnectCallback callback,
                                                                          void* userData);
@@ -216,7 +216,7 @@ typedef struct KelvarisSDK_ServerSettingsResult {
 
 typedef bool (*KelvarisSDK_ServerSettingsCallback)(KelvarisSDK_ServerSettingsResult result, void* userData);
 
-/** The setting. Subscription: every later change. */
+/** The setting. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_ServerSettingsResult KelvarisSDK_GetServerSettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_ServerSettingsCallback callback, void* userData);
 
@@ -253,7 +253,7 @@ typedef struct KelvarisSDK_DirectorySettingsResult {
 typedef bool (*KelvarisSDK_DirectorySettingsCallback)(KelvarisSDK_DirectorySettingsResult result,
                                                       void* userData);
 
-/** The settings. Subscription: every later change. */
+/** The settings. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_DirectorySettingsResult KelvarisSDK_GetDirectorySettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_DirectorySettingsCallback callback, void* userData);
 

@@ -23,38 +23,38 @@ typedef struct KelvarisSDK_ConnectionEncryption {
 /** How many sockets an adapter's part of the tunnel uses. */
 typedef struct KelvarisSDK_ConnectionParallelSockets {
     char adapterID[100]; /* text; no terminator when full */
-    uint16_t sockets;
+    uint16_t sockets;    /* their number */
 } KelvarisSDK_ConnectionParallelSockets;
 
 /** The connection settings, from report_connection_settings. */
 typedef struct KelvarisSDK_SettingsResult {
     KelvarisSDK_BaseResult base;
     bool jumboPackets;
-    bool encrypted; /* the whole tunnel */
-    bool allowChaChaEncryption;
-    KelvarisSDK_BondingMode bondingMode;
+    bool encrypted;                          /* the whole tunnel */
+    bool allowChaChaEncryption;              /* no call sets it */
+    KelvarisSDK_BondingMode bondingMode;     /* SPEED: none reported, or an unknown one */
     bool startupConnect;                     /* connects when the daemon starts */
     KelvarisSDK_TransportMode transportMode; /* AUTO: none reported, or an unknown one */
-    uint16_t forwardedPortCount;             /* a report without ports leaves these as they were */
+    uint16_t forwardedPortCount;             /* elements of `forwardedPorts` in use */
     KelvarisSDK_ProtocolPortPair forwardedPorts[20];
     bool perConnectionEncryptionEnabled;   /* the adapters' own settings are in force */
     uint16_t perConnectionEncryptionCount; /* 0 while they are not */
     KelvarisSDK_ConnectionEncryption perConnectionEncryptionSettings[25];
     uint16_t perConnectionParallelSocketsCount; /* elements of `perConnectionParallelSockets` in use */
     KelvarisSDK_ConnectionParallelSockets perConnectionParallelSockets[25];
-    double overflowThreshold;         /* Mbps */
-    double priorityOverflowThreshold; /* the daemon's own; no call sets it */
+    double overflowThreshold;         /* Mbps; it decides when secondary adapters are used */
+    double priorityOverflowThreshold; /* as reported; no call sets it */
     bool packetAggregation;
     bool enableDefaultRoute;
     bool headerCompression;
-    char language[3]; /* the daemon's language code; no terminator when full */
+    char language[3]; /* the daemon's language code; no terminator when full; no call sets it */
 } KelvarisSDK_SettingsResult;
 
 typedef bool (*KelvarisSDK_SettingsCallback)(KelvarisSDK_SettingsResult result, void* userData);
 
 /* All calls bring all settings, as they are after the change. */
 
-/** The connection settings. Subscription: every later change. */
+/** The connection settings. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_GetSettings(KelvarisSDK_Handle* sdk,
                                                                    KelvarisSDK_SettingsCallback callback,
                                                                    void* userData);
@@ -70,32 +70,32 @@ KELVARISSDK_API KelvarisSDK_SettingsResult
 KelvarisSDK_SetConnectionTransportMode(KelvarisSDK_Handle* sdk, KelvarisSDK_TransportMode mode,
                                        KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Encrypts the whole tunnel. One lock holds for this and KelvarisSDK_SetConnectionEncryption. */
+/** Encrypts the whole tunnel, or doesn't. One lock holds for this and KelvarisSDK_SetConnectionEncryption. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetTunnelEncrypted(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Uses packets above the usual size on the tunnel's device. */
+/** Switches jumbo packets on or off. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetJumboPackets(KelvarisSDK_Handle* sdk, bool enable,
                                                                        KelvarisSDK_SettingsCallback callback,
                                                                        void* userData);
 
-/** Sends several small packets as one. */
+/** Switches packet aggregation on or off. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetPacketAggregation(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Compresses the headers of the tunnel's packets. */
+/** Switches header compression on or off. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetHeaderCompression(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Connects when the daemon starts. */
+/** Lets the daemon connect when it starts, or not. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetStartupConnect(
     KelvarisSDK_Handle* sdk, bool connect, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** The speed in Mbps below which secondary adapters are used too. */
+/** Sets the threshold in Mbps that decides when secondary adapters are used. Nothing is checked here. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetOverflowThreshold(
     KelvarisSDK_Handle* sdk, double speed, KelvarisSDK_SettingsCallback callback, void* userData);
 
-/** Makes the tunnel the system's default route. */
+/** Switches the default route into the tunnel on or off. */
 KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetEnableDefaultRoute(
     KelvarisSDK_Handle* sdk, bool enable, KelvarisSDK_SettingsCallback callback, void* userData);
 
@@ -109,7 +109,7 @@ KELVARISSDK_API KelvarisSDK_SettingsResult KelvarisSDK_SetForwardPorts(KelvarisS
                                                                        KelvarisSDK_SettingsCallback callback,
                                                                        void* userData);
 
-/** Encrypts one adapter's part of the tunnel. */
+/** Encrypts one adapter's part of the tunnel, or doesn't. */
 KELVARISSDK_API KelvarisSDK_SettingsResult
 KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, char const* adapterID, bool enable,
                                     KelvarisSDK_SettingsCallback callback, void* userData);
@@ -119,23 +119,23 @@ KelvarisSDK_SetConnectionEncryption(KelvarisSDK_Handle* sdk, char const* adapter
 /** The privacy settings, from report_privacy_settings. */
 typedef struct KelvarisSDK_PrivacySettingsResult {
     KelvarisSDK_BaseResult base;
-    bool killswitch;          /* no traffic while the tunnel is down */
-    bool dnsleak;             /* protection against DNS queries beside the tunnel */
-    bool ipleak;              /* protection against IP traffic beside the tunnel */
-    uint16_t dnsAddressCount; /* elements of `dnsAddresses` in use */
-    char dnsAddresses[3][46]; /* address texts; no terminator when full */
-    bool doNotStoreCredentials;
+    bool killswitch;            /* this and the next two: no call sets them */
+    bool dnsleak;               /* DNS leak protection */
+    bool ipleak;                /* IP leak protection */
+    uint16_t dnsAddressCount;   /* elements of `dnsAddresses` in use */
+    char dnsAddresses[3][46];   /* address texts; no terminator when full */
+    bool doNotStoreCredentials; /* no call sets it */
 } KelvarisSDK_PrivacySettingsResult;
 
 typedef bool (*KelvarisSDK_PrivacySettingsCallback)(KelvarisSDK_PrivacySettingsResult result, void* userData);
 
-/** The privacy settings. Subscription: every later change. */
+/** The privacy settings. Subscription: every later report of them. */
 KELVARISSDK_API KelvarisSDK_PrivacySettingsResult KelvarisSDK_GetPrivacySettings(
     KelvarisSDK_Handle* sdk, KelvarisSDK_PrivacySettingsCallback callback, void* userData);
 
 /**
- * Replaces the DNS servers by the first 3 of `addresses`; count 0 clears the list. The daemon judges whether
- * they are addresses. A text of 46 bytes runs on into the element behind it.
+ * Replaces the DNS servers by the first 3 of `addresses`; count 0 clears the list. Each text ends at its
+ * terminator or with its 46 bytes. Whether it is an address isn't checked here.
  */
 KELVARISSDK_API KelvarisSDK_PrivacySettingsResult
 KelvarisSDK_SetDNSServers(KelvarisSDK_Handle* sdk, unsigned short count, char (*addresses)[46],

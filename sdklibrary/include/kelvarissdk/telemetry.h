@@ -1,8 +1,8 @@
 /*
  * Telemetry: statistics of connections, sessions and streams, why the last session ended, speed tests.
  *
- * Numbers are the daemon's own; the library calculates with none of them but the two benefits of a session.
- * Where neither a name (Ms, Mbps, Bps, Bytes, Minutes) nor a note tells a unit, it is the daemon's.
+ * Numbers are passed on as reported; the library calculates with none of them but the two benefits of a
+ * session. A note that says "as reported" stands where the report doesn't tell the unit.
  *
  * Include csdkinterface.h; it opens with the conventions and brings in this header.
  */
@@ -19,13 +19,17 @@ extern "C" {
 
 /**
  * Asks the daemon to send its statistics at regular intervals, or no longer to do so. The reports reach those
- * who subscribed to them. While they are wanted the library repeats the request every 45 seconds (a first
- * time within 250 ms), without periods, so that the daemon goes on after a lost link.
+ * who subscribed to them. While they are wanted the library repeats the request every 45 seconds, so that the
+ * reports go on after a lost link. The first repeat leaves within 250 ms; when the last one of an earlier
+ * subscription was less than 45 seconds ago, the first leaves when those are over. A repeat carries no
+ * periods: a daemon that was restarted meanwhile doesn't know them until this function is called with them
+ * again.
  *
  * `periods` are those of the session statistics, in hours: 0 is the current session, 4294967295 all time. At
  * most five are sent; a `periodCount` of five or more takes five values from the array. With `enable` false
  * or a `periodCount` of 0 it isn't read and may be null. Waits for nothing: `error` is false once the request
- * is queued. May be called in a callback.
+ * is queued. It is SDK (3840) when the thread that repeats the request, which the first subscription of a
+ * handle starts, can't be started. May be called in a callback.
  */
 KELVARISSDK_API KelvarisSDK_BaseResult KelvarisSDK_EnableStatUpdates(KelvarisSDK_Handle* sdk, bool enable,
                                                                      unsigned char periodCount,
@@ -38,29 +42,29 @@ typedef struct KelvarisSDK_ConnectionStats {
     int64_t inFlight;       /* bytes on their way */
     int64_t inFlightWindow; /* bytes that may be on their way at once */
     bool connected;
-    bool sleeping;
+    bool sleeping;          /* as reported */
     char adapterID[100];    /* text; no terminator when full */
     char connectionID[100]; /* text; no terminator when full */
     char localIp[46];       /* text; no terminator when full */
-    double lossReceive;
+    double lossReceive;     /* as reported, as is the next */
     double lossSend;
-    int64_t latencyMs;
+    int64_t latencyMs;                  /* milliseconds */
     char privateIp[46];                 /* text; no terminator when full */
     KelvarisSDK_TransportMode protocol; /* AUTO: none reported; a name that is none leaves what stood here */
-    int32_t numberOfSockets;
-    char remoteIp[46]; /* text; no terminator when full */
-    int64_t totalBps;
+    int32_t numberOfSockets;            /* a count */
+    char remoteIp[46];                  /* text; no terminator when full */
+    int64_t totalBps;                   /* per second; bits or bytes as reported, as are the next two */
     int64_t sendBps;
     int64_t receiveBps;
-    double sendEstimateMbps;
+    double sendEstimateMbps; /* Mbit/s, as is the next */
     double receiveEstimateMbps;
-    int32_t jitterMs;
-    float mos; /* mean opinion score of a call over this connection */
+    int32_t jitterMs; /* milliseconds */
+    float mos;        /* mean opinion score */
 } KelvarisSDK_ConnectionStats;
 
 /** All connections at one moment. */
 typedef struct KelvarisSDK_ConnectionStatsGroup {
-    uint64_t time;            /* the daemon's time stamp; 0: none reported, and then no connections */
+    uint64_t time;            /* time stamp, unit as reported; 0: none reported, and then no connections */
     uint16_t connectionCount; /* elements of `connections` in use */
     KelvarisSDK_ConnectionStats connections[25];
 } KelvarisSDK_ConnectionStatsGroup;
@@ -82,34 +86,34 @@ KELVARISSDK_API KelvarisSDK_ConnectionStatsResult KelvarisSDK_GetConnectionStats
 
 /** What was counted in one period. */
 typedef struct KelvarisSDK_SessionStats {
-    uint32_t periodHours; /* 0: the current session, 4294967295: all time */
-    int64_t bytesReceived;
+    uint32_t periodHours;  /* hours; 0: the current session, 4294967295: all time */
+    int64_t bytesReceived; /* bytes, as are the next three */
     int64_t bytesSent;
     int64_t encryptedBytesReceived;
     int64_t encryptedBytesSent;
     double maxDownloadSpeed; /* Mbit/s */
     double maxUploadSpeed;   /* Mbit/s */
-    int32_t daysSinceFirst;
-    int64_t numFailovers;
+    int32_t daysSinceFirst;  /* days */
+    int64_t numFailovers;    /* a count, as is the next */
     int64_t numSessions;
-    int64_t retransBytes;
-    int64_t periodStartTime;
-    int64_t totalConnectedMinutes;
-    double mbpsDownBenefit; /* bonding's gain over the fastest connection; 0 without connections */
+    int64_t retransBytes;          /* bytes */
+    int64_t periodStartTime;       /* time stamp, unit as reported */
+    int64_t totalConnectedMinutes; /* minutes */
+    double mbpsDownBenefit; /* Mbit/s: bonding's gain over the fastest connection; 0 without connections */
     double mbpsUpBenefit;   /* the same for sending */
-    uint64_t tunPacketsIn;
+    uint64_t tunPacketsIn;  /* packets, as is the next */
     uint64_t tunPacketsOut;
-    uint64_t tunBytesIn;
+    uint64_t tunBytesIn; /* bytes, as is the next */
     uint64_t tunBytesOut;
-    uint64_t tunBufferWaits;
+    uint64_t tunBufferWaits; /* a count, as is the next */
     uint64_t tunPacketWaits;
-    uint64_t tunReadQueue;
-    uint64_t tunDroppedIncoming;
-    uint64_t handlerPacketsIn;
+    uint64_t tunReadQueue;       /* as reported */
+    uint64_t tunDroppedIncoming; /* a count */
+    uint64_t handlerPacketsIn;   /* packets, as is the next */
     uint64_t handlerPacketsOut;
-    uint64_t handlerBytesIn;
+    uint64_t handlerBytesIn; /* bytes, as is the next */
     uint64_t handlerBytesOut;
-    uint64_t handlerRetries;
+    uint64_t handlerRetries; /* a count, as are all that follow */
     uint64_t captivePortalDetections;
     uint64_t captivePortalSuccesses;
     uint64_t totalFailoverSaves;
@@ -145,18 +149,18 @@ KELVARISSDK_ENUM(KelvarisSDK_StreamHealth)
 /** "stopped", "poor" or "good"; "stopped" for any other number. A constant; never freed. */
 KELVARISSDK_API char const* KelvarisSDK_StreamHealth_toString(KelvarisSDK_StreamHealth health);
 
-/** A stream that the daemon follows: a call, a video. */
+/** A stream that the daemon follows. */
 typedef struct KelvarisSDK_StreamStats {
     bool active;
-    uint64_t duration;
+    uint64_t duration; /* unit as reported */
     uint64_t id;
     uint64_t groupId;
-    uint64_t startTime;
-    double uploadSpeed;
+    uint64_t startTime; /* time stamp, unit as reported */
+    double uploadSpeed; /* unit as reported, as are the next three */
     double downloadSpeed;
     double averageUploadSpeed;
     double averageDownloadSpeed;
-    uint64_t redundantModeSaves;
+    uint64_t redundantModeSaves; /* a count, as are the next two */
     uint64_t speedModeSaves;
     uint64_t failoverSaves;
     char name[50]; /* text; no terminator when full */
@@ -169,7 +173,7 @@ typedef struct KelvarisSDK_StreamingStatsResult {
     KelvarisSDK_BondingMode bondingMode;
     uint32_t streamCount; /* elements of `streams` in use */
     KelvarisSDK_StreamStats streams[10];
-    bool badLoss; /* this and the next three: what harms the streams */
+    bool badLoss; /* this and the next three: the report's flags of what is bad */
     bool badLatency;
     bool badCpu;
     bool badMemory;
@@ -212,13 +216,13 @@ KELVARISSDK_API char const* KelvarisSDK_DisconnectReason_toString(KelvarisSDK_Di
 typedef struct KelvarisSDK_DisconnectEventResult {
     KelvarisSDK_BaseResult base;
     KelvarisSDK_DisconnectReason disconnectReason;
-    int64_t sessionEnd;
-    int64_t sessionLength;
+    int64_t sessionEnd;    /* time stamp, unit as reported */
+    int64_t sessionLength; /* unit as reported */
 } KelvarisSDK_DisconnectEventResult;
 
 typedef bool (*KelvarisSDK_DisconnectEventCallback)(KelvarisSDK_DisconnectEventResult result, void* userData);
 
-/** Why and when the last session ended. Subscription: every later end of a session. */
+/** Why and when the last session ended. Subscription: every later report of it. */
 KELVARISSDK_API KelvarisSDK_DisconnectEventResult KelvarisSDK_GetLastDisconnectEvent(
     KelvarisSDK_Handle* sdk, KelvarisSDK_DisconnectEventCallback callback, void* userData);
 
@@ -236,20 +240,20 @@ KELVARISSDK_API char const* KelvarisSDK_SpeedTestType_toString(KelvarisSDK_Speed
 
 /** One finished test. */
 typedef struct KelvarisSDK_SpeedTestEntry {
-    int64_t time;     /* seconds since the epoch; 0: none that can be read */
+    int64_t time;     /* seconds since the epoch, from a local time in the report; 0: none that can be read */
     char country[10]; /* text; no terminator when full */
     char city[20];    /* text; no terminator when full */
-    uint16_t numConnections;
-    double downloadSpeed;
+    uint16_t numConnections; /* a count, cut to its low 16 bits */
+    double downloadSpeed;    /* unit as reported, as is the next */
     double uploadSpeed;
     bool isError;           /* the test failed; `errorMessage` says why */
     char errorMessage[200]; /* text; no terminator when full */
     KelvarisSDK_SpeedTestType type;
     char resolution[6]; /* text; no terminator when full; this and the next two: of a stream test only */
-    uint16_t fps;
-    uint16_t jitter;
+    uint16_t fps;       /* frames per second, cut to its low 16 bits */
+    uint16_t jitter;    /* unit as reported, cut to its low 16 bits, as is the next */
     uint16_t latency;
-    double loss; /* of a stream test only */
+    double loss; /* unit as reported; of a stream test only */
 } KelvarisSDK_SpeedTestEntry;
 
 /** From report_speedtest_results. */

@@ -36,10 +36,10 @@ typedef struct KelvarisSDK_Handle KelvarisSDK_Handle;
 
 /** The head of every result record. */
 typedef struct KelvarisSDK_BaseResult {
-    bool error;             /* the call failed; nothing but this says so */
-    int32_t errorCode;      /* a KelvarisSDK_ErrorType */
+    bool error;             /* the call failed; the code alone doesn't say so */
+    int32_t errorCode;      /* a KelvarisSDK_ErrorType: cast it for KelvarisSDK_ErrorType_toString */
     char errorMessage[200]; /* text; no terminator when full */
-    uint64_t callbackId;    /* for KelvarisSDK_UnregisterCallback; none where the call failed at once */
+    uint64_t callbackId; /* for KelvarisSDK_UnregisterCallback; of no meaning where the call failed at once */
 } KelvarisSDK_BaseResult;
 
 /** Why a call failed. 0 to 8 come from the daemon, the others from the library. */
@@ -128,10 +128,13 @@ KELVARISSDK_ENUM(KelvarisSDK_PortProtocol)
 /** "tcp" for 0, "udp" for any other number. A constant; never freed. */
 KELVARISSDK_API char const* KelvarisSDK_PortProtocol_toString(KelvarisSDK_PortProtocol protocol);
 
-/** A port of a protocol. */
+/**
+ * A port of a protocol. In a report, a protocol that is neither "tcp" nor "udp" leaves the field as it was:
+ * TCP in the first report.
+ */
 typedef struct KelvarisSDK_ProtocolPortPair {
     KelvarisSDK_PortProtocol protocol;
-    uint16_t port;
+    uint16_t port; /* the port's number, cut to its low 16 bits when it is read */
 } KelvarisSDK_ProtocolPortPair;
 
 #ifdef __cplusplus
