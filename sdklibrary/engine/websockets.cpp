@@ -45,7 +45,7 @@ void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
     setText(result->errorMessage, KelvarisSDK_ErrorType_toString(type));
 }
 
-// A payload passes when it passes every filter object of the description's "members".
+// A payload passes when it passes every filter object of the entry's "members".
 bool passesFilter(Json::Value const& members, Json::Value const& payload) {
     if (!payload.isObject()) {
         return false;
