@@ -51,39 +51,11 @@ template <class Result, class... Args> Start starter(Result (*call)(KelvarisSDK_
         [call](KelvarisSDK_Handle* sdk) { return call(sdk, argument<Result, Args>(sdk)...).base.callbackId; };
 }
 
-// clang-format off
-#define CALL(name) {#name, starter(KelvarisSDK_##name)}
+#define ROW(name) {#name, starter(KelvarisSDK_##name)},
 std::map<std::string, Start> const starts{
-    CALL(GetState), CALL(GetVersion), CALL(Login), CALL(LoginOAuth), CALL(LoginAutoAccount),
-    CALL(Logout), CALL(GetAccountingData), CALL(ConnectAuto), CALL(ConnectCountry), CALL(ConnectCity),
-    CALL(ConnectServer), CALL(ConnectProxy), CALL(Disconnect), CALL(GetConnectedServer),
-    CALL(GetDirectory), CALL(GetServerSettings), CALL(SetConnectMethodAuto),
-    CALL(SetConnectMethodCountry), CALL(SetConnectMethodCity), CALL(SetConnectMethodServer),
-    CALL(GetDirectorySettings), CALL(SetESNIEnabled), CALL(SetDirectoryDomain),
-    CALL(ResetDirectoryDomain), CALL(SetDirectoryGatewayURI), CALL(ResetDirectoryGatewayURI),
-    CALL(GetSettings), CALL(SetMode), CALL(SetConnectionTransportMode), CALL(SetTunnelEncrypted),
-    CALL(SetConnectionEncryption), CALL(SetJumboPackets), CALL(SetPacketAggregation),
-    CALL(SetHeaderCompression), CALL(SetStartupConnect), CALL(SetOverflowThreshold),
-    CALL(SetEnableDefaultRoute), CALL(SetForwardPorts), CALL(GetPrivacySettings), CALL(SetDNSServers),
-    CALL(CheckForCaptivePortals), CALL(SetCaptivePortalLoginMode), CALL(GetAdapters),
-    CALL(SetConnectionPriorities), CALL(SetConnectionRateLimit), CALL(ResetConnectionRateLimit),
-    CALL(SetAdapterMonthlyDataLimit), CALL(DisableAdapterMonthlyDataLimit),
-    CALL(SetAdapterDailyDataLimit), CALL(DisableAdapterDailyDataLimit),
-    CALL(AddAdapterDailyDataLimitBoost), CALL(SetAdapterOverlimitRateLimit), CALL(ResetAdapterUsage),
-    CALL(GetFirewallSettings), CALL(SetFirewallMode), CALL(SetFirewallDomains), CALL(SetFirewallIPv4),
-    CALL(SetFirewallIPv6), CALL(SetFirewallPorts), CALL(GetLocalProxySettings),
-    CALL(SetLocalProxyEnabled), CALL(SetLocalProxyDomains), CALL(SetLocalProxyIPv4),
-    CALL(SetLocalProxyIPv6), CALL(SetLocalProxyPorts), CALL(SetLocalProxyDomainWatchlistEnable),
-    CALL(GetStreamingSettings), CALL(SetStreamingDomains), CALL(SetStreamingIPv4),
-    CALL(SetStreamingIPv6), CALL(SetStreamingPorts), CALL(GetConnectionStats), CALL(GetSessionStats),
-    CALL(GetStreamingStats), CALL(GetLastDisconnectEvent), CALL(GetSpeedTestResults),
-    CALL(StartSpeedTest), CALL(StartStreamTest), CALL(InitSafeBrowsing), CALL(SetSafeBrowsingConfig),
-    CALL(SetSafeBrowsingEnabled), CALL(GetSafeBrowsing), CALL(SetSafeBrowsingLogLevel),
-    CALL(RefreshSafeBrowsingToken), CALL(ReportSafeBrowsingHomeNetworkWithParameters),
-    CALL(SetSafeBrowsingSafeNetworkOverride), CALL(UpdateSafeBrowsingExtraInfo),
-    CALL(GetSafeBrowsingStats), CALL(ListenForSafeBrowsingError), CALL(ListenForSafeBrowsingBlock)};
-#undef CALL
-// clang-format on
+#include "calls.inc"
+};
+#undef ROW
 
 // Every report that finishes a call, of each twice.
 std::string allReports() {
@@ -219,36 +191,29 @@ TEST(Interface, CallsDeliverAsCatalogued) {
     }
 }
 
-// A call that is declared and forgotten here is named by the difference.
+// A call that is declared and forgotten in the catalogue is named by the difference.
 TEST(Interface, EveryCallIsCatalogued) {
-    std::set<std::string> names =
+    std::set<std::string> declared =
         found(R"(KelvarisSDK_(\w+)\(\s*KelvarisSDK_Handle\*[^;]*\bcallback\b)", publicHeaders());
-    names.erase("StartSafeBrowsing"); // two calls each, which their own test looks at
-    names.erase("StopSafeBrowsing");
-    std::string declared, catalogued, started;
-    for (std::string const& name : names) {
-        declared += name + '\n';
-    }
+    declared.erase("StartSafeBrowsing"); // two calls each, which their own test looks at
+    declared.erase("StopSafeBrowsing");
+    std::set<std::string> catalogued;
     for (auto const& [name, call] : catalogue()) {
-        catalogued += name + '\n';
-    }
-    for (auto const& [name, start] : starts) {
-        started += name + '\n';
+        catalogued.insert(name);
     }
     EXPECT_EQ(catalogued, declared);
-    EXPECT_EQ(started, declared);
 }
 
 // A field that may hide in a record's padding too.
 TEST(Interface, EveryFieldHasItsPlace) {
-    std::string const records = source("tests/records.cpp");
+    std::string const records = '\n' + golden("records.txt") + "\n";
     for (std::string const& record : found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", publicHeaders())) {
         std::string const name = record.substr(0, record.find(' '));
-        std::size_t const begin = records.find("RECORD(" + name + ",");
+        std::size_t const begin = records.find('\n' + name + ' ');
         ASSERT_NE(begin, std::string::npos) << name;
-        std::string const places = records.substr(begin, records.find(';', begin) - begin);
+        std::string const places = records.substr(begin, records.find("\n\n", begin) - begin);
         for (std::string const& field : found(R"(\n    \w[\w ]* (\w+)[\[\]\w]*;)", record)) {
-            EXPECT_NE(places.find(" AT(" + field + ","), std::string::npos) << name << ' ' << field;
+            EXPECT_NE(places.find("\n    " + field + ' '), std::string::npos) << name << ' ' << field;
         }
     }
 }
@@ -302,23 +267,8 @@ TEST(Interface, RefusedArguments) {
 
 TEST(Interface, TextsOfEnumerations) {
     std::string all;
-#define TEXTS(name) append(all, #name, KelvarisSDK_##name##_toString)
-    TEXTS(ErrorType);
-    TEXTS(State);
-    TEXTS(BondingMode);
-    TEXTS(TransportMode);
-    TEXTS(PortProtocol);
-    TEXTS(AccountPaymentType);
-    TEXTS(AutoConnectMethod);
-    TEXTS(ConnectionState);
-    TEXTS(NetworkType);
-    TEXTS(ConnectionPriority);
-    TEXTS(FirewallMode);
-    TEXTS(StreamHealth);
-    TEXTS(DisconnectReason);
-    TEXTS(SpeedTestType);
-    TEXTS(SafeBrowsing_LogLevel);
-    TEXTS(SafeBrowsing_SafeNetworkOverride);
-#undef TEXTS
+#define ROW(name) append(all, #name, KelvarisSDK_##name##_toString);
+#include "enumerations.inc"
+#undef ROW
     EXPECT_EQ(all, golden("enumerations.txt"));
 }
