@@ -137,13 +137,17 @@ T later(T (*get)(KelvarisSDK_Handle*, bool (*)(T, void*), void*), std::string co
     return results.take();
 }
 
-std::string publicHeaders() {
+// The files of a folder, not of those in it.
+std::string sources(std::string const& folder) {
     std::string texts;
-    for (auto const& file :
-         std::filesystem::directory_iterator(SOURCE_DIR "/sdklibrary/include/kelvarissdk")) {
-        texts += source("sdklibrary/include/kelvarissdk/" + file.path().filename().string());
+    for (auto const& file : std::filesystem::directory_iterator(SOURCE_DIR "/" + folder)) {
+        texts += file.is_regular_file() ? source(folder + '/' + file.path().filename().string()) : "";
     }
     return texts;
+}
+
+std::string publicHeaders() {
+    return sources("sdklibrary/include/kelvarissdk");
 }
 
 // What the pattern's group captures.
@@ -237,6 +241,24 @@ TEST(Interface, EveryCallIsCatalogued) {
     }
     EXPECT_EQ(catalogued, declared);
     EXPECT_EQ(started, declared);
+}
+
+// The simulated daemon may share a mistake of the library, so a test has to spell each key and each request too.
+TEST(Interface, EveryWordOnTheWireIsTested) {
+    std::string const tests = sources("tests");
+    std::string const transcripts = sources("tests/golden/transcripts");
+    for (std::string const& key :
+         found(R"re(StaticString const _\w+\{"(\w+)"\})re", source("sdklibrary/engine/keys.h"))) {
+        EXPECT_NE((tests + transcripts).find('"' + key + '"'), std::string::npos)
+            << "no test has the key " << key;
+    }
+    for (auto const& [name, call] : catalogue()) {
+        for (std::string const& request : call.requests) {
+            EXPECT_TRUE(tests.find('"' + request + '"') != std::string::npos ||
+                        transcripts.find("> " + request) != std::string::npos)
+                << "no test awaits the request " << request;
+        }
+    }
 }
 
 // A field that may hide in a record's padding too.
