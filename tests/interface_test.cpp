@@ -261,7 +261,7 @@ TEST(Interface, EveryWordOnTheWireIsTested) {
     }
 }
 
-// A field that may hide in a record's padding too.
+// A field that may hide in a record's padding too, and the size in the table of records.
 TEST(Interface, EveryFieldHasItsPlace) {
     std::string const records = source("tests/records.cpp");
     for (std::string const& record : found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", publicHeaders())) {
@@ -272,6 +272,13 @@ TEST(Interface, EveryFieldHasItsPlace) {
         for (std::string const& field : found(R"(\n    \w[\w ]* (\w+)[\[\]\w]*;)", record)) {
             EXPECT_NE(places.find(" AT(" + field + ","), std::string::npos) << name << ' ' << field;
         }
+    }
+    auto const sizes = found(R"(\bKelvarisSDK_(\w+ +\d+)\b)", publicHeaders());
+    EXPECT_GT(sizes.size(), 20U);
+    for (std::string const& size : sizes) {
+        Words const row = split(size);
+        EXPECT_NE(records.find("RECORD(" + row[0] + ", " + row[1] + ","), std::string::npos)
+            << "the table of sizes says " << size;
     }
 }
 
