@@ -30,6 +30,7 @@
 
 #include "fields.h"
 #include "keys.h"
+#include "step.h"
 
 namespace kelvarissdk {
 
@@ -157,7 +158,9 @@ int Wakeup::descriptor() const {
 // A thread that was cancelled between the flag and the write would leave the flag set for good, and no later signal
 // would be written: the system call is made without the point of cancellation that eventfd_write() is.
 void Wakeup::signal() {
+    step();
     if (!signalled.exchange(true)) {
+        step();
         eventfd_t const one = 1;
         syscall(SYS_write, fd, &one, sizeof(one));
     }
@@ -167,7 +170,9 @@ void Wakeup::signal() {
 void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
+    step();
     signalled.exchange(false);
+    step();
 }
 
 void Wakeup::wait(int milliseconds) const {
@@ -222,6 +227,7 @@ void WebsocketImpl::end() {
         std::lock_guard const lock(runningMutex);
         running = false;
     }
+    step();
     runningChanged.notify_all();
     wakeup.signal();
     readerThread.join();
@@ -295,6 +301,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     uint64_t const due = dueTime(description);
     std::map<uint64_t, EventDescription> registered;
     registered.emplace(id, std::move(description));
+    step();
     {
         std::lock_guard const lock(outgoingMutex);
         // The merge can't fail, so a call that throws here leaves no entry behind.
@@ -314,6 +321,7 @@ void WebsocketImpl::removeCallback(unsigned long long id) {
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
     } else if (events.erase(id) == 0) {
+        step();
         std::lock_guard const pendingLock(outgoingMutex);
         pendingEvents.erase(id);
     }
@@ -352,11 +360,13 @@ void WebsocketImpl::serveSocket() {
     // The signal is cleared before the queues and `running` are read, so that whatever comes later ends the wait.
     wakeup.clear();
     int const wait = timeToWait(closing);
+    step();
     if (closing) {
         wakeup.wait(wait);
         return;
     }
     sendOutgoing();
+    step();
     // After a loss that sending has shown, poll() would sleep the whole wait.
     if (ws->getReadyState() != easywsclient::WebSocket::CLOSED) {
         ws->poll(wait);
@@ -368,6 +378,7 @@ void WebsocketImpl::serveSocket() {
 int WebsocketImpl::timeToWait(bool closing) {
     std::lock_guard const eventsLock(eventsMutex);
     admitPending(closing);
+    step();
     {
         std::lock_guard const runningLock(runningMutex);
         if (!running) {
@@ -388,6 +399,7 @@ void WebsocketImpl::sendOutgoing() {
         std::lock_guard const lock(outgoingMutex);
         requests.swap(outgoing);
     }
+    step();
     for (Request const& request : requests) {
         ws->send(requestToString(request.name, request.payload));
     }
@@ -396,6 +408,7 @@ void WebsocketImpl::sendOutgoing() {
 
 // Only the destructor ends this wait early.
 void WebsocketImpl::waitForEnd(int milliseconds) {
+    step();
     std::unique_lock lock(runningMutex);
     runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
 }
@@ -403,7 +416,9 @@ void WebsocketImpl::waitForEnd(int milliseconds) {
 bool WebsocketImpl::sweepAndGoOn() {
     std::lock_guard const eventsLock(eventsMutex);
     admitPending();
+    step();
     sweepTimeouts();
+    step();
     std::lock_guard const runningLock(runningMutex);
     if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
         drainOnShutdown();
@@ -522,6 +537,7 @@ template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
     for (auto entry = events.begin(); entry != events.end() && entry->first <= last;) {
         visitedId = &entry->first;
         visitedRemoved = false;
+        step();
         bool const remove = visit(entry->second);
         visitedId = nullptr;
         entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
