@@ -80,7 +80,8 @@ TEST(Engine, NameWithoutATerminator) {
 // nothing.
 TEST(Engine, MessagesWithoutANameOrAnEntryAreDropped) {
     ScriptedDaemon daemon({asked({"", R"(["a")", ' ' + state(1), R"([ "report_current_state",{}])",
-                                  R"({"a":1})", R"(["report_current_state)",
+                                  R"({"a":1})", R"({"report_current_state":{"state":1}})",
+                                  R"([xreport_current_state",{"state":1}])", R"(["report_current_state)",
                                   R"(["sdk_error",{"type":5,"msg":"no"}])", R"(["unknown",{)", state(6)})},
                           noName);
     Handle handle(daemon.port());

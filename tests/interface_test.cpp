@@ -247,6 +247,39 @@ TEST(Interface, EveryFieldHasItsPlace) {
     }
 }
 
+TEST(Interface, MostThatARecordHolds) {
+    ScriptedDaemon daemon(
+        {asked("directory", '[' + series(402, R"({"num":#})") + ']'),
+         asked("networks", '[' + series(27, R"({"guid":"#"})") + ']'),
+         asked("connection_settings",
+               R"({"perconn_encryption":true,"forward_ports":[)" + series(22, R"({"port":#})") +
+                   R"(],"perconn_encryption_settings":{)" + series(27, R"("#":true)", 10) +
+                   R"(},"parallel_sockets":{)" + series(27, R"("#":#)", 10) + "}}"),
+         asked("connection_stats", R"({"time":1,"connections":[)" + series(27, R"({"guid":"#"})") + "]}"),
+         asked("streaming_stats", R"({"streams":[)" + series(12, R"({"name":"#"})") + "]}")},
+        noName);
+    Sdk sdk(daemon);
+    auto const directory = sdk.getDirectory(nullptr, nullptr);
+    EXPECT_EQ(directory.serverCount, 400);
+    EXPECT_EQ(directory.servers[399].num, 399);
+    auto const adapters = sdk.getAdapters(nullptr, nullptr);
+    EXPECT_EQ(adapters.adapterCount, 25);
+    EXPECT_STREQ(adapters.adapters[24].adapterID, "24");
+    auto const settings = sdk.getSettings(nullptr, nullptr);
+    EXPECT_EQ(settings.forwardedPortCount, 20);
+    EXPECT_EQ(settings.forwardedPorts[19].port, 19);
+    EXPECT_EQ(settings.perConnectionEncryptionCount, 25);
+    EXPECT_STREQ(settings.perConnectionEncryptionSettings[24].adapterID, "34");
+    EXPECT_EQ(settings.perConnectionParallelSocketsCount, 25);
+    EXPECT_EQ(settings.perConnectionParallelSockets[24].sockets, 34);
+    auto const connections = sdk.getConnectionStats(nullptr, nullptr).stats;
+    EXPECT_EQ(connections.connectionCount, 25);
+    EXPECT_STREQ(connections.connections[24].adapterID, "24");
+    auto const streams = sdk.getStreamingStats(nullptr, nullptr);
+    EXPECT_EQ(streams.streamCount, 10);
+    EXPECT_STREQ(streams.streams[9].name, "9");
+}
+
 TEST(Interface, ListsThatALaterReportLeavesOutAreEmpty) {
     auto const settings = later(KelvarisSDK_GetSettings, "connection_settings",
                                 R"("forward_ports":[{"port":1}],"perconn_encryption":true,

@@ -17,7 +17,7 @@ std::string domains(int size) {
 Row set(std::string const& words, std::string const& sent) {
     std::string const list = "{\"domains\":" + sent + '}';
     return row(words, {{"set_firewall_domains", list, {report("firewall_settings", list)}}},
-               changed(R"({"domains":[],"ipv4":[],"ipv6":[],"mode":"off","ports":[]})", list));
+               styled(R"({"ipv4":[],"ipv6":[],"mode":"off","ports":[],"domains":)" + sent + '}'));
 }
 
 // The same behind a read that gives `held`.
@@ -49,7 +49,12 @@ TEST(Lists, AHundredItemsAtMost) {
         set(with("firewall domains set", 130, "d"), domains(100)),
         edit(with("firewall domains add", 130, "d"), "[]", domains(100)),
         edit(with("firewall domains rem", 130, "d"), R"(["x","d99","d100"])", R"(["x","d100"])"),
-        // The count of the write has 16 bits.
+        row(with("dns", 65538, "d"),
+            {{"set_dns_servers",
+              R"({"dns_addresses":)" + domains(3) + '}',
+              {report("privacy_settings", "{}")}}},
+            styled(R"({"dnsAddresses":[]})")),
+        // The count of a list's write has 16 bits.
         set(with("firewall domains set", 65538, "d"), domains(2)),
         edit(with("firewall domains add", 65535, "d"), R"(["x","y"])", R"(["x"])"),
     });

@@ -70,20 +70,6 @@ TEST(Stats, EndlessRunRepeatsItsSubscription) {
     EXPECT_EQ(process.wait().status, -SIGTERM);
 }
 
-TEST(Stats, MostThatARecordHolds) {
-    ScriptedDaemon daemon(
-        {asked("connection_stats", R"({"time":1,"connections":[)" + series(27, R"({"guid":"#"})") + "]}"),
-         asked("streaming_stats", R"({"streams":[)" + series(12, R"({"name":"#"})") + "]}")},
-        noName);
-    Sdk sdk(daemon);
-    auto const connections = sdk.getConnectionStats(nullptr, nullptr).stats;
-    EXPECT_EQ(connections.connectionCount, 25);
-    EXPECT_STREQ(connections.connections[24].adapterID, "24");
-    auto const streams = sdk.getStreamingStats(nullptr, nullptr);
-    EXPECT_EQ(streams.streamCount, 10);
-    EXPECT_STREQ(streams.streams[9].name, "9");
-}
-
 // The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
 // pause. The answers give it the time of two ticks in the pause and of two behind it.
 TEST(Stats, SubscriptionAndItsRepeat) {

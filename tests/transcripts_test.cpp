@@ -80,6 +80,6 @@ TEST_P(Transcripts, AreRepeated) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Family, Transcripts,
-                         testing::Values("refusals", "session", "settings", "safebrowsing", "lists",
-                                         "telemetry"),
+                         testing::Values("refusals", "session", "settings", "adapters", "safebrowsing",
+                                         "lists", "telemetry"),
                          [](auto const& family) { return std::string(family.param); });

@@ -44,13 +44,6 @@ Row failing(std::string const& words, std::vector<Step> const& exchange, std::st
     return {.name = {}, .argv = split(words), .exchange = exchange, .err = err, .status = 1};
 }
 
-void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
-                std::vector<Change> const& changes) {
-    for (auto const& [words, request, payload] : changes) {
-        rows.push_back(row(words, {{request, payload, {answer}}}, out));
-    }
-}
-
 void runRows(std::vector<Row> const& rows) {
     std::for_each(rows.begin(), rows.end(), runRow);
 }
@@ -91,15 +84,6 @@ std::string series(int count, std::string const& element, int first) {
         text += (text.empty() ? "" : ",") + std::regex_replace(element, std::regex("#"), std::to_string(i));
     }
     return text;
-}
-
-std::string changed(std::string const& document, std::string const& members) {
-    Json::Value whole = parsed(document);
-    Json::Value const replaced = parsed(members);
-    for (std::string const& name : replaced.getMemberNames()) {
-        whole[name] = replaced[name];
-    }
-    return whole.toStyledString();
 }
 
 std::string errorDocument(int code, std::string const& type, std::string const& message) {

@@ -32,15 +32,6 @@ Words split(std::string const& text);
 Row row(std::string const& words, std::vector<Step> const& exchange, std::string const& out);
 Row failing(std::string const& words, std::vector<Step> const& exchange, std::string const& err);
 
-// Changes of a setting, each answered by its report.
-struct Change {
-    std::string words;
-    std::string request;
-    std::string payload;
-};
-void addChanges(std::vector<Row>& rows, std::string const& answer, std::string const& out,
-                std::vector<Change> const& changes);
-
 void runRows(std::vector<Row> const& rows);
 void runRowsInParallel(std::vector<Row> const& rows); // all at once, for rows that wait for a time-out
 
@@ -56,7 +47,6 @@ Step asked(std::string const& what, std::string const& payload); // "request_", 
 // `count` elements with commas between them; each "#" in an element is its number.
 std::string series(int count, std::string const& element, int first = 0);
 
-std::string changed(std::string const& document, std::string const& members); // with these members replaced
 std::string errorDocument(int code, std::string const& type, std::string const& message);
 
 inline std::string const unreadable = errorDocument(3840, "An error in the SDK", "Error from SDK");
