@@ -34,3 +34,6 @@ message(STATUS "jsoncpp: inside, version ${jsoncpp_version} from ${jsoncpp_sourc
 add_library(jsoncpp STATIC ${jsoncpp_files})
 target_include_directories(jsoncpp SYSTEM PUBLIC ${jsoncpp_source}/include)
 target_compile_options(jsoncpp PRIVATE -w -O2 -DNDEBUG -ffunction-sections -fdata-sections)
+# All that it needs of libm is one function that libc has as well: a library less to load.
+target_link_options(jsoncpp INTERFACE -Wl,--as-needed)
+target_link_libraries(jsoncpp INTERFACE -Wl,-lc)
