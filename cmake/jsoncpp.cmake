@@ -30,10 +30,13 @@ file(STRINGS ${jsoncpp_source}/include/json/version.h jsoncpp_version REGEX "def
 string(REGEX REPLACE ".*\"(.*)\".*" "\\1" jsoncpp_version "${jsoncpp_version}")
 message(STATUS "jsoncpp: inside, version ${jsoncpp_version} from ${jsoncpp_source}")
 
-# Optimised in every build, and without our warnings.
+# Optimised in every build, without our warnings, and hardened as the shared one is.
 add_library(jsoncpp STATIC ${jsoncpp_files})
 target_include_directories(jsoncpp SYSTEM PUBLIC ${jsoncpp_source}/include)
 target_compile_options(jsoncpp PRIVATE -w -O2 -DNDEBUG -ffunction-sections -fdata-sections)
+if(NOT KELVARIS_SANITIZE)
+    target_compile_options(jsoncpp PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+endif()
 # All that it needs of libm is one function that libc has as well: a library less to load.
 target_link_options(jsoncpp INTERFACE -Wl,--as-needed)
 target_link_libraries(jsoncpp INTERFACE -Wl,-lc)
