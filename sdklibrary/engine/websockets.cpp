@@ -479,6 +479,7 @@ void WebsocketImpl::sweepTimeouts() {
         Json::Value message;
         message[Keys::_msg] = linked ? "Timeout" : "Unable to connect";
         message[Keys::_type] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
+        step();
         bool const remove = entry.callback(event, event, message);
         entry.startTime = 0;
         entry.finished = true;
@@ -506,6 +507,7 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {
         Json::Value const& document = entry.skipParse ? message.asItStands() : message.parsed();
+        step();
         remove |= entry.callback(message.name, message.text, document);
         entry.startTime = 0;
         entry.finished = true;
@@ -556,7 +558,6 @@ template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
     for (auto entry = events.begin(); entry != events.end() && entry->first <= last;) {
         visitedId = &entry->first;
         visitedRemoved = false;
-        step();
         bool const remove = visit(entry->second);
         visitedId = nullptr;
         entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
