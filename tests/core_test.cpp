@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 #include <regex>
-#include <sstream>
 
 using namespace harness;
 
