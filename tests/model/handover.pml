@@ -36,19 +36,24 @@ byte waitEnds;
 bool asked, report, closeFrame, lost; // on the wire
 byte faults = FAULTS;
 
-inline signal() {
-    atomic { was = signalled; signalled = true }
+inline signalIf(wanted) {
     if
-    :: atomic { was -> was = false; handingOver-- }
-    :: atomic { !was -> descriptor = true; handingOver-- }
+    :: atomic { wanted -> wake = false; was = signalled; signalled = true }
+        if
+        :: atomic { was -> was = false; handingOver-- }
+        :: atomic { !was -> descriptor = true; handingOver-- }
 #ifdef CANCELLED_WRITE
-    :: atomic { !was && isCaller -> handingOver--; goto ended }
+        :: atomic { !was && isCaller -> handingOver--; goto ended }
 #endif
+        fi
+    :: atomic { !(wanted) -> skip }
     fi
 }
 
 inline clear() {
-#ifdef FLAG_FIRST
+#if defined(NO_CLEAR)
+    skip
+#elif defined(FLAG_FIRST)
     signalled = false;
     descriptor = false
 #else
@@ -60,12 +65,12 @@ inline clear() {
 inline getResult(id) {
 #ifdef SIGNAL_FIRST
     handingOver++;
-    signal();
+    signalIf(true);
 #endif
     atomic { // outgoingMutex
         if
         :: due[id] = min(now + 1, LAST)
-        :: due[id] = LAST
+        :: waits[id] -> due[id] = LAST
         :: !waits[id] -> due[id] = NEVER
         fi;
         queued[id] = true;
@@ -76,10 +81,7 @@ inline getResult(id) {
 #endif
         handingOver = handingOver + wake
     }
-    if
-    :: wake -> wake = false; signal()
-    :: !wake
-    fi
+    signalIf(wake)
 }
 
 inline erase(id) {
@@ -117,10 +119,10 @@ proctype Caller(byte id) {
     bool was, wake, isCaller = true;
     getResult(id);
     if
-    :: atomic { waits[id] && finished[id] -> finished[id] = false }
-    :: waits[id] -> skip // cancelled at the semaphore
+    :: atomic { waits[id] && finished[id] -> finished[id] = false; goto ended }
+    :: atomic { waits[id] -> goto ended } // cancelled at the semaphore
     :: !waits[id] -> removeCallback(id)
-    :: !waits[id]
+    :: atomic { !waits[id] -> goto ended }
     fi;
 ended:
     returned++
@@ -239,7 +241,6 @@ inline linkIs(state) {
 #define isDue (now >= waitEnds)
 
 inline pollAndDispatch() {
-    atomic { asleep = true }
     atomic { descriptor || isDue || report || closeFrame || lost -> asleep = false; waitEnds = 0 }
     if
     :: atomic { report -> report = false }
@@ -269,8 +270,7 @@ inline serveSocket() {
 #endif
         asleep = true;
         atomic { descriptor || isDue -> asleep = false; waitEnds = 0 }
-    :: else ->
-        sendOutgoing();
+    :: atomic { ws == OPEN -> sendOutgoing() }
 #ifdef CLEAR_LATE
         clear();
 #endif
@@ -279,28 +279,30 @@ inline serveSocket() {
         atomic { ws != CLOSED || descriptor || isDue -> asleep = false }
 #endif
         if
-        :: ws == OPEN -> pollAndDispatch()
-        :: ws != OPEN -> waitEnds = 0
+        :: atomic { ws == OPEN -> asleep = true }
+            pollAndDispatch()
+        :: atomic { ws == CLOSED -> waitEnds = 0 }
         fi
     fi
 }
 
 proctype Reader() {
-    bool was, wake, isCaller, goOn = true, sends, isSweep;
+    bool was, wake, isCaller, goOn = true, linked, sends, isSweep;
     byte i, visited, time;
     do
     :: goOn ->
-        atomic { // connect()
+        atomic {
             if
-            :: ws == NONE -> ws = OPEN
+            :: ws == NONE -> ws = OPEN // connect()
             :: ws == NONE && faults > 0 -> faults--
-            :: ws != NONE
-            fi
+            :: ws == CLOSED -> ws = NONE
+            :: ws == OPEN || ws == CLOSING
+            fi;
+            linked = ws != NONE
         }
         if
-        :: atomic { ws == NONE || ws == CLOSED -> ws = NONE }
-            waitForEnd()
-        :: ws == OPEN || ws == CLOSING -> serveSocket()
+        :: linked -> serveSocket()
+        :: !linked -> waitForEnd()
         fi;
         // sweepAndGoOn()
         admitPending(false);
@@ -368,7 +370,7 @@ end:
 
 // The owner of the handle: no other thread may be inside a call when it ends.
 init {
-    bool was, isCaller;
+    bool was, wake, isCaller;
     byte id;
     atomic {
         run Reader();
@@ -385,7 +387,7 @@ init {
     }
     atomic { returned == CALLERS -> running = false; handingOver++ }
     atomic { notified = waitsForEnd }
-    signal();
+    signalIf(true);
     readerEnded;
 ended:
     skip
