@@ -50,6 +50,33 @@ TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
     daemon.waitForRequest("after");
 }
 
+// The connection is reset while a callback runs, and only what the callback sends shows it: the next attempt doesn't wait
+// for the time-out of that.
+TEST(Faults, LossThatSendingShowsIsNotWaitedOut) {
+    ScriptedDaemon daemon({}, noName);
+    std::promise<void> entered;
+    std::promise<void> dropped;
+    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
+    EventDescription description;
+    WebsocketImpl::subscribeToEvent(description, "begin");
+    link->getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
+        entered.set_value();
+        dropped.get_future().wait();
+        EventDescription lost;
+        lost.timeoutMs = 60'000;
+        WebsocketImpl::waitForEvent(lost, "nothing");
+        WebsocketImpl::sendRequest(lost, "lost");
+        link->getResult(lost, [](auto const&, auto const&, auto const&) { return true; });
+        return true;
+    });
+    daemon.waitForConnections(1);
+    daemon.send(R"(["begin",{}])");
+    entered.get_future().wait();
+    daemon.dropConnection();
+    dropped.set_value();
+    daemon.waitForConnections(2);
+}
+
 // Neither sending nor the time-outs nor the end wait for a peer that takes nothing more.
 TEST(Faults, PeerThatNeverReads) {
     ScriptedDaemon daemon({{.request = "last", .then = Then::stopReading}}, noName);

@@ -109,13 +109,17 @@ T later(T (*get)(KelvarisSDK_Handle*, bool (*)(T, void*), void*), std::string co
     return results.take();
 }
 
-std::string publicHeaders() {
+// The files of a folder, not of those in it.
+std::string sources(std::string const& folder) {
     std::string texts;
-    for (auto const& file :
-         std::filesystem::directory_iterator(SOURCE_DIR "/sdklibrary/include/kelvarissdk")) {
-        texts += source("sdklibrary/include/kelvarissdk/" + file.path().filename().string());
+    for (auto const& file : std::filesystem::directory_iterator(SOURCE_DIR "/" + folder)) {
+        texts += file.is_regular_file() ? source(folder + '/' + file.path().filename().string()) : "";
     }
     return texts;
+}
+
+std::string publicHeaders() {
+    return sources("sdklibrary/include/kelvarissdk");
 }
 
 // What the pattern's group captures.
@@ -204,7 +208,25 @@ TEST(Interface, EveryCallIsCatalogued) {
     EXPECT_EQ(catalogued, declared);
 }
 
-// A field that may hide in a record's padding too.
+// The simulated daemon may share a mistake of the library, so a test has to spell each key and each request too.
+TEST(Interface, EveryWordOnTheWireIsTested) {
+    std::string const tests = sources("tests");
+    std::string const transcripts = sources("tests/golden/transcripts");
+    for (std::string const& key :
+         found(R"re(StaticString const _\w+\{"(\w+)"\})re", source("sdklibrary/engine/keys.h"))) {
+        EXPECT_NE((tests + transcripts).find('"' + key + '"'), std::string::npos)
+            << "no test has the key " << key;
+    }
+    for (auto const& [name, call] : catalogue()) {
+        for (std::string const& request : call.requests) {
+            EXPECT_TRUE(tests.find('"' + request + '"') != std::string::npos ||
+                        transcripts.find("> " + request) != std::string::npos)
+                << "no test awaits the request " << request;
+        }
+    }
+}
+
+// A field that may hide in a record's padding too, and the size in the table of records.
 TEST(Interface, EveryFieldHasItsPlace) {
     std::string const records = '\n' + golden("records.txt") + "\n";
     for (std::string const& record : found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", publicHeaders())) {
@@ -215,6 +237,13 @@ TEST(Interface, EveryFieldHasItsPlace) {
         for (std::string const& field : found(R"(\n    \w[\w ]* (\w+)[\[\]\w]*;)", record)) {
             EXPECT_NE(places.find("\n    " + field + ' '), std::string::npos) << name << ' ' << field;
         }
+    }
+    auto const sizes = found(R"(\bKelvarisSDK_(\w+ +\d+)\b)", publicHeaders());
+    EXPECT_GT(sizes.size(), 20U);
+    for (std::string const& size : sizes) {
+        Words const row = split(size);
+        EXPECT_NE(records.find('\n' + row[0] + ' ' + row[1] + '\n'), std::string::npos)
+            << "the table of sizes says " << size;
     }
 }
 

@@ -357,7 +357,10 @@ void WebsocketImpl::serveSocket() {
         return;
     }
     sendOutgoing();
-    ws->poll(wait);
+    // After a loss that sending has shown, poll() would sleep the whole wait.
+    if (ws->getReadyState() != easywsclient::WebSocket::CLOSED) {
+        ws->poll(wait);
+    }
     ws->dispatch([this](std::string const& text) { handle_message(text); });
 }
 
