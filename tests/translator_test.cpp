@@ -71,8 +71,9 @@ TEST(ReplaceAll, EveryOccurrenceOnce) {
     const struct {
         std::string text, from, to, expected;
     } cases[] = {
-        {"aXbX", "X", "XX", "aXXbXX"}, {"XX", "X", "y", "yy"}, {"aaa", "aa", "a", "aa"}, {"abc", "abc", "", ""},
-        {"abc", "x", "y", "abc"},      {"ab", "", "-", "-a-b-"}, {"ab", "", "", "ab"},
+        {"aXbX", "X", "XX", "aXXbXX"}, {"XX", "X", "y", "yy"},   {"aaa", "aa", "a", "aa"},
+        {"abc", "abc", "", ""},        {"abc", "x", "y", "abc"}, {"ab", "", "-", "-a-b-"},
+        {"ab", "", "", "ab"},
     };
     for (auto const& c : cases) {
         std::string text = c.text;
