@@ -8,7 +8,6 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <regex>
-#include <sstream>
 
 using namespace harness;
 

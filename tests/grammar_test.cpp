@@ -12,7 +12,6 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 
 namespace {
 

@@ -39,8 +39,8 @@ public:
     // The next report, or why there is none.
     std::string next() {
         bool isClosing = false;
-        for (int i = 0; reports.empty() && socket->getReadyState() != WebSocket::CLOSED; ++i) {
-            if (i == 1000) {
+        for (; reports.empty() && socket->getReadyState() != WebSocket::CLOSED; --patienceLeft) {
+            if (patienceLeft <= 0) {
                 return "nothing";
             }
             isClosing = socket->getReadyState() == WebSocket::CLOSING;
@@ -58,6 +58,7 @@ public:
 private:
     std::unique_ptr<WebSocket> socket;
     std::deque<std::string> reports;
+    int patienceLeft = 1000; // in waits of at most 20 ms
 };
 
 std::string shown(std::string const& report) {
