@@ -61,9 +61,9 @@ private:
     int patienceLeft = 1000; // in waits of at most 20 ms
 };
 
-std::string shown(std::string const& report) {
-    static std::regex const times(R"re("((session_|start_)*time|duration|sessionEnd)":("[^"]*"|\d+))re");
-    return std::regex_replace(std::regex_replace(report, times, "\"$1\":*"), std::regex("\\},"), "},\n");
+std::string shown(std::string const& reports) {
+    std::regex const times(R"re("((session_|start_)*time|duration|sessionEnd)":("[^"]*"|\d+))re");
+    return std::regex_replace(std::regex_replace(reports, times, "\"$1\":*"), std::regex("\\},"), "},\n");
 }
 
 // What becomes of a piece of the file, from a "$" on, when it is played.
@@ -84,7 +84,7 @@ std::string played(std::string const& piece) {
                 link.next();
             }
         } else if (kind == '<' || kind == '.') {
-            line = line.substr(0, 2) + shown(link.next());
+            line = line.substr(0, 2) + link.next();
         } else if (kind != '#') {
             continue; // the report goes on
         }
@@ -105,6 +105,6 @@ TEST(Simulator, ReportsAreRepeated) {
         runs.emplace_back(piece, std::async(std::launch::async, played, piece));
     }
     for (auto& [expected, seen] : runs) {
-        EXPECT_EQ(seen.get(), expected);
+        EXPECT_EQ(shown(seen.get()), expected);
     }
 }
