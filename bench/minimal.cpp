@@ -1,5 +1,7 @@
-// The floor of a C++ program that loads what the tool loads: the exchange of a run of "sdkcli state" on one
-// thread, with jsoncpp both ways. minimal_cpp PORT
+// The floor of a C++ program with shared libraries: the exchange of a run of the tool on one thread, with jsoncpp
+// both ways. "servers" prints what the tool prints.
+//
+//   minimal_cpp PORT state|servers
 
 #include <arpa/inet.h>
 #include <array>
@@ -7,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <json/json.h>
+#include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <stdexcept>
@@ -56,20 +59,35 @@ public:
         }
     }
 
-    // The payload of one frame of less than 126 bytes.
+    // The payload of one frame of less than 64 KiB.
     std::string receive() {
-        while (received.size() < 2 ||
-               received.size() < 2 + std::size_t{static_cast<unsigned char>(received[1])}) {
-            read();
+        need(2);
+        std::size_t head = 2;
+        std::size_t size = byte(1);
+        if (size == 126) {
+            head = 4;
+            need(head);
+            size = byte(2) << 8 | byte(3);
         }
-        std::string message = received.substr(2, static_cast<unsigned char>(received[1]));
-        received.erase(0, 2 + message.size());
+        need(head + size);
+        std::string message = received.substr(head, size);
+        received.erase(0, head + size);
         return message;
     }
 
 private:
+    std::size_t byte(std::size_t place) const {
+        return static_cast<unsigned char>(received[place]);
+    }
+
+    void need(std::size_t count) {
+        while (received.size() < count) {
+            read();
+        }
+    }
+
     void read() {
-        std::array<char, 16384> bytes;
+        std::array<char, 65536> bytes;
         ssize_t const result = recv(descriptor, bytes.data(), bytes.size(), 0);
         if (result <= 0) {
             throw std::runtime_error("the daemon has ended the connection");
@@ -106,21 +124,60 @@ Json::Value parsed(std::string const& text) {
     return document;
 }
 
+// The element behind the name of the report that answers the request.
+Json::Value ask(Link& link, char const* request) {
+    Json::Value name;
+    name["name"] = "Kelvaris";
+    link.sendAll(frame("set_app_name", name) + frame(request, {}));
+    return parsed(link.receive())[1];
+}
+
+std::string stateDocument(Json::Value const& payload) {
+    Json::Value document;
+    document["state"] = payload["state"];
+    return document.toStyledString();
+}
+
+std::string quoted(std::string const& text) {
+    return Json::valueToQuotedString(text.c_str());
+}
+
+std::string serverList(Json::Value const& servers, bool privateOnes) {
+    std::string list;
+    for (Json::Value const& server : servers) {
+        if ((server["private"] == "yes") == privateOnes) {
+            std::string const city = server["city"].asString();
+            std::string const country = server["country"].asString();
+            std::string const num = std::to_string(server["num"].asInt());
+            std::string const tag = (privateOnes ? "private" : "") + country + '-' + city + '-' + num;
+            list += list.empty() ? "\n\t[\n\t\t{" : ",\n\t\t{";
+            list += "\n\t\t\t\"city\" : " + quoted(city) + ",\n\t\t\t\"country\" : " + quoted(country) +
+                    ",\n\t\t\t\"isPrivate\" : " + (privateOnes ? "true" : "false") +
+                    ",\n\t\t\t\"num\" : " + num + ",\n\t\t\t\"tag\" : " + quoted(tag) + "\n\t\t}";
+        }
+    }
+    return list.empty() ? "[]" : list + "\n\t]";
+}
+
+// As jsoncpp would write a document, which would take longer to build and to write than the report to parse.
+std::string serversDocument(Json::Value const& servers) {
+    return "{\n\t\"private\" : " + serverList(servers, true) +
+           ",\n\t\"public\" : " + serverList(servers, false) + "\n}\n";
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
-    if (argc != 2) {
-        std::fputs("usage: minimal_cpp PORT\n", stderr);
+    std::string const action = argc == 3 ? argv[2] : "";
+    if (action != "state" && action != "servers") {
+        std::fputs("usage: minimal_cpp PORT state|servers\n", stderr);
         return 2;
     }
     try {
         Link link(static_cast<std::uint16_t>(std::atoi(argv[1])));
-        Json::Value name;
-        name["name"] = "Kelvaris";
-        link.sendAll(frame("set_app_name", name) + frame("request_current_state", {}));
-        Json::Value document;
-        document["state"] = parsed(link.receive())[1]["state"];
-        std::fputs(document.toStyledString().c_str(), stdout);
+        std::string const document = action == "state" ? stateDocument(ask(link, "request_current_state"))
+                                                       : serversDocument(ask(link, "request_directory"));
+        std::fputs(document.c_str(), stdout);
     } catch (std::exception const& failure) {
         std::fprintf(stderr, "minimal_cpp: %s\n", failure.what());
         return 1;

@@ -93,8 +93,7 @@ Run run(std::vector<std::string> const& argv, int expectedStatus) {
                                                   : "signal " + std::to_string(WTERMSIG(status));
         throw std::runtime_error(commandLine + "ended with " + end + ": " + err.text());
     }
-    return {wall.count(), seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) * 1024, out.text()};
+    return {wall.count(), seconds(usage.ru_utime) + seconds(usage.ru_stime), out.text()};
 }
 
 Pinned::Pinned() {

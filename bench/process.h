@@ -11,7 +11,6 @@
 struct Run {
     double wall = 0; // seconds, from before the start to after the end
     double cpu = 0;  // seconds, user and system
-    double peak = 0; // bytes of resident memory; not below what the driver itself has
     std::string output;
 };
 

@@ -26,6 +26,8 @@ std::string inUnit(double value, Unit unit) {
         return number(value / 1e6) + " MB/s";
     case Unit::perSecond:
         return number(value) + " /s";
+    case Unit::count:
+        return number(value);
     }
     return {};
 }

@@ -11,7 +11,7 @@ using Samples = std::vector<double>; // one a round
 
 double median(Samples values);
 
-enum class Unit { seconds, bytes, bytesPerSecond, perSecond };
+enum class Unit { seconds, bytes, bytesPerSecond, perSecond, count };
 
 struct Limit {
     double min = -std::numeric_limits<double>::infinity();

@@ -20,16 +20,23 @@ endif()
 set(SELF_CONTAINED ON)
 set(jsoncpp_files json_reader.cpp json_value.cpp json_writer.cpp)
 list(TRANSFORM jsoncpp_files PREPEND ${jsoncpp_source}/src/lib_json/)
-foreach(file ${jsoncpp_files} ${jsoncpp_source}/include/json/json.h)
+foreach(file ${jsoncpp_files} ${jsoncpp_source}/include/json/json.h ${jsoncpp_source}/include/json/version.h)
     if(NOT EXISTS ${file})
-        message(FATAL_ERROR "KELVARIS_JSONCPP_SOURCE: ${jsoncpp_source} is no source of jsoncpp, ${file} is missing")
+        message(FATAL_ERROR "${jsoncpp_source} isn't jsoncpp's source: ${file} is missing. "
+            "KELVARIS_JSONCPP_SOURCE names that folder; without one, script/bootstrap fetches it into build/jsoncpp.")
     endif()
 endforeach()
 file(STRINGS ${jsoncpp_source}/include/json/version.h jsoncpp_version REGEX "define JSONCPP_VERSION_STRING")
 string(REGEX REPLACE ".*\"(.*)\".*" "\\1" jsoncpp_version "${jsoncpp_version}")
 message(STATUS "jsoncpp: inside, version ${jsoncpp_version} from ${jsoncpp_source}")
 
-# Optimised in every build, and without our warnings.
+# Optimised in every build, without our warnings, and hardened as the shared one is.
 add_library(jsoncpp STATIC ${jsoncpp_files})
 target_include_directories(jsoncpp SYSTEM PUBLIC ${jsoncpp_source}/include)
 target_compile_options(jsoncpp PRIVATE -w -O2 -DNDEBUG -ffunction-sections -fdata-sections)
+if(NOT KELVARIS_SANITIZE)
+    target_compile_options(jsoncpp PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+endif()
+# All that it needs of libm is one function that libc has as well: a library less to load.
+target_link_options(jsoncpp INTERFACE -Wl,--as-needed)
+target_link_libraries(jsoncpp INTERFACE -Wl,-lc)

@@ -21,7 +21,7 @@ constexpr uint64_t statsRepeatMs = 45001;
 KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
     std::memcpy(appName, settings.appName, sizeof(appName));
     websocket = std::make_unique<WebsocketImpl>(textIn(settings, settings.address).c_str(), settings.port);
-    std::string const name = textIn(appName, appName);
+    std::string const name = textIn(appName);
     if (!name.empty()) {
         setAppName(name.c_str());
     }
@@ -46,12 +46,10 @@ bool KelvarisSDK::startStatsThread() {
     if (statsThread.joinable()) {
         return true;
     }
-    statsRunnerActive = true;
     try {
         statsThread = startThread([this] { statsEnabledRunner(); });
         return true;
     } catch (std::system_error const&) {
-        statsRunnerActive = false;
         return false;
     }
 }

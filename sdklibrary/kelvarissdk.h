@@ -262,15 +262,15 @@ protected: // tests make objects without a link
 
     std::recursive_mutex statsLock; // recursive: the runner calls enableStatUpdates. Held while that sends
     bool statsEnabled = false;      // guarded by statsLock, as is the next; the subscription is wanted
-    bool statsRunnerActive = false; // the runner shall go on
+    bool statsRunnerActive = true;  // the runner shall go on; false for good once the object ends
     std::condition_variable_any statsChanged; // one of the two flags
 
     // Constant after construction.
     char appName[32];
     std::unique_ptr<WebsocketImpl> websocket; // no method starts a call without it
 
-    std::thread
-        statsThread; // last: it uses all of the above. Guarded by statsLock until the destructor joins it
+    // Guarded by statsLock until the destructor joins it. It stands last because it uses all of the above.
+    std::thread statsThread;
 };
 
 } // namespace kelvarissdk

@@ -316,9 +316,10 @@ TEST_F(EasyWsClient, FramesMayBeSplitAnywhere) {
 }
 
 TEST_F(EasyWsClient, EndsOnACloseFrameAndOnUnknownOnes) {
-    for (unsigned char const opcode : "\x88\x83\x87\x8B\x8F"s) {
+    for (char const opcode : "\x88\x83\x87\x8B\x8F"s) {
         ASSERT_TRUE(open());
-        give(frame(opcode, "\x03\xE8") + frame(0x89, "unanswered") + frame(0x81, "behind"));
+        give(frame(static_cast<unsigned char>(opcode), "\x03\xE8") + frame(0x89, "unanswered") +
+             frame(0x81, "behind"));
         EXPECT_EQ(WebSocket::CLOSING, client->getReadyState()) << opcode;
         EXPECT_EQ(Messages{"behind"}, messages) << opcode;
         client->poll(-1);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Compares the library's dynamic symbols with the functions that the headers declare, and looks for a block above each
-# function, record and enumeration. Usage: LIBRARY INCLUDE_FOLDER
+# function, record and enumeration. With the tool as well, both have to be self-contained.
+# Usage: LIBRARY INCLUDE_FOLDER [TOOL]
 set -euo pipefail
 
 exported=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
@@ -19,6 +20,21 @@ if [ -n "$undocumented" ]; then
     echo "No block stands above:"
     echo "$undocumented"
     exit 1
+fi
+# Everything else among the dynamic symbols belongs to libc, libm, the loader or the unwinder.
+self_contained() { # FILE NEEDED
+    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|__gmon_start__)| T KelvarisSDK_' || true)
+    foreign+=$(readelf -dW "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vxE "$2" || true)
+    if [ -n "$foreign" ]; then
+        echo "$1 isn't self-contained:"
+        echo "$foreign"
+        exit 1
+    fi
+}
+if [ -n "${3-}" ]; then
+    own='(libc|libm|ld-linux.*)\.so\..*'
+    self_contained "$1" "$own|libgcc_s\.so\.1"
+    self_contained "$3" "$own"
 fi
 count=$(wc -l <<<"$exported")
 echo "$count functions"

@@ -1,4 +1,4 @@
-// Filling the fixed fields of a record. What too long and too many mean is decided here, for all families.
+// Fills and reads the fixed fields of a record. What too long and too many mean is decided here, for all families.
 
 #pragma once
 
@@ -25,6 +25,11 @@ template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
 template <class Record> std::string textIn(Record const& record, char const* field) {
     char const* const end = reinterpret_cast<char const*>(&record + 1);
     return {field, std::find(field, end, '\0')};
+}
+
+// A text that ends with its slot at the latest.
+template <std::size_t N> std::string textIn(char const (&slot)[N]) {
+    return {slot, std::find(slot, slot + N, '\0')};
 }
 
 // A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or

@@ -1,15 +1,15 @@
 // The life of a call: getResult queues an entry for the table together with the call's requests; the reader
 // thread sends the requests, takes each message's event name from its raw text and hands the message to every
 // entry that waits for that name; the entry's handler fills the call's record and says whether the
-// entry is done. A time-out is a delivery too: the sweep hands the entry the event "sdk_error", which no
-// daemon can send, because no entry awaits it by name.
+// entry is done. A time-out is a delivery too: the sweep hands the entry the event "sdk_error", and
+// a daemon's event of that name reaches nobody, because no entry awaits it.
 //
 // One pass of the reader: connect if there is no socket, send, wait, deliver, sweep the time-outs, look whether to
-// go on. The wait has no ticks: it lasts until the socket has something, the next time-out is due, a request or an
-// entry is queued, or the object ends. No wake-up gets lost, because the reader clears the signal first and only
-// then takes the queues and looks for the next time-out, and a caller queues first and signals then: what the reader
-// didn't see in the queues ends its wait by the signal. Between two attempts to connect nothing but the end is
-// waited for.
+// go on. The wait lasts until the socket has something, the next time-out is due, a request or an entry is queued, or
+// the object ends; in the closing state only the last three end it, and of the entries one that is due earlier. No
+// wake-up gets lost, because the reader clears the signal first and only then takes the queues and looks for the next
+// time-out, and a caller queues first and signals then: what the reader didn't see in the queues ends its wait by the
+// signal. Between two attempts to connect the reader waits for nothing but the end.
 
 #include "websockets.h"
 
@@ -30,13 +30,14 @@
 
 #include "fields.h"
 #include "keys.h"
+#include "step.h"
 
 namespace kelvarissdk {
 
 namespace {
 
-constexpr int drainMs = 100;       // for what is queued when the object ends
-constexpr int undisturbedMs = 100; // the longest wait that no signal can end
+constexpr int drainMs = 100;                // for what is queued when the object ends
+constexpr int maxWaitWithoutWakeupMs = 100; // where the process had no descriptor for the signal
 constexpr int reconnectMs = 250;
 
 void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
@@ -157,7 +158,9 @@ int Wakeup::descriptor() const {
 // A thread that was cancelled between the flag and the write would leave the flag set for good, and no later signal
 // would be written: the system call is made without the point of cancellation that eventfd_write() is.
 void Wakeup::signal() {
+    step();
     if (!signalled.exchange(true)) {
+        step();
         eventfd_t const one = 1;
         syscall(SYS_write, fd, &one, sizeof(one));
     }
@@ -167,7 +170,9 @@ void Wakeup::signal() {
 void Wakeup::clear() {
     eventfd_t signals = 0;
     eventfd_read(fd, &signals);
+    step();
     signalled.exchange(false);
+    step();
 }
 
 void Wakeup::wait(int milliseconds) const {
@@ -222,6 +227,7 @@ void WebsocketImpl::end() {
         std::lock_guard const lock(runningMutex);
         running = false;
     }
+    step();
     runningChanged.notify_all();
     wakeup.signal();
     readerThread.join();
@@ -295,6 +301,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     uint64_t const due = dueTime(description);
     std::map<uint64_t, EventDescription> registered;
     registered.emplace(id, std::move(description));
+    step();
     {
         std::lock_guard const lock(outgoingMutex);
         // The merge can't fail, so a call that throws here leaves no entry behind.
@@ -314,6 +321,7 @@ void WebsocketImpl::removeCallback(unsigned long long id) {
     if (visitedId != nullptr && *visitedId == id) {
         visitedRemoved = true;
     } else if (events.erase(id) == 0) {
+        step();
         std::lock_guard const pendingLock(outgoingMutex);
         pendingEvents.erase(id);
     }
@@ -352,12 +360,19 @@ void WebsocketImpl::serveSocket() {
     // The signal is cleared before the queues and `running` are read, so that whatever comes later ends the wait.
     wakeup.clear();
     int const wait = timeToWait(closing);
+    step();
     if (closing) {
         wakeup.wait(wait);
         return;
     }
-    sendOutgoing();
-    // After a loss that sending has shown, poll() would sleep the whole wait.
+    queueTaken = getTimeMillis();
+    if (!sendOutgoing()) {
+        ws.reset();
+        waitForEnd(reconnectMs);
+        return;
+    }
+    step();
+    // After a loss that sending has shown, poll() would sleep the whole wait and delay the next attempt to connect.
     if (ws->getReadyState() != easywsclient::WebSocket::CLOSED) {
         ws->poll(wait);
     }
@@ -367,35 +382,44 @@ void WebsocketImpl::serveSocket() {
 // How long the reader may wait when nothing happens, in milliseconds; -1: without limit.
 int WebsocketImpl::timeToWait(bool closing) {
     std::lock_guard const eventsLock(eventsMutex);
-    admitPending(closing);
+    admitPending(closing ? Next::closingWait : Next::anything);
+    step();
     {
         std::lock_guard const runningLock(runningMutex);
         if (!running) {
             return 0;
         }
     }
-    uint64_t const longest = wakeup.descriptor() < 0 ? undisturbedMs : INT_MAX;
+    uint64_t const longest = wakeup.descriptor() < 0 ? maxWaitWithoutWakeupMs : INT_MAX;
     if (nextTimeout == never) {
-        return longest == INT_MAX ? -1 : undisturbedMs;
+        return longest == INT_MAX ? -1 : maxWaitWithoutWakeupMs;
     }
     uint64_t const now = getTimeMillis();
     return static_cast<int>(std::min(nextTimeout - std::min(nextTimeout, now), longest));
 }
 
-void WebsocketImpl::sendOutgoing() {
+// Memory that runs out ends the connection: false, and the requests are dropped whole.
+bool WebsocketImpl::sendOutgoing() {
     std::deque<Request> requests;
     {
         std::lock_guard const lock(outgoingMutex);
         requests.swap(outgoing);
     }
-    for (Request const& request : requests) {
-        ws->send(requestToString(request.name, request.payload));
+    step();
+    try {
+        for (Request const& request : requests) {
+            ws->send(requestToString(request.name, request.payload));
+        }
+    } catch (std::bad_alloc const&) {
+        return false;
     }
     ws->flush();
+    return true;
 }
 
 // Only the destructor ends this wait early.
 void WebsocketImpl::waitForEnd(int milliseconds) {
+    step();
     std::unique_lock lock(runningMutex);
     runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
 }
@@ -403,7 +427,9 @@ void WebsocketImpl::waitForEnd(int milliseconds) {
 bool WebsocketImpl::sweepAndGoOn() {
     std::lock_guard const eventsLock(eventsMutex);
     admitPending();
+    step();
     sweepTimeouts();
+    step();
     std::lock_guard const runningLock(runningMutex);
     if (!running && ws && ws->getReadyState() == easywsclient::WebSocket::OPEN) {
         drainOnShutdown();
@@ -415,7 +441,9 @@ bool WebsocketImpl::sweepAndGoOn() {
 // while the daemon still reads from it.
 void WebsocketImpl::drainOnShutdown() {
     ws->watch(-1);
-    sendOutgoing();
+    if (!sendOutgoing()) {
+        return;
+    }
     ws->poll(0);
     uint64_t const start = getTimeMillis();
     uint64_t waited = 0;
@@ -439,6 +467,10 @@ void WebsocketImpl::sweepTimeouts() {
     bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
     nextTimeout = never;
     visitEntries([&](EventDescription& entry) {
+        // A request that was queued while callbacks ran couldn't be sent, so its time-out begins when they returned.
+        if (entry.startTime >= queueTaken) {
+            entry.startTime = std::max(entry.startTime, visitEnded);
+        }
         uint64_t const due = dueTime(entry);
         if (due > now) {
             nextTimeout = std::min(nextTimeout, due);
@@ -447,11 +479,13 @@ void WebsocketImpl::sweepTimeouts() {
         Json::Value message;
         message[Keys::_msg] = linked ? "Timeout" : "Unable to connect";
         message[Keys::_type] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
+        step();
         bool const remove = entry.callback(event, event, message);
         entry.startTime = 0;
         entry.finished = true;
         return remove;
     });
+    queueTaken = never;
 }
 
 void WebsocketImpl::handle_message(std::string const& text) {
@@ -473,6 +507,7 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {
         Json::Value const& document = entry.skipParse ? message.asItStands() : message.parsed();
+        step();
         remove |= entry.callback(message.name, message.text, document);
         entry.startTime = 0;
         entry.finished = true;
@@ -498,15 +533,16 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
 // A request leaves after its entry became pending and its answer comes later still, so no answer is missed. What
 // was registered while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called
 // between two visits; the caller holds eventsMutex.
-void WebsocketImpl::admitPending(bool beforeClosingWait) {
+void WebsocketImpl::admitPending(Next next) {
     std::lock_guard const lock(outgoingMutex);
     for (auto& [id, entry] : pendingEvents) {
         entry.startTime = std::max(entry.startTime, visitEnded);
         nextTimeout = std::min(nextTimeout, dueTime(entry));
     }
     events.merge(pendingEvents);
-    // Under the same lock, so that a caller who comes next compares with a time that knows of all before.
-    if (beforeClosingWait) {
+    // This happens under the same lock, so that callers who register later compare with a due time that includes every
+    // entry before theirs.
+    if (next == Next::closingWait) {
         closingWait = true;
         closingWaitEnds = nextTimeout;
     }

@@ -46,7 +46,8 @@ void asyncMode(KelvarisSDK_BaseResult* result);
 // Reason 1 is the server's lock and 2 the account's; any other leaves the record as it is.
 void settingLocked(KelvarisSDK_BaseResult* result, int reason);
 
-// The event that tells a handler of a time-out. No daemon can send it, because no entry awaits it by name.
+// The event that tells a handler of a time-out. A daemon's event of that name reaches nobody, because no entry awaits
+// it.
 constexpr char timeoutEvent[] = "sdk_error";
 
 // Called with the event's name, the raw text and the parsed message; true removes the entry.
@@ -80,9 +81,9 @@ public:
 
     // -1 where the process had no descriptor left: nothing ends a wait then, and the reader has to look by itself.
     int descriptor() const;
-    // Is no point at which the calling thread can be cancelled.
+    // The calling thread can't be cancelled in it.
     void signal();
-    // What was done before a signal that this call takes back is seen after it.
+    // The caller of clear() sees all that was done before a signal that it clears.
     void clear();
     // Waits for a signal, at most this long; -1: without limit.
     void wait(int milliseconds) const;
@@ -146,14 +147,16 @@ private:
     void readerRunner();
     void connect(std::string const& url);
     void serveSocket();
-    void sendOutgoing();
+    bool sendOutgoing();
     void drainOnShutdown();
     void waitForEnd(int milliseconds);
     int timeToWait(bool closing);
     bool sweepAndGoOn();
     void sweepTimeouts();
     bool deliver(EventDescription& entry, Message& message);
-    void admitPending(bool beforeClosingWait = false);
+    // What the reader does next: a wait in the closing state is announced to the callers.
+    enum class Next { anything, closingWait };
+    void admitPending(Next next = Next::anything);
     template <class Visit> void visitEntries(Visit visit);
 
     // Constant after construction.
@@ -164,6 +167,7 @@ private:
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
     std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
+    uint64_t queueTaken = never; // of getTimeMillis; when this pass sent what was queued
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;

@@ -7,6 +7,7 @@
 
 #include "fields.h"
 #include "keys.h"
+#include "step.h"
 
 namespace kelvarissdk {
 
@@ -133,6 +134,7 @@ bool registerCall(WebsocketImpl* websocket, Exchange const& exchange, std::share
             return !asyncInvoker() || !options.subscription;
         }
         lock.unlock(); // so that the woken caller finds it free
+        step();
         completion->set();
         return true;
     };

@@ -1,6 +1,7 @@
 // From a family's method to the engine and back: what a method says of its call (an Exchange and the parser of
 // its report) and what all calls have in common. A method calls one of the two wrappers, which call wsWrapper(),
-// which registers the call with the engine.
+// which registers the call with the engine. A new call needs nothing here but query(), change() or command() and a
+// function that fills its record.
 
 #pragma once
 

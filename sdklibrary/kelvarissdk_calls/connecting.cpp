@@ -41,15 +41,12 @@ KelvarisSDK_ConnectResult KelvarisSDK::connectAuto(KelvarisSDK_AutoConnectMethod
                                                    KelvarisSDK_ConnectCallback callback, void* userData) {
     switch (method) {
     case KelvarisSDK_AutoConnectMethod_CLOSEST:
-        return connectCombined("user", callback, userData);
     case KelvarisSDK_AutoConnectMethod_PRIVATE:
-        return connectCombined("userprivate", callback, userData);
     case KelvarisSDK_AutoConnectMethod_PUBLIC:
-        return connectCombined("userpublic", callback, userData);
+    case KelvarisSDK_AutoConnectMethod_P2P:
+        return connectCombined(methodWord(method), callback, userData);
     case KelvarisSDK_AutoConnectMethod_LAST:
         return connectCombined("last", callback, userData);
-    case KelvarisSDK_AutoConnectMethod_P2P:
-        return connectCombined("p2p", callback, userData);
     case KelvarisSDK_AutoConnectMethod_COUNTRY:
         // The method comes without its country. The refusal is SDK (3840) and not INVALID_ARGUMENT.
         return refused<KelvarisSDK_ConnectResult>(noWebsocketImplementation);

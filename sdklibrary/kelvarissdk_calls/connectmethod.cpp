@@ -12,20 +12,6 @@ namespace kelvarissdk {
 
 namespace {
 
-struct WireMethod {
-    KelvarisSDK_AutoConnectMethod method;
-    char const* text;
-};
-
-constexpr WireMethod wireMethods[] = {
-    {KelvarisSDK_AutoConnectMethod_CLOSEST, "user"},
-    {KelvarisSDK_AutoConnectMethod_PUBLIC, "userpublic"},
-    {KelvarisSDK_AutoConnectMethod_PRIVATE, "userprivate"},
-    {KelvarisSDK_AutoConnectMethod_P2P, "p2p"},
-    {KelvarisSDK_AutoConnectMethod_PROXY, "proxy"},
-    {KelvarisSDK_AutoConnectMethod_COUNTRY, "country"},
-};
-
 // Splits "country|city|num", of which the later pieces may be missing.
 void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const& place) {
     std::istringstream pieces(place);
@@ -47,9 +33,11 @@ void setServerSettingsData(KelvarisSDK_ServerSettingsResult& result, Json::Value
     setText(result.city, "");
     result.num = 0;
     std::string const text = settings[Keys::_connect_to_best_method].asString();
-    for (WireMethod const& wire : wireMethods) {
-        if (text == wire.text) {
-            result.connectMethod = wire.method;
+    for (uint32_t number = 0; number <= KelvarisSDK_AutoConnectMethod_PROXY; ++number) {
+        auto const method = static_cast<KelvarisSDK_AutoConnectMethod>(number);
+        char const* const word = methodWord(method);
+        if (word != nullptr && text == word) {
+            result.connectMethod = method;
         }
     }
     if (text == "country") {
@@ -59,6 +47,27 @@ void setServerSettingsData(KelvarisSDK_ServerSettingsResult& result, Json::Value
 }
 
 } // namespace
+
+char const* methodWord(KelvarisSDK_AutoConnectMethod method) {
+    switch (method) {
+    case KelvarisSDK_AutoConnectMethod_CLOSEST:
+        return "user";
+    case KelvarisSDK_AutoConnectMethod_PUBLIC:
+        return "userpublic";
+    case KelvarisSDK_AutoConnectMethod_PRIVATE:
+        return "userprivate";
+    case KelvarisSDK_AutoConnectMethod_P2P:
+        return "p2p";
+    case KelvarisSDK_AutoConnectMethod_PROXY:
+        return "proxy";
+    case KelvarisSDK_AutoConnectMethod_COUNTRY:
+        return "country";
+    case KelvarisSDK_AutoConnectMethod_LAST:
+    case KelvarisSDK_AutoConnectMethod_AUTO:
+        break;
+    }
+    return nullptr;
+}
 
 std::string placeText(char const* country, char const* city) {
     return std::string(country) + "|" + city;
@@ -78,12 +87,11 @@ KelvarisSDK_ServerSettingsResult KelvarisSDK::getServerSettings(KelvarisSDK_Serv
 KelvarisSDK_ServerSettingsResult
 KelvarisSDK::setConnectMethodAuto(KelvarisSDK_AutoConnectMethod method,
                                   KelvarisSDK_ServerSettingsCallback callback, void* userData) {
-    for (WireMethod const& wire : wireMethods) {
-        if (method == wire.method && method != KelvarisSDK_AutoConnectMethod_COUNTRY) {
-            return setConnectMethodCombined(wire.text, "", callback, userData);
-        }
+    char const* const word = methodWord(method);
+    if (word == nullptr || method == KelvarisSDK_AutoConnectMethod_COUNTRY) {
+        return refused<KelvarisSDK_ServerSettingsResult>(invalidArgument);
     }
-    return refused<KelvarisSDK_ServerSettingsResult>(invalidArgument);
+    return setConnectMethodCombined(word, "", callback, userData);
 }
 
 KelvarisSDK_ServerSettingsResult

@@ -43,12 +43,21 @@ Json::Value with(Json::StaticString const& key, Json::Value const& value) {
     return payload;
 }
 
-KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text) {
-    std::string const mode = text.asString();
-    if (mode == "RD") {
-        return KelvarisSDK_BondingMode_REDUNDANT;
+char const* bondingModeWord(KelvarisSDK_BondingMode mode) {
+    switch (mode) {
+    case KelvarisSDK_BondingMode_SPEED:
+        break;
+    case KelvarisSDK_BondingMode_REDUNDANT:
+        return "RD";
+    case KelvarisSDK_BondingMode_STREAMING:
+        return "STR";
     }
-    return mode == "STR" ? KelvarisSDK_BondingMode_STREAMING : KelvarisSDK_BondingMode_SPEED;
+    return "SP";
+}
+
+KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text) {
+    return enumFrom(text, KelvarisSDK_BondingMode_STREAMING, bondingModeWord)
+        .value_or(KelvarisSDK_BondingMode_SPEED);
 }
 
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object) {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,8 +15,9 @@ namespace kelvarissdk {
 // Reads "state" of report_current_state; a number other than 0 to 7 is read as unknown.
 void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload);
 
-// "RD" is redundant and "STR" streaming; anything else is speed.
+// The words of the bonding modes on the wire. A word or a mode that isn't known counts as speed.
 KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
+char const* bondingModeWord(KelvarisSDK_BondingMode mode);
 
 // Reads an object with "proto" and "port". A protocol other than "tcp" and "udp" leaves the pair's as it was.
 void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);

@@ -11,7 +11,7 @@ namespace {
 constexpr char report[] = "report_directory_settings";
 
 // The records of this family count as failed until a report has reached them.
-Exchange failedUntilReported(Exchange exchange) {
+Exchange countAsFailed(Exchange exchange) {
     exchange.failedUntilReported = true;
     return exchange;
 }
@@ -28,15 +28,14 @@ void setDirectoryResult(KelvarisSDK_DirectorySettingsResult& result, Json::Value
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::getDirectorySettings(KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
     return wsSubscriptionWrapper(callback, userData, websocket,
-                                 failedUntilReported(query("request_directory_url", report)),
-                                 setDirectoryResult);
+                                 countAsFailed(query("request_directory_url", report)), setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult
 KelvarisSDK::setESNIEnabled(bool enabled, KelvarisSDK_DirectorySettingsCallback callback, void* userData) {
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
-        failedUntilReported(change("set_esni_enabled", with(Keys::_enableEsni, enabled), report)),
+        countAsFailed(change("set_esni_enabled", with(Keys::_enableEsni, enabled), report)),
         setDirectoryResult);
 }
 
@@ -48,7 +47,7 @@ KelvarisSDK::setDirectoryDomain(char const* domain, KelvarisSDK_DirectorySetting
         payload[Keys::_domain] = domain;
     }
     return wsNonSubscriptionWrapper(callback, userData, websocket,
-                                    failedUntilReported(command("set_directory_domain", payload, report)),
+                                    countAsFailed(command("set_directory_domain", payload, report)),
                                     setDirectoryResult);
 }
 
@@ -65,9 +64,9 @@ KelvarisSDK::setDirectoryGatewayURI(char const* uri, KelvarisSDK_DirectorySettin
     if (uri != nullptr) {
         payload[Keys::_url] = uri; // the report spells this key differently
     }
-    return wsNonSubscriptionWrapper(
-        callback, userData, websocket,
-        failedUntilReported(command("set_directory_gateway_uri", payload, report)), setDirectoryResult);
+    return wsNonSubscriptionWrapper(callback, userData, websocket,
+                                    countAsFailed(command("set_directory_gateway_uri", payload, report)),
+                                    setDirectoryResult);
 }
 
 KelvarisSDK_DirectorySettingsResult

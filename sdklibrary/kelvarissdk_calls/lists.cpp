@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "core.h"
@@ -73,7 +74,7 @@ Json::Value domainsPayload(unsigned short count, char (*domains)[50]) {
     Json::Value payload;
     Json::Value& list = payload[Keys::_domains] = Json::Value(Json::arrayValue);
     for (std::size_t i = 0; i < sentCount(count); ++i) {
-        list.append(textIn(domains[i], domains[i]));
+        list.append(textIn(domains[i]));
     }
     return payload;
 }
@@ -194,7 +195,7 @@ KelvarisSDK::setLocalProxyIPv6(unsigned short count, in6_addr* addresses,
 KelvarisSDK_LocalProxySettingsResult
 KelvarisSDK::setLocalProxyPorts(unsigned short count, KelvarisSDK_ProtocolPortPair* ports,
                                 KelvarisSDK_LocalProxySettingsCallback callback, void* userData) {
-    // The lock report of these ports carries the name of the firewall's request.
+    // This call takes a lock of the firewall's ports for its own.
     return wsNonSubscriptionWrapper(callback, userData, websocket,
                                     {.requests = {{"set_localproxy_ports", portsPayload(count, ports)}},
                                      .awaited = {{localProxyReport}},
@@ -207,7 +208,7 @@ KelvarisSDK_LocalProxySettingsResult KelvarisSDK::setLocalProxyDomainWatchlistEn
     Json::Value payload;
     payload[Keys::_title] = title;
     payload[Keys::_enabled] = enabled;
-    // A lock report doesn't concern this call.
+    // This call awaits no lock report.
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
         command("set_localproxy_domainwatchlist_enable", payload, localProxyReport), setLocalProxyResult);

@@ -64,7 +64,7 @@ void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Jso
     result.num_packets_filtered = stats[Keys::_num_safe_browsing_packets_filtered].asUInt64();
 }
 
-// Settings that are not initialized yet were reported before the request took effect, so they don't end the call.
+// Only settings that are initialized, or a connect error, end these calls.
 Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
     return {.requests = {{request, payload}},
             .awaited = {{settingsReport, with(Keys::_initialized, true)}, {connectErrorReport}},
@@ -82,7 +82,7 @@ KelvarisSDK::initSafeBrowsing(char const* config, KelvarisSDK_SafeBrowsingCallba
                                     settingsOrConnectError);
 }
 
-// The lock report of the configuration carries the name of the initialization, which also sets it.
+// This call takes a lock of the initialization, which sets the configuration too, for its own.
 KelvarisSDK_SafeBrowsingResult KelvarisSDK::setSafeBrowsingConfig(char const* config,
                                                                   KelvarisSDK_SafeBrowsingCallback callback,
                                                                   void* userData) {
@@ -129,7 +129,7 @@ KelvarisSDK::refreshSafeBrowsingToken(char const* token, KelvarisSDK_SafeBrowsin
                                     settingsOrConnectError);
 }
 
-// The lock report of this request carries the name of the token's refresh.
+// This call takes a lock of the token's refresh for its own.
 KelvarisSDK_SafeBrowsingResult
 KelvarisSDK::reportSafeBrowsingHomeNetwork(KelvarisSDK_SafeBrowsingCallback callback, void* userData,
                                            unsigned int retries, unsigned long long delay,

@@ -37,9 +37,13 @@ void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Va
     fillTexts(info.publicIPCount, info.publicIP, server[Keys::_publicIP]);
 }
 
+namespace {
+
 void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list) {
     fillSlots(result.serverCount, result.servers, list, setServerData);
 }
+
+} // namespace
 
 KelvarisSDK_DirectoryResult KelvarisSDK::getDirectory(KelvarisSDK_DirectoryCallback callback,
                                                       void* userData) {

@@ -14,8 +14,8 @@ namespace kelvarissdk {
 // Fill the record of one server. The country of a private server is stored without the "private" in front of it.
 void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& server);
 void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server);
-// Fills the record with the list of servers.
-void setDirectoryListResult(KelvarisSDK_DirectoryResult& result, Json::Value const& list);
+// The word of a method on the wire; null for one that has none.
+char const* methodWord(KelvarisSDK_AutoConnectMethod method);
 
 // Make the text that names a place in a request: "country|city" or "country|city|num".
 std::string placeText(char const* country, char const* city);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,18 +19,6 @@ constexpr char privacyReport[] = "report_privacy_settings";
 
 constexpr std::size_t maxForwardedPorts = std::size(KelvarisSDK_SettingsResult{}.forwardedPorts);
 constexpr std::size_t maxDnsServers = std::size(KelvarisSDK_PrivacySettingsResult{}.dnsAddresses);
-
-char const* algorithmOf(KelvarisSDK_BondingMode mode) {
-    switch (mode) {
-    case KelvarisSDK_BondingMode_SPEED:
-        break;
-    case KelvarisSDK_BondingMode_REDUNDANT:
-        return "RD";
-    case KelvarisSDK_BondingMode_STREAMING:
-        return "STR";
-    }
-    return "SP";
-}
 
 // Fills slots with the members of an object whose names are ids of adapters.
 template <class Slot, std::size_t N, class Fill>
@@ -111,7 +100,7 @@ KelvarisSDK_SettingsResult KelvarisSDK::setMode(KelvarisSDK_BondingMode mode,
                                                 KelvarisSDK_SettingsCallback callback, void* userData) {
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
-        change("set_connection_algorithm", with(Keys::_algorithm, algorithmOf(mode)), connectionReport),
+        change("set_connection_algorithm", with(Keys::_algorithm, bondingModeWord(mode)), connectionReport),
         setConnectionSettings);
 }
 
@@ -216,7 +205,7 @@ KelvarisSDK_PrivacySettingsResult KelvarisSDK::setDNSServers(unsigned short coun
                                                              void* userData) {
     Json::Value list(Json::arrayValue);
     for (std::size_t i = 0; i < std::min<std::size_t>(count, maxDnsServers); ++i) {
-        list.append(textIn(addresses[i], addresses[i]));
+        list.append(textIn(addresses[i]));
     }
     return wsNonSubscriptionWrapper(
         callback, userData, websocket,
@@ -227,7 +216,7 @@ KelvarisSDK_PrivacySettingsResult KelvarisSDK::setDNSServers(unsigned short coun
 
 KelvarisSDK_CaptivePortalCheckResult
 KelvarisSDK::checkForCaptivePortals(KelvarisSDK_CaptivePortalCheckCallback callback, void* userData) {
-    // This check takes longer than the other calls.
+    // This check is given more time than the other calls.
     return wsNonSubscriptionWrapper(callback, userData, websocket,
                                     {.requests = {{"check_captive_networks"}},
                                      .awaited = {{"report_captive_networks"}},

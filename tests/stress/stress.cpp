@@ -1,11 +1,13 @@
 // stress [SECONDS [ROUNDS]]: how the library keeps its feet for a long time. Eight threads make mixed calls on
-// handles they share and unregister at random, for so many seconds (30), while the daemons drop the links; then
-// handles are made and destroyed in so many rounds (10000) under the hands of a daemon that never falls silent.
-// Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
-// memory has grown. User data are freed as soon as no callback may use them any more.
+// handles they share and unregister at random, for so many seconds (30), while the daemons drop the links; for as long,
+// calls are made on links on which nothing else happens, so that a lost wake-up is a hang, and threads are cancelled in
+// them; then handles are made and destroyed in so many rounds (10000) under the hands of a daemon that never falls
+// silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
+// memory has grown; a hang aborts. User data are freed as soon as no callback may use them any more.
 
 #include "support/handle.h"
 #include "support/simulator.h"
+#include "wswrapper.h"
 
 #include <array>
 #include <atomic>
@@ -17,7 +19,9 @@
 #include <malloc.h>
 #include <map>
 #include <memory>
+#include <pthread.h>
 #include <random>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -34,9 +38,12 @@ std::atomic<long> asynchronous = 0;
 std::atomic<long> deliveries = 0;
 std::atomic<long> timeOuts = 0;
 std::atomic<long> wrong = 0;
+std::atomic<long> cancelled = 0;
+std::atomic<long> progress = 0;
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
 void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
+    ++progress;
     static std::map<int, std::string> const texts = {
         {KelvarisSDK_ErrorType_NO_ERROR, ""},
         {KelvarisSDK_ErrorType_ASYNC_CALL, "Result is an async call SDK"},
@@ -194,6 +201,88 @@ void createAndDestroy(long rounds) {
     });
 }
 
+using Link = std::unique_ptr<kelvarissdk::WebsocketImpl>;
+
+// Where the daemon answers surely, an answer is waited for without limit.
+void ask(Link const& link, bool answers, unsigned long dice) {
+    kelvarissdk::Exchange exchange = kelvarissdk::query("request_current_state", "report_current_state");
+    exchange.timeoutMs = 1 + dice % 20;
+    if (dice % 4 == 0) {
+        exchange = {.awaited = {{"nothing"}}, .timeoutMs = exchange.timeoutMs};
+    } else if (answers) {
+        exchange.timeoutMs = 0;
+    }
+    auto const fill = [](KelvarisSDK_StateResult&, Json::Value const&) {};
+    judge(kelvarissdk::wsNonSubscriptionWrapper<KelvarisSDK_StateResult>(nullptr, nullptr, link, exchange,
+                                                                         +fill)
+              .base);
+    ++synchronous;
+}
+
+void registerAndUnregister(Link const& link) {
+    auto const seen = std::make_unique<long>(0);
+    kelvarissdk::EventDescription description;
+    description.timeoutMs = 3'600'000;
+    kelvarissdk::WebsocketImpl::waitForEvent(description, "report_current_state");
+    kelvarissdk::WebsocketImpl::sendRequest(description, "request_current_state");
+    link->removeCallback(link->getResult(description, [&](auto&&...) { return ++*seen > 2; }));
+    ++asynchronous;
+}
+
+// The thread sanitizer takes a thread that was cancelled in its wait for one that still waits, and overlooks its atomic
+// operations from then on.
+#ifdef __SANITIZE_THREAD__
+constexpr bool cancelInWait = false;
+#else
+constexpr bool cancelInWait = true;
+#endif
+
+void quietLinks(std::chrono::milliseconds duration) {
+    Simulator const quiet({"--interval", "3600000"});
+    Simulator const dropping({"--interval", "3600000", "--drop-after", "17"});
+    Simulator const closing({"--interval", "3600000", "--close-frame-after", "5"});
+    std::array const ports = {quiet.port, quiet.port, dropping.port, closing.port};
+    auto const end = Clock::now() + duration;
+    inThreads([&](unsigned number) {
+        std::minstd_rand random(number);
+        while (Clock::now() < end) {
+            std::uint16_t const port = ports[random() % ports.size()];
+            auto const link = std::make_unique<kelvarissdk::WebsocketImpl>("127.0.0.1", port);
+            auto const start = [&](bool endless, unsigned long count) {
+                return std::thread(
+                    [&link, endless, count, answers = port == quiet.port, dice = random]() mutable {
+                        for (unsigned long i = 0; endless || i < count; ++i) {
+                            dice() % 4 == 0 || (endless && !cancelInWait) ? registerAndUnregister(link)
+                                                                          : ask(link, answers, dice());
+                            pthread_testcancel();
+                        }
+                    });
+            };
+            std::thread victim = start(true, 0);
+            std::thread other = start(false, random() % 10);
+            std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+            pthread_cancel(victim.native_handle());
+            victim.join();
+            other.join();
+            start(false, 2).join();
+            ++cancelled;
+        }
+    });
+}
+
+// Ends a process in which nothing has returned for long.
+void watch(std::stop_token const& stop) {
+    long last = -1;
+    for (int same = 0; !stop.stop_requested(); std::this_thread::sleep_for(std::chrono::seconds(1))) {
+        same = progress == last ? same + 1 : 0;
+        last = progress;
+        if (same == 30) {
+            std::fputs("stress: no call has returned for 30 seconds\n", stderr);
+            std::abort();
+        }
+    }
+}
+
 // The kernel counts a thread for a moment after it has been joined.
 struct Held {
     std::ptrdiff_t descriptors = count("/proc/self/fd");
@@ -224,14 +313,16 @@ int main(int argc, char** argv) {
     long const seconds = argc > 1 ? std::atol(argv[1]) : 30;
     long const rounds = argc > 2 ? std::atol(argv[2]) : 10'000;
     createAndDestroy(10); // what is made once and kept, like the table of locations
+    std::jthread const watchdog(watch);
     Held const before;
     mixedCalls(std::chrono::seconds(seconds));
+    quietLinks(std::chrono::seconds(seconds));
     bool const tidy = sameAs(before, "calls");
     createAndDestroy(rounds);
     bool const tidyAgain = sameAs(before, "rounds");
-    std::printf("%ld synchronous and %ld asynchronous calls, %ld deliveries, %ld time-outs, %ld rounds, %ld "
-                "wrong records\n",
-                synchronous.load(), asynchronous.load(), deliveries.load(), timeOuts.load(), rounds,
-                wrong.load());
+    std::printf("%ld synchronous and %ld asynchronous calls, %ld deliveries, %ld time-outs, %ld threads "
+                "cancelled, %ld rounds, %ld wrong records\n",
+                synchronous.load(), asynchronous.load(), deliveries.load(), timeOuts.load(), cancelled.load(),
+                rounds, wrong.load());
     return tidy && tidyAgain && wrong == 0 ? 0 : 1;
 }
