@@ -5,6 +5,7 @@
 #include "support/rows.h"
 #include "support/source.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 #include <regex>
 
@@ -12,12 +13,10 @@ using namespace harness;
 
 namespace {
 
-std::vector<Step> reported(std::string const& payload) {
-    return {asked("current_state", payload)};
-}
+std::string const loggedIn = styled(R"({"state":"LOGGED_IN"})");
 
-std::string stateDocument(std::string const& name) {
-    return styled(R"({"state":")" + name + "\"}");
+Step loggingIn(std::string const& password) {
+    return {"login", R"({"password":")" + password + R"(","username":"me"})", {state(2)}};
 }
 
 std::string usageOf(std::string const& program) {
@@ -61,9 +60,9 @@ TEST(Frame, UsageText) {
 TEST(Frame, Options) {
     std::vector<std::string> words = {"--ip", "localhost", "--port", "", "state"};
     for (int const beyond : {0, 65536}) {
-        ScriptedDaemon daemon(reported(R"({"state":2})"));
+        ScriptedDaemon daemon({asked("current_state", R"({"state":2})")});
         words[3] = '0' + std::to_string(daemon.port() + beyond);
-        EXPECT_EQ(runProcess(tool(words)).out, stateDocument("LOGGED_IN"));
+        EXPECT_EQ(runProcess(tool(words)).out, loggedIn);
     }
 }
 
@@ -76,12 +75,10 @@ TEST(Frame, TimeOuts) {
         int seconds;
     };
     for (auto const& [words, request, payload, answer, out, seconds] : {
-             Case{"state", "request_current_state", "null", state(2), stateDocument("LOGGED_IN"), 5},
-             Case{"disconnect", "server_disconnect", "null", state(2), stateDocument("LOGGED_IN"), 5},
-             Case{"login oauth t", "login_oauth", R"({"oauth":"t"})", state(2), stateDocument("LOGGED_IN"),
-                  60},
-             Case{"login me s", "login", R"({"password":"s","username":"me"})", state(2),
-                  stateDocument("LOGGED_IN"), 60},
+             Case{"state", "request_current_state", "null", state(2), loggedIn, 5},
+             Case{"disconnect", "server_disconnect", "null", state(2), loggedIn, 5},
+             Case{"login oauth t", "login_oauth", R"({"oauth":"t"})", state(2), loggedIn, 60},
+             Case{"login me s", "login", R"({"password":"s","username":"me"})", state(2), loggedIn, 60},
              Case{"connect proxy", "server_auto_connect", R"({"server":"proxy"})",
                   lock("server_auto_connect", 2), "", 60},
              Case{"captiveportal check", "check_captive_networks", "null", report("captive_networks", "{}"),
@@ -105,17 +102,6 @@ TEST(Frame, TimeOuts) {
     runRowsInParallel(rows);
 }
 
-TEST(Frame, OutputThatCantBeWritten) {
-    for (std::string const redirection : {">/dev/full", ">&-"}) {
-        SCOPED_TRACE(redirection);
-        ScriptedDaemon daemon(reported(R"({"state":2})"));
-        std::string const run = SDKCLI_PATH " -p " + std::to_string(daemon.port()) + " state " + redirection;
-        Outcome const outcome = runProcess({.path = "/bin/sh", .argv = {"sh", "-c", run}});
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err, "sdkcli: can't write to standard output\n");
-    }
-}
-
 TEST(Product, PlaceholderIsReplaced) {
     char const* const plain = "kelvarisProductName {kelvarisProductname}";
     EXPECT_EQ(replaceProductString(plain), plain);
@@ -124,4 +110,47 @@ TEST(Product, PlaceholderIsReplaced) {
     std::string const full = replaceProductString(("{kelvarisProductName}" + std::string(300, 'x')).c_str());
     EXPECT_EQ(full, "Kelvaris" + std::string(192, 'x'));
     EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
+}
+
+TEST(Login, PromptReadsALine) {
+    auto const typed = [](std::string const& input, std::string const& words, Step const& step,
+                          std::string const& what) {
+        Row prompted = row(words, {step}, "Enter " + what + " : " + loggedIn);
+        prompted.input = input;
+        return prompted;
+    };
+    runRows({
+        typed("secret word\nmore\n", "login me", loggingIn("secret word"), "password"),
+        // Without a line end the last byte is lost.
+        typed("secret", "login me", loggingIn("secre"), "password"),
+        typed("", "login me", loggingIn(""), "password"),
+        // What is longer than its room is cut.
+        typed(std::string(40, 'x') + "\n", "login me", loggingIn(std::string(31, 'x')), "password"),
+        typed(std::string(600, 't') + "\n", "login oauth",
+              {"login_oauth", R"({"oauth":")" + std::string(511, 't') + "\"}", {state(2)}}, "oauth token"),
+    });
+}
+
+// At a terminal nothing shows of the secret, and the terminal echoes again whatever the end.
+TEST(Login, PromptIsSilent) {
+    for (bool const interrupted : {false, true}) {
+        SCOPED_TRACE(interrupted);
+        std::vector<Step> const script = interrupted ? std::vector<Step>() : std::vector{loggingIn("secret")};
+        ScriptedDaemon daemon(script);
+        Command command = tool({"-p", std::to_string(daemon.port()), "login", "me"});
+        command.kind = Input::terminal;
+        Process process(command);
+        process.waitForOutput("Enter password : ");
+        process.waitForEcho(false);
+        if (interrupted) {
+            process.signal(SIGINT);
+        } else {
+            process.type("secret\n");
+        }
+        Outcome const& outcome = process.wait();
+        process.waitForEcho(true);
+        EXPECT_EQ(outcome.status, interrupted ? -SIGINT : 0);
+        EXPECT_EQ(outcome.out, "Enter password : " + (interrupted ? "" : loggedIn));
+        EXPECT_EQ(outcome.terminal, "");
+    }
 }

@@ -34,32 +34,6 @@ std::string textOf(KelvarisSDK_BaseResult const& base) {
     return (base.error ? "error " : "") + std::to_string(base.errorCode) + ' ' + messageOf(base);
 }
 
-// An entry of its own in the event table, which writes down what it is called for: its name and the event's.
-class Entry {
-public:
-    Entry(WebsocketImpl& link, std::string name, std::string& log, EventDescription description,
-          bool ends = true) {
-        link.getResult(description, [this, name, &log, ends](std::string const& event, auto&&, auto&&) {
-            log += name + ':' + event + ' ';
-            called.set_value();
-            return ends;
-        });
-    }
-    void wait() {
-        called.get_future().wait();
-    }
-
-private:
-    std::promise<void> called;
-};
-
-EventDescription awaiting(std::string const& event, uint64_t timeoutMs = 0) {
-    EventDescription description;
-    description.timeoutMs = timeoutMs;
-    WebsocketImpl::waitForEvent(description, event);
-    return description;
-}
-
 Options const absent{.appName = std::nullopt, .listen = false};
 
 } // namespace
@@ -234,28 +208,6 @@ TEST(Engine, TimeOutCountsFromTheEndOfCallbacks) {
     EXPECT_EQ(log, "behind:sdk_error inside:sdk_error ");
 }
 
-TEST(Engine, LockReports) {
-    struct {
-        char const* payload;
-        char const* ending;
-    } const cases[] = {{R"({"setting":"set_dev_jumbo_packets","reason":3})", "0 "},
-                       {R"({"setting":"set_dev_jumbo_packets","reason":"x"})", "error 3840 Error from SDK"},
-                       {R"({"setting":[],"reason":1})", "error 3840 Error from SDK"}};
-    std::vector<Step> script;
-    for (auto const& c : cases) {
-        script.push_back({"set_dev_jumbo_packets",
-                          R"({"enable":true})",
-                          {report("setting_locked", R"({"reason":1})"), report("setting_locked", "[1]"),
-                           lock("set_dev_jumbo", 1), report("setting_locked", c.payload)}});
-    }
-    ScriptedDaemon daemon(script, noName);
-    Handle handle(daemon.port());
-    for (auto const& c : cases) {
-        EXPECT_EQ(textOf(KelvarisSDK_SetJumboPackets(handle.sdk, true, nullptr, nullptr).base), c.ending)
-            << c.payload;
-    }
-}
-
 // Requests queued while there is no link leave with the next one, what was sent before isn't repeated, and a
 // subscription hears what the daemon says after the reconnect. Its records keep the code of the returned one.
 TEST(Engine, ReconnectKeepsTheTableAndRepeatsNothing) {
@@ -294,30 +246,4 @@ TEST(Engine, AttemptsEvery250Ms) {
     }
     EXPECT_LE(quickest, milliseconds(290));
     EXPECT_GE((last - start) / attempts, milliseconds(245));
-}
-
-TEST(Engine, DestroyDropsWaitingCallsAndSendsWhatIsQueued) {
-    ScriptedDaemon daemon({asked(), {"exit"}}, noName);
-    Inbox inbox;
-    {
-        Handle handle(daemon.port());
-        KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
-        KelvarisSDK_UnregisterCallback(handle.sdk, 1ULL << 60);
-        daemon.waitForRequest("request_current_state"); // so that the next one has to leave in the last pass
-        EXPECT_FALSE(KelvarisSDK_DaemonExit(handle.sdk).error);
-    }
-    EXPECT_TRUE(inbox.empty());
-    KelvarisSDK_Destroy(nullptr);
-}
-
-TEST(Engine, WithoutALinkEveryFormOfCallFails) {
-    ScriptedDaemon daemon({}, noName);
-    Sdk sdk(daemon);
-    sdk.unlink();
-    for (KelvarisSDK_BaseResult const& base :
-         {sdk.daemonExit(), sdk.enableStatUpdates(true, 0, nullptr), sdk.getState(nullptr, nullptr).base,
-          sdk.getVersion(nullptr, nullptr).base}) {
-        EXPECT_EQ(textOf(base), "error 3840 An error in the SDK");
-    }
-    sdk.unregisterCallback(0);
 }

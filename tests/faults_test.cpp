@@ -13,26 +13,6 @@
 using namespace harness;
 using namespace kelvarissdk;
 
-namespace {
-
-// Makes the requests and waits for the time-out of a report that never comes.
-void timeOut(WebsocketImpl& link, std::vector<std::string> const& requests, uint64_t timeoutMs) {
-    EventDescription description;
-    description.timeoutMs = timeoutMs;
-    WebsocketImpl::waitForEvent(description, "never");
-    for (std::string const& request : requests) {
-        WebsocketImpl::sendRequest(description, request);
-    }
-    std::promise<void> ended;
-    link.getResult(description, [&](auto&&...) {
-        ended.set_value();
-        return true;
-    });
-    ended.get_future().wait();
-}
-
-} // namespace
-
 // The daemon resets the connection at the first of two requests that leave together, holds the next attempt
 // in its upgrade, and accepts the third.
 TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
@@ -40,7 +20,10 @@ TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
         {{.request = "first", .then = Then::reset}, {"during"}, {"still during"}, {"after"}},
         {.appName = std::nullopt, .upgrades = {{}, {.bytes = "HTTP/1.1 101"}}});
     WebsocketImpl link("127.0.0.1", daemon.port());
-    auto lost = std::async(std::launch::async, [&] { timeOut(link, {"first", "second"}, 600); });
+    std::string log;
+    auto lost = std::async(std::launch::async, [&] {
+        Entry(link, "", log, awaiting("never", 600, {"first", "second"})).wait();
+    });
     daemon.waitForConnections(2);
     link.sendRequest("during");
     link.sendRequest("still during");
@@ -87,7 +70,8 @@ TEST(Faults, PeerThatNeverReads) {
     for (int i = 0; i < 20; ++i) {
         link.sendRequest("large", megabyte);
     }
-    timeOut(link, {"small"}, 300);
+    std::string log;
+    Entry(link, "", log, awaiting("never", 300, {"small"})).wait();
 }
 
 // Messages that concern nobody delay neither an answer nor a time-out, though there is always another one.
@@ -100,7 +84,10 @@ TEST(Faults, FloodOfUnknownEvents) {
         {{"request_current_state", "null", {raw(flood), state(6), raw(flood)}}, {"unanswered"}}, noName);
     Sdk sdk(daemon);
     EXPECT_EQ(sdk.getState(nullptr, nullptr).state, KelvarisSDK_State_CONNECTED);
-    auto call = std::async(std::launch::async, [&] { timeOut(sdk.link(), {"unanswered"}, 300); });
+    std::string log;
+    auto call = std::async(std::launch::async, [&] {
+        Entry(sdk.link(), "", log, awaiting("never", 300, {"unanswered"})).wait();
+    });
     int rounds = 0;
     while (call.wait_for(std::chrono::seconds(0)) != std::future_status::ready && ++rounds < 1000) {
         daemon.send(raw(flood.substr(0, flood.size() / 2)));

@@ -2,11 +2,11 @@
 
 #include "actions.h"
 #include "grammar.h"
-#include "support/process.h"
+#include "support/rows.h"
 #include "support/simulator.h"
+#include "support/source.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <json/json.h>
 #include <map>
@@ -15,14 +15,8 @@
 
 namespace {
 
-using Words = std::vector<std::string>;
 using harness::Outcome;
-
-std::string read(std::string const& path) {
-    std::ifstream file(path);
-    EXPECT_TRUE(file) << path;
-    return (std::ostringstream() << file.rdbuf()).str();
-}
+using harness::Words;
 
 Words matches(std::string const& text, std::string const& pattern) {
     std::regex const expression(pattern);
@@ -38,7 +32,7 @@ bool has(Words const& words, std::string const& word) {
 }
 
 std::string manPage(std::string const& program) {
-    return std::regex_replace(read(SOURCE_DIR "/docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
+    return std::regex_replace(harness::source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
 }
 
 // What the usage lines say may stand behind the words typed; "*" is any word.
@@ -137,8 +131,8 @@ Words offeredByBash(Words const& commandLines) {
 }
 
 TEST(Grammar, EveryWordIsCompleted) {
-    std::string const zsh = read(COMPLETIONS "sdkcli.zsh");
-    std::string const fish = read(COMPLETIONS "sdkcli.fish");
+    std::string const zsh = harness::contents(COMPLETIONS "sdkcli.zsh");
+    std::string const fish = harness::contents(COMPLETIONS "sdkcli.fish");
     std::map<std::string, Words> const behind = behindTyped();
     Words commandLines;
     for (auto const& [typed, offers] : behind) {
@@ -159,10 +153,8 @@ TEST(Grammar, EveryWordIsCompleted) {
 
 // What the tool prints of this simulated daemon.
 Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
-    harness::Command command{.path = SDKCLI_PATH, .argv = {"sdkcli", "-p", std::to_string(daemon.port)}};
-    Words const action = matches(line, "[^ ]+");
-    command.argv.insert(command.argv.end(), action.begin(), action.end());
-    Outcome const outcome = harness::runProcess(command);
+    std::string const words = "-p " + std::to_string(daemon.port) + ' ' + line;
+    Outcome const outcome = harness::runProcess(harness::tool(harness::split(words)));
     EXPECT_EQ(outcome.status, 0) << "with the simulated daemon: " << line << '\n' << outcome.err;
     Json::Value document;
     EXPECT_TRUE(Json::Reader().parse(outcome.out, document)) << line;
@@ -199,7 +191,7 @@ TEST(Grammar, EverySettingShowsInItsKey) {
     harness::Simulator const daemon;
     Words lines(std::begin(helpLines), std::end(helpLines));
     lines.insert(lines.end(), std::begin(unlistedLines), std::end(unlistedLines));
-    std::string const refusals = read(SOURCE_DIR "/tests/golden/transcripts/refusals.txt");
+    std::string const refusals = harness::golden("transcripts/refusals.txt");
     std::map<std::string, std::string> settings;
     for (auto const& [typed, offers] : behindTyped()) {
         std::string line = typed + " <";
@@ -250,7 +242,7 @@ TEST(Grammar, EveryOptionOfTheSimulatorIsDocumentedAndCompleted) {
         std::string const name = option.substr(3);
         EXPECT_TRUE(std::regex_search(manPage("kelvarissim"), std::regex("\n\\.B[IR]* " + name + "[ \n]")))
             << name;
-        EXPECT_TRUE(has(words(read(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
+        EXPECT_TRUE(has(words(harness::contents(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
     }
 }
 

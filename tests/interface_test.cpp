@@ -1,5 +1,4 @@
-// The C interface as a whole: how each call delivers and which lock ends it, lists that a report leaves out,
-// the texts of the enumerations.
+// The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
 #include "support/handle.h"
 #include "support/rows.h"
@@ -94,19 +93,6 @@ std::map<std::string, Call> catalogue() {
         calls[words[0]] = {words[1], words[2], {words.begin() + 3, words.end()}};
     }
     return calls;
-}
-
-// What a subscription has after a report of these members and one of none.
-template <class T>
-T later(T (*get)(KelvarisSDK_Handle*, bool (*)(T, void*), void*), std::string const& what,
-        std::string const& members) {
-    InboxOf<T> results;
-    ScriptedDaemon daemon(
-        {{"request_" + what, "null", {report(what, '{' + members + '}'), report(what, "{}")}}}, noName);
-    Handle const handle(daemon.port());
-    get(handle.sdk, InboxOf<T>::keep, &results);
-    results.take();
-    return results.take();
 }
 
 // The files of a folder, not of those in it.
@@ -245,86 +231,6 @@ TEST(Interface, EveryFieldHasItsPlace) {
         EXPECT_NE(records.find('\n' + row[0] + ' ' + row[1] + '\n'), std::string::npos)
             << "the table of sizes says " << size;
     }
-}
-
-TEST(Interface, MostThatARecordHolds) {
-    ScriptedDaemon daemon(
-        {asked("directory", '[' + series(402, R"({"num":#})") + ']'),
-         asked("networks", '[' + series(27, R"({"guid":"#"})") + ']'),
-         asked("connection_settings",
-               R"({"perconn_encryption":true,"forward_ports":[)" + series(22, R"({"port":#})") +
-                   R"(],"perconn_encryption_settings":{)" + series(27, R"("#":true)", 10) +
-                   R"(},"parallel_sockets":{)" + series(27, R"("#":#)", 10) + "}}"),
-         asked("connection_stats", R"({"time":1,"connections":[)" + series(27, R"({"guid":"#"})") + "]}"),
-         asked("streaming_stats", R"({"streams":[)" + series(12, R"({"name":"#"})") + "]}")},
-        noName);
-    Sdk sdk(daemon);
-    auto const directory = sdk.getDirectory(nullptr, nullptr);
-    EXPECT_EQ(directory.serverCount, 400);
-    EXPECT_EQ(directory.servers[399].num, 399);
-    auto const adapters = sdk.getAdapters(nullptr, nullptr);
-    EXPECT_EQ(adapters.adapterCount, 25);
-    EXPECT_STREQ(adapters.adapters[24].adapterID, "24");
-    auto const settings = sdk.getSettings(nullptr, nullptr);
-    EXPECT_EQ(settings.forwardedPortCount, 20);
-    EXPECT_EQ(settings.forwardedPorts[19].port, 19);
-    EXPECT_EQ(settings.perConnectionEncryptionCount, 25);
-    EXPECT_STREQ(settings.perConnectionEncryptionSettings[24].adapterID, "34");
-    EXPECT_EQ(settings.perConnectionParallelSocketsCount, 25);
-    EXPECT_EQ(settings.perConnectionParallelSockets[24].sockets, 34);
-    auto const connections = sdk.getConnectionStats(nullptr, nullptr).stats;
-    EXPECT_EQ(connections.connectionCount, 25);
-    EXPECT_STREQ(connections.connections[24].adapterID, "24");
-    auto const streams = sdk.getStreamingStats(nullptr, nullptr);
-    EXPECT_EQ(streams.streamCount, 10);
-    EXPECT_STREQ(streams.streams[9].name, "9");
-}
-
-TEST(Interface, ListsThatALaterReportLeavesOutAreEmpty) {
-    auto const settings = later(KelvarisSDK_GetSettings, "connection_settings",
-                                R"("forward_ports":[{"port":1}],"perconn_encryption":true,
-                                   "perconn_encryption_settings":{"i":true},"parallel_sockets":{"i":1})");
-    EXPECT_EQ(settings.forwardedPortCount, 0);
-    EXPECT_EQ(settings.perConnectionEncryptionCount, 0);
-    EXPECT_EQ(settings.perConnectionParallelSocketsCount, 0);
-    EXPECT_EQ(
-        later(KelvarisSDK_GetPrivacySettings, "privacy_settings", R"("dns_addresses":["a"])").dnsAddressCount,
-        0);
-    auto const proxy = later(KelvarisSDK_GetLocalProxySettings, "localproxy_settings",
-                             R"("domains":["a"],"ipv4":["1.2.3.4"],"ipv6":["::1"],"ports":[{"port":1}],
-                                "domain_watchlist":[{}])");
-    EXPECT_EQ(proxy.lists.domainCount, 0);
-    EXPECT_EQ(proxy.lists.ipv4Count, 0);
-    EXPECT_EQ(proxy.lists.ipv6Count, 0);
-    EXPECT_EQ(proxy.lists.portCount, 0);
-    EXPECT_EQ(proxy.watchlistCount, 0);
-    EXPECT_EQ(later(KelvarisSDK_GetStreamingStats, "streaming_stats", R"("streams":[{}])").streamCount, 0);
-    EXPECT_EQ(later(KelvarisSDK_GetConnectionStats, "connection_stats", R"("time":1,"connections":[{}])")
-                  .stats.connectionCount,
-              0);
-    EXPECT_EQ(later(KelvarisSDK_GetSessionStats, "session_stats", R"("0":{})").periodCount, 0);
-    EXPECT_EQ(
-        later(KelvarisSDK_GetConnectedServer, "connected_server", R"("publicIP":["a"])").server.publicIPCount,
-        0);
-}
-
-// Some calls are refused before they look for the link, and one not even without it.
-TEST(Interface, RefusedArguments) {
-    ScriptedDaemon daemon({}, noName);
-    Sdk sdk(daemon);
-    auto const noPriority = static_cast<KelvarisSDK_ConnectionPriority>(4);
-    EXPECT_EQ(sdk.setConnectionPriorities("i", noPriority, nullptr, nullptr).base.errorCode, 3842);
-    EXPECT_EQ(sdk.connectAuto(KelvarisSDK_AutoConnectMethod_COUNTRY, nullptr, nullptr).base.errorCode, 3840);
-    for (unsigned const method : {3U, 5U, 6U, 8U}) {
-        auto const chosen = static_cast<KelvarisSDK_AutoConnectMethod>(method);
-        EXPECT_EQ(sdk.setConnectMethodAuto(chosen, nullptr, nullptr).base.errorCode, 3842);
-    }
-    sdk.unlink();
-    EXPECT_EQ(sdk.setConnectionPriorities("i", noPriority, nullptr, nullptr).base.errorCode, 3840);
-    EXPECT_EQ(sdk.setCaptivePortalLoginMode(true, nullptr, nullptr, nullptr).base.errorCode, 3842);
-    EXPECT_EQ(sdk.setCaptivePortalLoginMode(false, nullptr, nullptr, nullptr).base.errorCode, 3840);
-    EXPECT_EQ(sdk.listenForSafeBrowsingError(nullptr, nullptr).base.errorCode, 3843);
-    EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
 }
 
 TEST(Interface, TextsOfEnumerations) {

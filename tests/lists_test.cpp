@@ -1,7 +1,6 @@
-// How much fits into the lists, and what neither documents nor words can show of them.
+// How much fits into the lists.
 
 #include "support/rows.h"
-#include "support/sdk.h"
 
 #include <gtest/gtest.h>
 
@@ -58,42 +57,4 @@ TEST(Lists, AHundredItemsAtMost) {
         set(with("firewall domains set", 65538, "d"), domains(2)),
         edit(with("firewall domains add", 65535, "d"), R"(["x","y"])", R"(["x"])"),
     });
-}
-
-// What no document shows, and what no word can send.
-TEST(Lists, Library) {
-    std::string const proxy =
-        R"({"enabled":true,"matchMode":"denylist","domain_watchlist":[)" + series(24, R"({"title":"#"})") +
-        R"(,{"title":"service of thirty bytes or more","enabled":true,)" + R"("watchedDomains":)" +
-        domains(13) + R"(,"proxiedDomains":[)" + series(14, "\"p#\"") + "]},{}]}";
-    ScriptedDaemon daemon(
-        {asked("localproxy_settings", proxy),
-         asked("localproxy_settings", R"({"matchMode":"Denylist"})"),
-         {"set_streaming_ports",
-          R"({"ports":[{"port":7},{"proto":"udp","port":8}]})",
-          {report("streaming_settings", "{}")}},
-         {"set_firewall_mode", R"({"mode":"Unknown mode"})", {report("firewall_settings", "{}")}}},
-        noName);
-    Sdk sdk(daemon);
-    KelvarisSDK_LocalProxySettingsResult result = sdk.getLocalProxySettings(nullptr, nullptr);
-    EXPECT_TRUE(result.enabled);
-    EXPECT_EQ(result.matchMode, KelvarisSDK_LocalProxyMatchMode_DENYLIST);
-    ASSERT_EQ(result.watchlistCount, 25);
-    EXPECT_STREQ(result.watchlist[23].title, "23");
-    KelvarisSDK_LocalProxyService const& last = result.watchlist[24];
-    EXPECT_EQ(std::string(last.title, sizeof(last.title)), "service of thirty bytes or mor");
-    EXPECT_TRUE(last.enabled);
-    EXPECT_EQ(last.watchedDomainCount, 12);
-    EXPECT_STREQ(last.watchedDomains[11], "d11");
-    EXPECT_EQ(last.proxiedDomainCount, 12);
-    EXPECT_STREQ(last.proxiedDomains[11], "p11");
-    result = sdk.getLocalProxySettings(nullptr, nullptr);
-    EXPECT_EQ(result.matchMode, KelvarisSDK_LocalProxyMatchMode_ALLOWLIST);
-    EXPECT_EQ(result.watchlistCount, 0);
-
-    KelvarisSDK_ProtocolPortPair ports[] = {{static_cast<KelvarisSDK_PortProtocol>(2), 7},
-                                            {KelvarisSDK_PortProtocol_UDP, 8}};
-    EXPECT_FALSE(sdk.setStreamingPorts(2, ports, nullptr, nullptr).base.error);
-    auto const mode = static_cast<KelvarisSDK_FirewallMode>(3);
-    EXPECT_EQ(sdk.setFirewallMode(mode, nullptr, nullptr).mode, KelvarisSDK_FirewallMode_OFF);
 }

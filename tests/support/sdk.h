@@ -4,6 +4,10 @@
 #include "support/scripteddaemon.h"
 #include "websockets.h"
 
+#include <future>
+#include <string>
+#include <vector>
+
 // The library's class on a scripted daemon, to reach what no command line does.
 namespace harness {
 
@@ -20,5 +24,35 @@ public:
         websocket.reset();
     }
 };
+
+// An entry of its own in the event table, which writes down what it is called for: its name and the event's.
+class Entry {
+public:
+    Entry(kelvarissdk::WebsocketImpl& link, std::string name, std::string& log,
+          kelvarissdk::EventDescription description, bool ends = true) {
+        link.getResult(description, [this, name, &log, ends](std::string const& event, auto&&, auto&&) {
+            log += name + ':' + event + ' ';
+            called.set_value();
+            return ends;
+        });
+    }
+    void wait() {
+        called.get_future().wait();
+    }
+
+private:
+    std::promise<void> called;
+};
+
+inline kelvarissdk::EventDescription awaiting(std::string const& event, uint64_t timeoutMs = 0,
+                                              std::vector<std::string> const& requests = {}) {
+    kelvarissdk::EventDescription description;
+    description.timeoutMs = timeoutMs;
+    kelvarissdk::WebsocketImpl::waitForEvent(description, event);
+    for (std::string const& request : requests) {
+        kelvarissdk::WebsocketImpl::sendRequest(description, request);
+    }
+    return description;
+}
 
 } // namespace harness

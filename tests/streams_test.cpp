@@ -1,0 +1,209 @@
+// The streams of statistics and of safe browsing's events: how long they run, the subscription and its repeats. The
+// two steps of a start of safe browsing.
+
+#include "jsonprinter.h"
+#include "support/handle.h"
+#include "support/rows.h"
+#include "support/sdk.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <future>
+#include <gtest/gtest.h>
+#include <memory>
+#include <thread>
+
+using namespace harness;
+
+namespace {
+
+// A run of "stats": five requests, the subscription and its first repeat, which has no periods; the end is a
+// step more.
+std::vector<Step> statsRun(std::string const& subscription = R"({"enable":true})") {
+    return {{.request = "request_current_state"},    {.request = "request_networks"},
+            {.request = "request_connection_stats"}, {.request = "request_session_stats"},
+            {.request = "request_streaming_stats"},  {"stat_subscribe", subscription},
+            {"stat_subscribe", R"({"enable":true})"}};
+}
+
+// The listeners ask for nothing, so nothing tells when they are in place: the events are sent again and again
+// until the tool has printed both, each whole: the last line of a document comes with the next one. A run of two
+// seconds then has one more to go; an endless one is still there seconds later, and is killed.
+void testStream(std::string const& words, std::string const& event, std::string const& payload,
+                std::string const& document, bool endless) {
+    ScriptedDaemon daemon;
+    Command command = tool(split("-p " + std::to_string(daemon.port()) + " safebrowsing " + words));
+    command.clock = endless ? 20 : 4;
+    Process process(command);
+    daemon.waitForConnections(1);
+    std::atomic<bool> heard = false;
+    std::thread sender([&] {
+        while (!heard) {
+            daemon.send(report(event, R"({"host":[]})"));
+            daemon.send(report(event, payload));
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    });
+    process.waitForOutput(document + "]\n\n");
+    process.waitForOutput(unreadable + "]\n\n");
+    heard = true;
+    sender.join();
+    if (endless) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        daemon.send(report(event, R"({"host":"later"})"));
+        daemon.send(report(event, "{}"));
+        process.waitForOutput("later");
+        process.signal(SIGTERM);
+    }
+    Outcome const& outcome = process.wait();
+    EXPECT_EQ(outcome.status, endless ? -SIGTERM : 0);
+    EXPECT_EQ(outcome.out.find(document + "]\n\n"), 0U);
+    EXPECT_EQ(outcome.err.find("[\"error\",\n" + unreadable + "]\n\n"), 0U);
+}
+
+} // namespace
+
+// The start of safe browsing has a time-out for each step.
+TEST(Streams, WithoutAnAnswer) {
+    Row silence = row("stats 1 4294967295", statsRun(R"({"enable":true,"periods":[4294967295]})"), "");
+    silence.exchange.push_back({"stat_subscribe", R"({"enable":false})"});
+    for (int i = 0; i < 5; ++i) {
+        silence.err += "[\"error\",\n" + timedOut + "]\n\n";
+    }
+    Row start = failing(
+        "safebrowsing start c",
+        {{"enable_safe_browsing", R"({"enable":true})"}, {"initialize_safe_browsing", R"({"config":"c"})"}},
+        timedOut);
+    silence.clock = start.clock = 10;
+    runRowsInParallel({silence, start});
+}
+
+// A full disk ends an endless run too.
+TEST(Streams, OutputThatCantBeWritten) {
+    std::vector<Step> const once = {asked("current_state", R"({"state":2})")};
+    std::vector<Step> endless = statsRun();
+    endless.back().answers = {state(6)};
+    endless.push_back({"stat_subscribe", R"({"enable":false})"});
+    for (std::string const words : {"state >/dev/full", "state >&-", "stats -1 >/dev/full"}) {
+        SCOPED_TRACE(words);
+        ScriptedDaemon daemon(words.starts_with("stats") ? endless : once);
+        std::string const run = SDKCLI_PATH " -p " + std::to_string(daemon.port()) + ' ' + words;
+        Outcome const outcome = runProcess({.path = "/bin/sh", .argv = {"sh", "-c", run}});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, "sdkcli: can't write to standard output\n");
+    }
+}
+
+// The subscription is repeated every 45 s and not with every tick of the 250 ms between two looks at the clock.
+// 0 seconds have no end.
+TEST(Stats, EndlessRunRepeatsItsSubscription) {
+    int const clock = 25;
+    std::vector<Step> script = statsRun();
+    script[0].answers = {state(6)};
+    script.push_back({"stat_subscribe", R"({"enable":true})", {state(2)}});
+    ScriptedDaemon daemon(script);
+    Command command = tool({"-p", std::to_string(daemon.port()), "stats", "0"});
+    command.clock = clock;
+    Process process(command);
+    for (int i = 0; i < 2; ++i) {
+        daemon.waitForRequest("stat_subscribe");
+    }
+    auto const start = std::chrono::steady_clock::now();
+    daemon.waitForRequest("stat_subscribe");
+    auto const passed = clock * (std::chrono::steady_clock::now() - start);
+    EXPECT_GT(passed, std::chrono::seconds(43));
+    EXPECT_LT(passed, std::chrono::seconds(50));
+    process.waitForOutput("LOGGED_IN");
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.wait().status, -SIGTERM);
+}
+
+// The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
+// pause. The answers give it the time of two ticks in the pause and of two behind it.
+TEST(Stats, SubscriptionAndItsRepeat) {
+    Step ticks = asked("disconnect_reason",
+                       R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})");
+    ticks.delayMs = 600;
+    std::vector<Step> const script = {{"stat_subscribe", R"({"enable":true,"periods":[6,5,4,3,2]})"},
+                                      {"stat_subscribe", R"({"enable":true})"},
+                                      {"stat_subscribe", R"({"enable":false})"},
+                                      ticks,
+                                      {"stat_subscribe", R"({"enable":true,"periods":[6,5]})"},
+                                      ticks};
+    ScriptedDaemon daemon(script, noName);
+    Sdk sdk(daemon);
+    unsigned int periods[] = {6, 5, 4, 3, 2, 1};
+    EXPECT_FALSE(sdk.enableStatUpdates(true, 6, periods).error);
+    daemon.waitForRequest("stat_subscribe");
+    daemon.waitForRequest("stat_subscribe");
+    sdk.enableStatUpdates(false, 2, periods);
+    KelvarisSDK_DisconnectEventResult const event = sdk.getLastDisconnectEvent(nullptr, nullptr);
+    EXPECT_EQ(event.disconnectReason, KelvarisSDK_DisconnectReason_SLEEP);
+    EXPECT_EQ(event.sessionEnd, -5);
+    EXPECT_EQ(event.sessionLength, 9007199254740993);
+    sdk.enableStatUpdates(true, 2, periods);
+    sdk.getLastDisconnectEvent(nullptr, nullptr);
+}
+
+// A tick is 250 ms. Some ends come before the first tick begins, and a busy machine may hold up a few.
+TEST(Stats, DestructionEndsATick) {
+    ScriptedDaemon daemon({}, noName);
+    std::vector<std::chrono::steady_clock::duration> times;
+    for (std::size_t i = 1; i <= 20; ++i) {
+        auto sdk = std::make_unique<Sdk>(daemon);
+        daemon.waitForConnections(i);
+        auto const start = std::chrono::steady_clock::now();
+        sdk.reset();
+        times.push_back(std::chrono::steady_clock::now() - start);
+    }
+    std::sort(times.begin(), times.end());
+    EXPECT_LT(times[15], std::chrono::milliseconds(200));
+}
+
+TEST(Stats, BriefForm) {
+    auto const result = std::make_unique<KelvarisSDK_ConnectionStatsResult>();
+    result->stats.connectionCount = 1;
+    testing::internal::CaptureStdout();
+    printConnectionStatsResult(*result, true);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              styled(R"({"time":0,"connections":[{"inFlight":0,"inFlightWindow":0,"connected":false,
+                         "sleeping":false,"adapterID":"","connectionID":"","lossReceive":0.0,"lossSend":0.0,
+                         "latencyMs":0,"totalBps":0}]})"));
+}
+
+// With a callback both steps are under way at once, and it runs for each.
+TEST(SafeBrowsing, StartWithACallback) {
+    ScriptedDaemon daemon({{"enable_safe_browsing", R"({"enable":true})"},
+                           {"initialize_safe_browsing",
+                            R"({"config":"c"})",
+                            {report("safe_browsing_connect_error", R"({"error":5})"),
+                             report("safe_browsing_settings", R"({"enabled":true})")}}},
+                          {.appName = std::nullopt});
+    Handle const handle(daemon.port());
+    std::promise<KelvarisSDK_SafeBrowsingResult> steps[2];
+    auto const callback = [](KelvarisSDK_SafeBrowsingResult result, void* userData) {
+        static_cast<std::promise<KelvarisSDK_SafeBrowsingResult>*>(userData)[result.enabled].set_value(
+            result);
+        return true;
+    };
+    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", callback, steps);
+    KelvarisSDK_SafeBrowsingResult const second = steps[0].get_future().get();
+    EXPECT_EQ(second.base.callbackId, returned.base.callbackId);
+    EXPECT_EQ(second.connectErrorCode, 5);
+    EXPECT_FALSE(steps[1].get_future().get().connectErrorSet);
+}
+
+// A full message runs on into the host; behind a full host the record ends. 0 seconds and -1 have no end.
+TEST(SafeBrowsing, Streams) {
+    std::string const message(200, 'm');
+    std::string const host(253, 'h');
+    std::string const error = "[\"safebrowsing_error\",\n" + styled(R"({"error":-7,"message":")" + message +
+                                                                    host + R"(","host":")" + host + "\"}");
+    std::string const payload = R"({"error":-7,"safebro_msg":")" + message + R"(M","host":")" + host + "H\"}";
+    testStream("errors 2", "safe_browsing_lookup_error", payload, error, false);
+    testStream("errors -1", "safe_browsing_lookup_error", payload, error, true);
+    std::string const block = R"({"redirected":true,"host":"h"})";
+    testStream("redirects", "safe_browsing_block", block, "[\"safebrowsing_block\",\n" + styled(block), true);
+}
