@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "fields.h"
+#include "threads.h"
 #include "websockets.h"
 
 namespace kelvarissdk {
@@ -18,6 +19,8 @@ constexpr uint64_t statsRepeatMs = 45001;
 
 } // namespace
 
+std::atomic<int> KelvarisSDK::instances = 0;
+
 KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
     std::memcpy(appName, settings.appName, sizeof(appName));
     websocket = std::make_unique<WebsocketImpl>(textIn(settings, settings.address).c_str(), settings.port);
@@ -25,6 +28,7 @@ KelvarisSDK::KelvarisSDK(KelvarisSDK_CreateSettings const& settings) {
     if (!name.empty()) {
         setAppName(name.c_str());
     }
+    ++instances;
 }
 
 KelvarisSDK::~KelvarisSDK() {
@@ -40,6 +44,7 @@ KelvarisSDK::~KelvarisSDK() {
     if (statsThread.joinable()) {
         statsThread.join();
     }
+    --instances;
 }
 
 bool KelvarisSDK::startStatsThread() {

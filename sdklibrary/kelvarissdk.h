@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -24,6 +25,9 @@ public:
     ~KelvarisSDK();
     KelvarisSDK(KelvarisSDK const&) = delete;
     KelvarisSDK& operator=(KelvarisSDK const&) = delete;
+
+    // The objects that live, in all of the process.
+    static std::atomic<int> instances;
 
     // core
     KelvarisSDK_BaseResult setAppName(char const* name);

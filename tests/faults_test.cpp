@@ -124,7 +124,7 @@ TEST(Faults, DaemonRestarted) {
 }
 
 // The reader of the pipe is gone before the tool has anything to print.
-TEST(Guest, ClosedPipeEndsTheToolQuietly) {
+TEST(HostProcess, ClosedPipeEndsTheToolQuietly) {
     ScriptedDaemon daemon({{"request_current_state"}});
     std::string const run = "{ " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
                             " state; echo $? >&2; } | { exec <&-; echo closed >&2; }";

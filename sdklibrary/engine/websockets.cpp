@@ -16,21 +16,18 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
-#include <cstdio>
 #include <iterator>
 #include <new>
-#include <poll.h>
 #include <sstream>
 #include <string_view>
-#include <sys/eventfd.h>
-#include <sys/syscall.h>
-#include <system_error>
-#include <unistd.h>
 #include <utility>
 
-#include "fields.h"
+#include <kelvarissdk/types.h>
+
 #include "keys.h"
+#include "parsejson.h"
 #include "step.h"
+#include "threads.h"
 
 namespace kelvarissdk {
 
@@ -39,12 +36,6 @@ namespace {
 constexpr int drainMs = 100;                // for what is queued when the object ends
 constexpr int maxWaitWithoutWakeupMs = 100; // where the process had no descriptor for the signal
 constexpr int reconnectMs = 250;
-
-void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
-    result->error = true;
-    result->errorCode = static_cast<int32_t>(type);
-    setText(result->errorMessage, KelvarisSDK_ErrorType_toString(type));
-}
 
 // A payload passes when it passes every filter object of the entry's "members".
 bool passesFilter(Json::Value const& members, Json::Value const& payload) {
@@ -74,110 +65,6 @@ uint64_t getTimeMillis() {
     auto const now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()) /
            1'000'000;
-}
-
-// This reader of jsoncpp refuses what strict JSON refuses, a trailing comma for example; its successor doesn't.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-void parseJson(Json::Value& value, std::string const& text) {
-    // Making a reader costs more than parsing a small report, so each thread keeps one.
-    thread_local Json::Reader reader;
-    std::string problem;
-    try {
-        if (reader.parse(text.data(), text.data() + text.size(), value, false)) {
-            return;
-        }
-        problem = reader.getFormattedErrorMessages();
-    } catch (Json::Exception const& tooDeep) {
-        problem = tooDeep.what();
-        value = Json::Value();
-    }
-    std::fprintf(stderr, "Failed to parse JSON: %s\n", problem.c_str());
-    std::fprintf(stderr, "JSON was: %s\n", text.c_str());
-}
-#pragma GCC diagnostic pop
-
-Json::Value const& payloadOf(Json::Value const& message) {
-    return message.isArray() ? message[1U] : Json::Value::nullSingleton();
-}
-
-std::thread startThread(std::function<void()> body) {
-    try {
-        return std::thread(std::move(body));
-    } catch (std::system_error const& failure) {
-        throw std::system_error(failure.code(), "thread constructor failed");
-    }
-}
-
-void setSdkError(KelvarisSDK_BaseResult& result) {
-    setError(&result, KelvarisSDK_ErrorType_SDK);
-    setText(result.errorMessage, "Error from SDK");
-}
-
-void noWebsocketImplementation(KelvarisSDK_BaseResult* result) {
-    setError(result, KelvarisSDK_ErrorType_SDK);
-}
-
-void invalidArgument(KelvarisSDK_BaseResult* result) {
-    setError(result, KelvarisSDK_ErrorType_INVALID_ARGUMENT);
-}
-
-void callbackRequired(KelvarisSDK_BaseResult* result) {
-    setError(result, KelvarisSDK_ErrorType_CALLBACK_REQUIRED);
-}
-
-void synchronousCalledFromAsynchronousCallback(KelvarisSDK_BaseResult* result) {
-    setError(result, KelvarisSDK_ErrorType_SYNCHRONOUS_IN_CALLBACK);
-}
-
-void asyncMode(KelvarisSDK_BaseResult* result) {
-    setError(result, KelvarisSDK_ErrorType_ASYNC_CALL);
-    result->error = false;
-}
-
-void settingLocked(KelvarisSDK_BaseResult* result, int reason) {
-    if (reason == 1) {
-        setError(result, KelvarisSDK_ErrorType_LOCKED_BY_SERVER);
-    } else if (reason == 2) {
-        setError(result, KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT);
-    }
-}
-
-Wakeup::Wakeup() : fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-
-Wakeup::~Wakeup() {
-    if (fd >= 0) {
-        close(fd);
-    }
-}
-
-int Wakeup::descriptor() const {
-    return fd;
-}
-
-// A thread that was cancelled between the flag and the write would leave the flag set for good, and no later signal
-// would be written: the system call is made without the point of cancellation that eventfd_write() is.
-void Wakeup::signal() {
-    step();
-    if (!signalled.exchange(true)) {
-        step();
-        eventfd_t const one = 1;
-        syscall(SYS_write, fd, &one, sizeof(one));
-    }
-}
-
-// The descriptor is emptied before the flag is cleared: a signal that comes between the two finds the reader awake.
-void Wakeup::clear() {
-    eventfd_t signals = 0;
-    eventfd_read(fd, &signals);
-    step();
-    signalled.exchange(false);
-    step();
-}
-
-void Wakeup::wait(int milliseconds) const {
-    pollfd descriptor{fd, POLLIN, 0};
-    poll(&descriptor, 1, milliseconds);
 }
 
 // One message from the daemon, which is parsed once, and only when somebody wants it.

@@ -15,36 +15,14 @@
 #include <vector>
 
 #include <json/json.h>
-#include <kelvarissdk/types.h>
 
 #include "easywsclient.h"
+#include "wakeup.h"
 
 namespace kelvarissdk {
 
 // Milliseconds of the steady clock.
 uint64_t getTimeMillis();
-
-// Parses a daemon message. A text that isn't valid JSON prints two lines on standard error; the value keeps
-// what the reader left in it.
-void parseJson(Json::Value& value, std::string const& text);
-
-// Element 1 of a message, null where there is none.
-Json::Value const& payloadOf(Json::Value const& message);
-
-// Starts a thread; failure throws std::system_error with the text "thread constructor failed".
-std::thread startThread(std::function<void()> body);
-
-// Fills the head of a record for a failure of the library itself.
-void setSdkError(KelvarisSDK_BaseResult& result);
-// Each fills the head of a record with an error type and that type's own text.
-void noWebsocketImplementation(KelvarisSDK_BaseResult* result);
-void invalidArgument(KelvarisSDK_BaseResult* result);
-void callbackRequired(KelvarisSDK_BaseResult* result);
-void synchronousCalledFromAsynchronousCallback(KelvarisSDK_BaseResult* result);
-// The same for what an asynchronous call returns at once; its `error` is false.
-void asyncMode(KelvarisSDK_BaseResult* result);
-// Reason 1 is the server's lock and 2 the account's; any other leaves the record as it is.
-void settingLocked(KelvarisSDK_BaseResult* result, int reason);
 
 // The event that tells a handler of a time-out. A daemon's event of that name reaches nobody, because no entry awaits
 // it.
@@ -68,29 +46,6 @@ struct EventDescription {
     bool skipParse = false; // the handler wants no parsed message
     uint64_t timeoutMs = 0; // 0: none
     bool finished = false;  // something was delivered
-};
-
-// An eventfd that ends the reader's wait. Signals that come before the reader has seen the first of them cost no
-// system call.
-class Wakeup {
-public:
-    Wakeup();
-    ~Wakeup();
-    Wakeup(Wakeup const&) = delete;
-    Wakeup& operator=(Wakeup const&) = delete;
-
-    // -1 where the process had no descriptor left: nothing ends a wait then, and the reader has to look by itself.
-    int descriptor() const;
-    // The calling thread can't be cancelled in it.
-    void signal();
-    // The caller of clear() sees all that was done before a signal that it clears.
-    void clear();
-    // Waits for a signal, at most this long; -1: without limit.
-    void wait(int milliseconds) const;
-
-private:
-    int const fd;
-    std::atomic<bool> signalled = false;
 };
 
 // The link to the daemon. Any thread may queue requests and register or remove entries; handlers run on the

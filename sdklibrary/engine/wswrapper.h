@@ -16,6 +16,8 @@
 #include <json/json.h>
 #include <kelvarissdk/types.h>
 
+#include "parsejson.h"
+#include "recordheads.h"
 #include "websockets.h"
 
 namespace kelvarissdk {

@@ -5,6 +5,7 @@
 #include "websockets.h"
 
 #include <future>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,10 @@ public:
         : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = daemon.port()}) {}
     kelvarissdk::WebsocketImpl& link() {
         return *websocket;
+    }
+    bool isAlive() {
+        std::lock_guard const lock(statsLock);
+        return statsRunnerActive;
     }
     void unlink() {
         websocket.reset();
