@@ -149,7 +149,8 @@ TEST(Stats, SubscriptionAndItsRepeat) {
 
 // The thread that it starts ends at once, and the end waits for it.
 TEST(Stats, FirstSubscriptionWhileTheHandleEnds) {
-    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}}}, noName);
+    ScriptedDaemon daemon(
+        {{"request_current_state", "null", {state(6)}}, {"stat_subscribe", R"({"enable":true})"}}, noName);
     auto sdk = std::make_unique<Sdk>(daemon);
     struct Ending {
         Sdk* sdk;
