@@ -85,7 +85,7 @@
  *     other thread is inside a call on it: such a call would never return. Functions that return text
  *     from a static buffer say so; one thread at a time may use them.
  *
- * 12. Stack. A synchronous call needs the size of the record that it returns and up to 7 KB more. A
+ * 12. Stack. A synchronous call needs the size of the record that it returns and up to 4 KiB more. A
  *     callback gets its record by value. The sizes in bytes, with 64-bit pointers:
  *
  *         KelvarisSDK_BaseResult                  216    KelvarisSDK_DirectorySettingsResult     424
