@@ -1,0 +1,263 @@
+// Runs of the tool and of a host in which the n-th allocation fails, alone or with all behind it. A run ends as it does
+// with memory, or says that it failed; neither documents nor requests are cut. script/test tries some allocations of
+// each run, script/stress all. Prints the number of outcomes of each kind.
+
+#include "support/process.h"
+#include "support/scripteddaemon.h"
+#include "support/simulator.h"
+#include "support/source.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <regex>
+#include <set>
+#include <thread>
+
+using namespace harness;
+
+namespace {
+
+// How many failures each run is tried with, alone and lasting.
+long failuresPerRun() {
+    char const* const number = std::getenv("KELVARIS_FAILURES");
+    return number == nullptr ? 2 : std::atol(number);
+}
+
+// A run with these words. Failures on the reader's thread are waited out, so the clock is a faster one then.
+Outcome run(std::vector<std::string> const& words, long failing, bool lasting) {
+    std::vector<std::string> argv = {"env",
+                                     "ASAN_OPTIONS=verify_asan_link_order=0:alloc_dealloc_mismatch=0:"
+                                     "allocator_may_return_null=1:exitcode=99",
+                                     "UBSAN_OPTIONS=exitcode=99"};
+    argv.emplace_back(failing == 0 ? "LD_PRELOAD=" FAILALLOC : "LD_PRELOAD=" FAILALLOC ":" FAST_CLOCK);
+    if (failing > 0) {
+        argv.insert(argv.end(), {"FAKETIME=+0 x20", "KELVARIS_FAIL_AT=" + std::to_string(failing)});
+    }
+    if (lasting) {
+        argv.emplace_back("KELVARIS_FAIL_ALL=1");
+    }
+    argv.insert(argv.end(), words.begin(), words.end());
+    return runProcess({.path = "/usr/bin/env", .argv = argv});
+}
+
+// Takes the number of allocations off the end.
+long countOf(Outcome& outcome) {
+    std::smatch match;
+    if (!std::regex_search(outcome.err, match, std::regex("(\\d+) allocations\n$"))) {
+        ADD_FAILURE() << "nothing was counted: " << outcome.status << outcome.err;
+        return 0;
+    }
+    long const count = std::stol(match[1]);
+    outcome.err = match.prefix();
+    return count;
+}
+
+struct Case {
+    std::string name;
+    std::function<Outcome(long failing, bool lasting, std::string& problems)> run;
+    std::function<std::string(Outcome const& intact, Outcome const& outcome)> judge; // empty: wrong
+};
+
+struct Attempt {
+    Case const* tried;
+    Outcome const* intact;
+    long failing;
+    bool lasting;
+};
+
+class Table {
+public:
+    void note(Attempt const& attempt, std::string const& kind, std::string const& what) {
+        std::lock_guard const lock(mutex);
+        ++outcomes[kind.empty() ? "wrong" : kind];
+        if (kind.empty()) {
+            wrong += attempt.tried->name + ", allocation " + std::to_string(attempt.failing) +
+                     (attempt.lasting ? " and later" : "") + ": " + what + '\n';
+        }
+    }
+    void print(std::size_t cases) const {
+        std::cout << "| " << testing::UnitTest::GetInstance()->current_test_info()->name() << " | " << cases;
+        for (auto const& [kind, count] : outcomes) {
+            std::cout << " | " << kind << ": " << count;
+        }
+        std::cout << " |\n";
+        EXPECT_EQ(wrong, "");
+    }
+
+private:
+    std::mutex mutex;
+    std::map<std::string, long> outcomes;
+    std::string wrong;
+};
+
+void attempt(Attempt const& attempt, Table& table) {
+    std::string problems;
+    Outcome const outcome = attempt.tried->run(attempt.failing, attempt.lasting, problems);
+    bool const glibcGaveUp =
+        outcome.status == 127 && outcome.err == "cannot allocate memory for thread-local data: ABORT\n";
+    std::string const kind = !problems.empty() ? ""
+                             : glibcGaveUp     ? "glibc"
+                                               : attempt.tried->judge(*attempt.intact, outcome);
+    table.note(attempt, kind,
+               "status " + std::to_string(outcome.status) + '\n' + problems + outcome.out + outcome.err);
+}
+
+// Spread over a run, and from case to case elsewhere in it.
+void tryAll(std::vector<Case> const& cases) {
+    std::vector<Outcome> intact;
+    intact.reserve(cases.size());
+    std::vector<Attempt> attempts;
+    for (Case const& each : cases) {
+        std::string problems;
+        intact.push_back(each.run(0, false, problems));
+        EXPECT_EQ(problems, "") << each.name;
+        long const count = countOf(intact.back());
+        long const step = std::max(count / failuresPerRun(), 1L);
+        for (long n = 1 + static_cast<long>(intact.size() * 7) % step; n <= count; n += step) {
+            attempts.push_back({&each, &intact.back(), n, false});
+            attempts.push_back({&each, &intact.back(), n, true});
+        }
+    }
+    Table table;
+    std::atomic<std::size_t> next = 0;
+    auto const work = [&] {
+        for (std::size_t i = next++; i < attempts.size(); i = next++) {
+            attempt(attempts[i], table);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    table.print(cases.size());
+}
+
+// Of the runs of a transcript one for each action: what they are asked for and what they ask the daemon.
+std::map<std::string, std::vector<Step>> actionsOf(std::string const& transcript) {
+    std::map<std::string, std::vector<Step>> runs;
+    std::istringstream lines(transcript);
+    std::vector<Step>* exchange = nullptr;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string kind, name, payload;
+        words >> kind >> name >> payload;
+        if (kind == "$") {
+            exchange = &runs.insert_or_assign(line.substr(2), std::vector<Step>()).first->second;
+        } else if (kind == ">") {
+            exchange->push_back({name, payload.empty() ? "null" : payload});
+        } else if (kind == "<") {
+            exchange->back().answers.emplace_back("[\"report_" + name + "\"," + payload + ']');
+        } else if (kind == "*" || line.find("..") != std::string::npos) {
+            exchange->push_back({"special"});
+        }
+    }
+    std::set<std::string> kinds;
+    std::erase_if(runs, [&](auto const& run) {
+        std::string kind = run.first.substr(0, run.first.find(' '));
+        kind += run.first.find(" rem") != std::string::npos ? "rem" : "";
+        for (Step const& step : run.second) {
+            kind += ' ' + step.request;
+        }
+        return kind.ends_with("special") || !kinds.insert(kind).second;
+    });
+    return runs;
+}
+
+// A daemon may miss a request, but gets no other one than with memory, nor half of one.
+Outcome runTool(std::string const& words, std::vector<Step> const& exchange, long failing, bool lasting,
+                std::string& problems) {
+    ScriptedDaemon daemon(exchange, {.appName = std::nullopt});
+    std::istringstream stream(words);
+    std::vector<std::string> argv = {SDKCLI_PATH, "-p", std::to_string(daemon.port())};
+    for (std::string word; stream >> word;) {
+        argv.push_back(word == "''" ? "" : word);
+    }
+    Outcome outcome = run(argv, failing, lasting);
+    static std::regex const missed(
+        "unexpected request \\[\n\t\"set_app_name\",\n\t\\{\n\t\t\"name\" : \"Kelvaris\"\n\t\\},"
+        "\n\t\"kelvaris_sdk\"\n\\]\n|unused step .*\n");
+    problems = std::regex_replace(daemon.finish(), missed, "");
+    return outcome;
+}
+
+// The whole document or none, of a stream the first ones; if it isn't all, with status 1 and a reason.
+std::string judgeTool(Outcome const& intact, Outcome const& outcome) {
+    if (outcome.status == intact.status && outcome.out == intact.out) {
+        return intact.status == 0 || !outcome.err.empty() ? "whole" : "";
+    }
+    bool const isWhole = outcome.out.empty() || outcome.out == intact.out ||
+                         (intact.out.starts_with(outcome.out) && outcome.out.ends_with("]\n\n"));
+    return isWhole && outcome.status == 1 && !outcome.err.empty() ? "failed" : "";
+}
+
+// The host's lines: the handle, the record, the record of a call with memory, what is left.
+std::string judgeHost(Outcome const& intact, Outcome const& outcome) {
+    static std::regex const none(
+        "no handle\nrecord error 3840 \\w+\nthen error 3840 \\w+\n0 left, no call\n");
+    static std::regex const failed("handle\nrecord error 38(40|41|45) \\w+\n");
+    if (outcome.status != 0) {
+        return "";
+    }
+    std::size_t const then = outcome.out.find("then ");
+    if (outcome.out == intact.out) {
+        return "right";
+    }
+    if (outcome.out == "no thread, 11\n" || outcome.out == "no thread, 12\n") {
+        return "no thread";
+    }
+    if (std::regex_match(outcome.out, none)) {
+        return "no handle";
+    }
+    return then != std::string::npos && std::regex_match(outcome.out.substr(0, then), failed) &&
+                   intact.out.ends_with('\n' + outcome.out.substr(then))
+               ? "failed"
+               : "";
+}
+
+} // namespace
+
+class Memory : public testing::TestWithParam<char const*> {};
+
+TEST_P(Memory, RunsOutInTheTool) {
+    std::vector<Case> cases;
+    for (auto const& [words, exchange] :
+         actionsOf(golden("transcripts/" + std::string(GetParam()) + ".txt"))) {
+        cases.push_back(
+            {words,
+             [words = words, exchange = exchange](long failing, bool lasting, std::string& problems) {
+                 return runTool(words, exchange, failing, lasting, problems);
+             },
+             judgeTool});
+    }
+    tryAll(cases);
+}
+
+INSTANTIATE_TEST_SUITE_P(Family, Memory,
+                         testing::Values("refusals", "session", "settings", "adapters", "safebrowsing",
+                                         "lists", "telemetry"),
+                         [](auto const& family) { return std::string(family.param); });
+
+// One call of each family.
+TEST(MemoryOfAHost, RunsOut) {
+    Simulator simulator;
+    std::vector<Case> cases;
+    for (std::string const call :
+         {"state", "directory", "jumbo", "adapters", "firewall", "disconnects", "safebrowsing"}) {
+        for (bool const async : {false, true}) {
+            std::vector<std::string> words = {MEMORY_HOST, std::to_string(simulator.port), call};
+            words.resize(async ? 4 : 3, "async");
+            cases.push_back(
+                {call + (async ? " async" : ""),
+                 [words](long failing, bool lasting, std::string&) { return run(words, failing, lasting); },
+                 judgeHost});
+        }
+    }
+    tryAll(cases);
+    simulator.process.signal(SIGTERM);
+    EXPECT_EQ(simulator.process.wait().err, "");
+}
