@@ -1,7 +1,7 @@
 // What the C interface promises about callbacks, threads and handles.
 
 #include "support/handle.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/sdk.h"
 
 #include <atomic>

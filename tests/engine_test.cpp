@@ -1,7 +1,7 @@
 // The request engine: event table, filters, time-outs, reconnecting, the end.
 
 #include "support/handle.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/sdk.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // where its output leads nowhere.
 
 #include "support/handle.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/sdk.h"
 #include "support/simulator.h"
 

@@ -2,7 +2,7 @@
 
 #include "actions.h"
 #include "grammar.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/simulator.h"
 #include "support/source.h"
 

@@ -1,7 +1,7 @@
 // The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
 #include "support/handle.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/sdk.h"
 #include "support/source.h"
 

@@ -1,7 +1,7 @@
 // What the library does that no command line reaches and no document shows.
 
 #include "support/handle.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/sdk.h"
 
 #include <cstring>
@@ -25,39 +25,6 @@ T later(T (*get)(KelvarisSDK_Handle*, bool (*)(T, void*), void*), std::string co
 }
 
 } // namespace
-
-TEST(Library, MostThatARecordHolds) {
-    ScriptedDaemon daemon(
-        {asked("directory", '[' + series(402, R"({"num":#})") + ']'),
-         asked("networks", '[' + series(27, R"({"guid":"#"})") + ']'),
-         asked("connection_settings",
-               R"({"perconn_encryption":true,"forward_ports":[)" + series(22, R"({"port":#})") +
-                   R"(],"perconn_encryption_settings":{)" + series(27, R"("#":true)", 10) +
-                   R"(},"parallel_sockets":{)" + series(27, R"("#":#)", 10) + "}}"),
-         asked("connection_stats", R"({"time":1,"connections":[)" + series(27, R"({"guid":"#"})") + "]}"),
-         asked("streaming_stats", R"({"streams":[)" + series(12, R"({"name":"#"})") + "]}")},
-        noName);
-    Sdk sdk(daemon);
-    auto const directory = sdk.getDirectory(nullptr, nullptr);
-    EXPECT_EQ(directory.serverCount, 400);
-    EXPECT_EQ(directory.servers[399].num, 399);
-    auto const adapters = sdk.getAdapters(nullptr, nullptr);
-    EXPECT_EQ(adapters.adapterCount, 25);
-    EXPECT_STREQ(adapters.adapters[24].adapterID, "24");
-    auto const settings = sdk.getSettings(nullptr, nullptr);
-    EXPECT_EQ(settings.forwardedPortCount, 20);
-    EXPECT_EQ(settings.forwardedPorts[19].port, 19);
-    EXPECT_EQ(settings.perConnectionEncryptionCount, 25);
-    EXPECT_STREQ(settings.perConnectionEncryptionSettings[24].adapterID, "34");
-    EXPECT_EQ(settings.perConnectionParallelSocketsCount, 25);
-    EXPECT_EQ(settings.perConnectionParallelSockets[24].sockets, 34);
-    auto const connections = sdk.getConnectionStats(nullptr, nullptr).stats;
-    EXPECT_EQ(connections.connectionCount, 25);
-    EXPECT_STREQ(connections.connections[24].adapterID, "24");
-    auto const streams = sdk.getStreamingStats(nullptr, nullptr);
-    EXPECT_EQ(streams.streamCount, 10);
-    EXPECT_STREQ(streams.streams[9].name, "9");
-}
 
 TEST(Library, ListsThatALaterReportLeavesOutAreEmpty) {
     auto const settings = later(KelvarisSDK_GetSettings, "connection_settings",
@@ -113,7 +80,7 @@ TEST(Library, RefusedArguments) {
 
 TEST(Library, Settings) {
     std::string const answer = report("connection_settings", R"({"language":"eng"})");
-    std::string const ports = series(20, R"({"port":#})", 10);
+    std::string const ports = series(10, 29, R"({"port":#})");
     ScriptedDaemon daemon(
         {{"set_connection_algorithm", R"({"algorithm":"SP"})", {answer}},
          {"set_connection_transport", R"({"transport_mode":"auto"})", {answer}},
@@ -188,9 +155,9 @@ TEST(Library, ConnectMethods) {
 
 TEST(Library, Lists) {
     std::string const proxy =
-        R"({"enabled":true,"matchMode":"denylist","domain_watchlist":[)" + series(24, R"({"title":"#"})") +
+        R"({"enabled":true,"matchMode":"denylist","domain_watchlist":[)" + series(0, 23, R"({"title":"#"})") +
         R"(,{"title":"service of thirty bytes or more","enabled":true,"watchedDomains":[)" +
-        series(13, "\"d#\"") + R"(],"proxiedDomains":[)" + series(14, "\"p#\"") + "]},{}]}";
+        series(0, 12, "\"d#\"") + R"(],"proxiedDomains":[)" + series(0, 13, "\"p#\"") + "]},{}]}";
     ScriptedDaemon daemon(
         {asked("localproxy_settings", proxy),
          asked("localproxy_settings", R"({"matchMode":"Denylist"})"),

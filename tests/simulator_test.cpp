@@ -8,7 +8,7 @@
 // Times of the day are starred out.
 
 #include "easywsclient.h"
-#include "support/rows.h"
+#include "support/messages.h"
 #include "support/simulator.h"
 #include "support/source.h"
 

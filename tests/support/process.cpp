@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <spawn.h>
@@ -110,9 +111,9 @@ int reap(pid_t pid) {
 
 Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * patience()) {
     int in = -1;
-    if (command.kind == Input::text) {
+    if (command.input) {
         in = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
-        checked(pwrite(in, command.input.data(), command.input.size(), 0), "write the input");
+        checked(pwrite(in, command.input->data(), command.input->size(), 0), "write the input");
     } else {
         std::array<char, 64> name = {};
         keyboard = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
@@ -188,6 +189,15 @@ void Process::type(std::string const& text) const {
 
 void Process::signal(int number) const {
     checked(kill(pid, number), "kill");
+}
+
+bool Process::catches(int signal) const {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string word;
+    while (word != "SigCgt:" && status >> word) {
+    }
+    status >> word;
+    return (std::stoull(word, nullptr, 16) >> (signal - 1) & 1) != 0;
 }
 
 Outcome const& Process::wait() {
