@@ -110,21 +110,6 @@ TEST(Callbacks, NoneRunsAfterUnregistering) {
     EXPECT_EQ(shared.unregisteringSeen, std::future_status::timeout);
 }
 
-TEST(Callbacks, FalseEndsASubscription) {
-    ScriptedDaemon daemon(
-        {{"request_current_state"},
-         {"request_version_data", "null", {state(1), state(2), state(3), numbered("version_data", 12)}}},
-        noName);
-    std::atomic<int> states = 0;
-    Handle const handle(daemon.port());
-    KelvarisSDK_GetState(
-        handle.sdk,
-        [](KelvarisSDK_StateResult, void* count) { return ++*static_cast<std::atomic<int>*>(count) < 2; },
-        &states);
-    EXPECT_EQ(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).maj, 12);
-    EXPECT_EQ(states, 2);
-}
-
 // The thread's own objects are gone by then, the library's among them.
 TEST(Handles, ServeTheProgramsExitHandlers) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
