@@ -2,8 +2,8 @@
 //     #    a remark on the run behind it
 //     $    the words; several such lines are runs that go the same way
 //     *    what is special: "clock" and how many times as fast the run's clock goes, "delay" and how many milliseconds
-//          the daemon lets pass before it answers the last request, "input" and a JSON text, "nobody" when there is
-//          no daemon
+//          the daemon lets pass before it answers the last request, "input" and a JSON text, "shell" and what a shell
+//          reads behind the words, "nobody" when there is no daemon
 //     >    a request and its payload, which may be missing
 //     <    a report that answers it, and its payload
 //     !    a line on standard error
@@ -34,6 +34,7 @@ struct Row {
     std::string err = {};
     int status = 0;
     std::string input = {};
+    std::string shell = {};
     int clock = 1;
     bool isHeard = true;
 };
@@ -67,6 +68,8 @@ void addLine(Row& row, char kind, std::string const& rest) {
         row.exchange.back().delayMs = std::stoi(value);
     } else if (name == "input") {
         row.input = parsed(value).asString();
+    } else if (name == "shell") {
+        row.shell = rest.substr(name.size());
     } else if (name == "nobody") {
         row.isHeard = false;
     } else {
@@ -104,6 +107,11 @@ void repeat(Row const& row) {
     ScriptedDaemon daemon(row.exchange, {.listen = row.isHeard});
     Command command =
         tool(split("-i 127.0.0.1 -p " + std::to_string(daemon.port()) + unrolled(row.words, " ")));
+    if (!row.shell.empty()) {
+        Words const before = {"sh", "-c", "exec \"$@\"" + row.shell, "sh"};
+        command.argv.insert(command.argv.begin(), before.begin(), before.end());
+        command.path = "/bin/sh";
+    }
     command.input = row.input;
     command.clock = row.clock;
     Outcome const outcome = runProcess(command);
