@@ -42,15 +42,6 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-// All that comes until the end of the stream.
-string readAll(int socket) {
-    string text;
-    for (char byte = 0; ::recv(socket, &byte, 1, 0) == 1;) {
-        text += byte;
-    }
-    return text;
-}
-
 string upgradeRequest(string const& target, string const& host, string const& originLine = "") {
     return "GET " + target + " HTTP/1.1\r\nHost: " + host +
            "\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n" + originLine +
@@ -141,15 +132,16 @@ protected:
 
     // The next bytes that the client sends, or those that come before the end.
     string take(std::size_t size) {
-        string text(size, '\0');
-        std::size_t done = 0;
-        for (ssize_t result = 1; done < size && result > 0; done += static_cast<std::size_t>(result)) {
+        string text;
+        char chunk[65536];
+        for (ssize_t result = 1; text.size() < size && result > 0;) {
             client->poll(0);
             pollfd readable{peer, POLLIN, 0};
             ::poll(&readable, 1, -1);
-            result = std::max<ssize_t>(0, ::recv(peer, &text[done], size - done, MSG_DONTWAIT));
+            result = ::recv(peer, chunk, std::min(sizeof chunk, size - text.size()), MSG_DONTWAIT);
+            text.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(0, result)));
         }
-        return text.substr(0, done);
+        return text;
     }
 
     int listener = -1;
@@ -260,7 +252,7 @@ TEST_F(EasyWsClient, SendsEveryForm) {
     EXPECT_EQ(WebSocket::CLOSED, client->getReadyState());
     EXPECT_EQ(maskedFrame(0x82, "a\0b"s) + maskedFrame(0x82, "\0\xFF\xA7"s) + maskedFrame(0x89, "") +
                   closeFrame,
-              readAll(peer));
+              take(SIZE_MAX));
 }
 
 TEST_F(EasyWsClient, QueuesForAPeerThatDoesNotRead) {
@@ -324,7 +316,7 @@ TEST_F(EasyWsClient, EndsOnACloseFrameAndOnUnknownOnes) {
         EXPECT_EQ(Messages{"behind"}, messages) << opcode;
         client->poll(-1);
         EXPECT_EQ(WebSocket::CLOSED, client->getReadyState());
-        EXPECT_EQ(closeFrame, readAll(peer));
+        EXPECT_EQ(closeFrame, take(SIZE_MAX));
     }
 }
 

@@ -1,6 +1,5 @@
 // The request engine: event table, filters, time-outs, reconnecting, the end.
 
-#include "support/handle.h"
 #include "support/messages.h"
 #include "support/sdk.h"
 

@@ -1,7 +1,6 @@
 // Faults on the link that concern the whole library, daemons that stop and come back, and how the tool ends
 // where its output leads nowhere.
 
-#include "support/handle.h"
 #include "support/messages.h"
 #include "support/sdk.h"
 #include "support/simulator.h"

@@ -130,9 +130,7 @@ Words offeredByBash(Words const& commandLines) {
     return offered;
 }
 
-TEST(Grammar, EveryWordIsCompleted) {
-    std::string const zsh = harness::contents(COMPLETIONS "sdkcli.zsh");
-    std::string const fish = harness::contents(COMPLETIONS "sdkcli.fish");
+TEST(Grammar, EveryWordIsCompletedByBash) {
     std::map<std::string, Words> const behind = behindTyped();
     Words commandLines;
     for (auto const& [typed, offers] : behind) {
@@ -142,10 +140,7 @@ TEST(Grammar, EveryWordIsCompleted) {
     auto line = offered.begin();
     for (auto const& [typed, offers] : behind) {
         for (std::string const& offer : offers) {
-            EXPECT_NE(line->find(' ' + offer + ' '), line->npos) << "bash: " << typed << ' ' << offer;
-            EXPECT_TRUE(std::regex_search(zsh, std::regex(" '" + offer + "[:']"))) << "zsh: " << offer;
-            EXPECT_TRUE(std::regex_search(fish, std::regex("echo " + offer + "[\\\\\n]")))
-                << "fish: " << offer;
+            EXPECT_NE(line->find(' ' + offer + ' '), line->npos) << typed << ' ' << offer;
         }
         ++line;
     }

@@ -1,6 +1,5 @@
 // The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
-#include "support/handle.h"
 #include "support/messages.h"
 #include "support/sdk.h"
 #include "support/source.h"

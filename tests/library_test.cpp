@@ -1,7 +1,6 @@
 // What the library does that no command line reaches and no document shows.
 
 #include "jsonprinter.h"
-#include "support/handle.h"
 #include "support/messages.h"
 #include "support/sdk.h"
 

@@ -2,7 +2,6 @@
 // two steps of a start of safe browsing.
 
 #include "jsonprinter.h"
-#include "support/handle.h"
 #include "support/messages.h"
 #include "support/sdk.h"
 
