@@ -114,35 +114,34 @@ TEST(Grammar, EveryWordIsInTheManPage) {
     }
 }
 
-// What bash offers behind each of these command lines, in the same order.
-Words offeredByBash(Words const& commandLines) {
+// What bash offers behind the options and each of the words typed, which are the keys. A "*" is any word.
+template <class T>
+std::map<std::string, std::string> offeredByBash(std::string const& options,
+                                                 std::map<std::string, T> const& keys) {
     std::string script = "COMP_WORDBREAKS=:\nsource " COMPLETIONS "sdkcli.bash\n"
                          "offer() { COMP_WORDS=(\"$@\" '') COMP_CWORD=$# COMP_LINE=\"$* \"\n"
                          "_sdkcli " SDKCLI_PATH "\necho \" ${COMPREPLY[*]} \"; }\n";
-    for (std::string const& line : commandLines) {
-        script += "offer sdkcli " + line + '\n';
+    for (auto const& [typed, ignored] : keys) {
+        script += "offer sdkcli " + options + std::regex_replace(typed, std::regex("\\*"), "x") + '\n';
     }
     Outcome const outcome = harness::runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
     EXPECT_EQ(outcome.err, "");
-    Words offered = matches(outcome.out, "[^\n]+");
-    EXPECT_EQ(offered.size(), commandLines.size());
-    offered.resize(commandLines.size());
+    Words lines = matches(outcome.out, "[^\n]+");
+    EXPECT_EQ(lines.size(), keys.size());
+    std::map<std::string, std::string> offered;
+    for (auto const& [typed, ignored] : keys) {
+        offered[typed] = lines.at(offered.size());
+    }
     return offered;
 }
 
 TEST(Grammar, EveryWordIsCompletedByBash) {
     std::map<std::string, Words> const behind = behindTyped();
-    Words commandLines;
-    for (auto const& [typed, offers] : behind) {
-        commandLines.push_back("-p 1 " + std::regex_replace(typed, std::regex("\\*"), "x"));
-    }
-    Words const offered = offeredByBash(commandLines);
-    auto line = offered.begin();
+    auto const offered = offeredByBash("-p 1 ", behind);
     for (auto const& [typed, offers] : behind) {
         for (std::string const& offer : offers) {
-            EXPECT_NE(line->find(' ' + offer + ' '), line->npos) << typed << ' ' << offer;
+            EXPECT_NE(offered.at(typed).find(' ' + offer + ' '), std::string::npos) << typed << ' ' << offer;
         }
-        ++line;
     }
 }
 
@@ -170,15 +169,7 @@ TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
         {"connect us nyc", " 1 2 3 4 5 "},
         {"captiveportal login off", "  "},
     };
-    Words commandLines;
-    for (auto const& [typed, offers] : expected) {
-        commandLines.push_back("-i 127.0.0.1 -p " + std::to_string(daemon.port) + ' ' + typed);
-    }
-    Words const offered = offeredByBash(commandLines);
-    auto line = offered.begin();
-    for (auto const& [typed, offers] : expected) {
-        EXPECT_EQ(*line++, offers) << typed;
-    }
+    EXPECT_EQ(offeredByBash("-i 127.0.0.1 -p " + std::to_string(daemon.port) + ' ', expected), expected);
 }
 
 // Each choice of a setting shows in one printed key, which is no other setting's. Other words are refused.

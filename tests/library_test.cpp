@@ -86,14 +86,22 @@ TEST(Library, RefusedArguments) {
     EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
 }
 
-TEST(Library, Settings) {
+// Numbers that the tool's words can't say.
+TEST(Library, NumbersWithoutAWord) {
+    Step const connected{"server_auto_connect", R"({"server":"auto"})", {state(6)}};
     std::string const answer = report("connection_settings", R"({"language":"eng"})");
     std::string const ports = series(10, 29, R"({"port":#})");
     ScriptedDaemon daemon(
         {{"set_connection_algorithm", R"({"algorithm":"SP"})", {answer}},
          {"set_connection_transport", R"({"transport_mode":"auto"})", {answer}},
          {"set_connection_forward_ports", R"({"forward_ports":[)" + ports + "]}", {answer}},
-         {"set_cplogin_enable", R"({"enable":false,"network":"i"})", {report("cplogin_network", "{}")}}},
+         {"set_cplogin_enable", R"({"enable":false,"network":"i"})", {report("cplogin_network", "{}")}},
+         connected,
+         connected,
+         {"set_streaming_ports",
+          R"({"ports":[{"port":7},{"proto":"udp","port":8}]})",
+          {report("streaming_settings", "{}")}},
+         {"set_firewall_mode", R"({"mode":"Unknown mode"})", {report("firewall_settings", "{}")}}},
         noName);
     Sdk sdk(daemon);
     EXPECT_FALSE(sdk.setMode(static_cast<KelvarisSDK_BondingMode>(3), nullptr, nullptr).base.error);
@@ -106,6 +114,15 @@ TEST(Library, Settings) {
     KelvarisSDK_SettingsResult const result = sdk.setForwardPorts(21, pairs, nullptr, nullptr);
     EXPECT_EQ(std::string(result.language, 3), "eng");
     EXPECT_FALSE(sdk.setCaptivePortalLoginMode(false, "i", nullptr, nullptr).base.error);
+    for (unsigned const number : {7U, 8U}) {
+        auto const method = static_cast<KelvarisSDK_AutoConnectMethod>(number);
+        EXPECT_FALSE(sdk.connectAuto(method, nullptr, nullptr).base.error);
+    }
+    pairs[0].port = 7;
+    pairs[1] = {KelvarisSDK_PortProtocol_UDP, 8};
+    EXPECT_FALSE(sdk.setStreamingPorts(2, pairs, nullptr, nullptr).base.error);
+    auto const mode = static_cast<KelvarisSDK_FirewallMode>(3);
+    EXPECT_EQ(sdk.setFirewallMode(mode, nullptr, nullptr).mode, KelvarisSDK_FirewallMode_OFF);
 }
 
 TEST(Library, PrivacyFlags) {
@@ -150,29 +167,13 @@ TEST(Library, NamesOfServers) {
     EXPECT_EQ(KelvarisSDK_ServerInformationDetailed_toString(full), (name + "1633771873").substr(0, 100));
 }
 
-// Numbers that the tool's words can't say.
-TEST(Library, ConnectMethods) {
-    Step const connected{"server_auto_connect", R"({"server":"auto"})", {state(6)}};
-    ScriptedDaemon daemon({connected, connected}, {.appName = std::nullopt});
-    Handle const handle(daemon.port());
-    for (unsigned const number : {7U, 8U}) {
-        auto const method = static_cast<KelvarisSDK_AutoConnectMethod>(number);
-        EXPECT_FALSE(KelvarisSDK_ConnectAuto(handle.sdk, method, nullptr, nullptr).base.error);
-    }
-}
-
-TEST(Library, Lists) {
+TEST(Library, LocalProxy) {
     std::string const proxy =
         R"({"enabled":true,"matchMode":"denylist","domain_watchlist":[)" + series(0, 23, R"({"title":"#"})") +
         R"(,{"title":"service of thirty bytes or more","enabled":true,"watchedDomains":[)" +
         series(0, 12, "\"d#\"") + R"(],"proxiedDomains":[)" + series(0, 13, "\"p#\"") + "]},{}]}";
     ScriptedDaemon daemon(
-        {asked("localproxy_settings", proxy),
-         asked("localproxy_settings", R"({"matchMode":"Denylist"})"),
-         {"set_streaming_ports",
-          R"({"ports":[{"port":7},{"proto":"udp","port":8}]})",
-          {report("streaming_settings", "{}")}},
-         {"set_firewall_mode", R"({"mode":"Unknown mode"})", {report("firewall_settings", "{}")}}},
+        {asked("localproxy_settings", proxy), asked("localproxy_settings", R"({"matchMode":"Denylist"})")},
         noName);
     Sdk sdk(daemon);
     KelvarisSDK_LocalProxySettingsResult result = sdk.getLocalProxySettings(nullptr, nullptr);
@@ -190,10 +191,4 @@ TEST(Library, Lists) {
     result = sdk.getLocalProxySettings(nullptr, nullptr);
     EXPECT_EQ(result.matchMode, KelvarisSDK_LocalProxyMatchMode_ALLOWLIST);
     EXPECT_EQ(result.watchlistCount, 0);
-
-    KelvarisSDK_ProtocolPortPair ports[] = {{static_cast<KelvarisSDK_PortProtocol>(2), 7},
-                                            {KelvarisSDK_PortProtocol_UDP, 8}};
-    EXPECT_FALSE(sdk.setStreamingPorts(2, ports, nullptr, nullptr).base.error);
-    auto const mode = static_cast<KelvarisSDK_FirewallMode>(3);
-    EXPECT_EQ(sdk.setFirewallMode(mode, nullptr, nullptr).mode, KelvarisSDK_FirewallMode_OFF);
 }

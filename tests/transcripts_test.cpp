@@ -3,7 +3,7 @@
 //     $    the words; several such lines are runs that go the same way
 //     *    what is special: "clock" and how many times as fast the run's clock goes, "delay" and how many milliseconds
 //          the daemon lets pass before it answers the last request, "input" and a JSON text, "shell" and what a shell
-//          reads behind the words, "nobody" when there is no daemon
+//          reads behind the words, "message" and a report's bare text, "nobody" when there is no daemon
 //     >    a request and its payload, which may be missing
 //     <    a report that answers it, and its payload
 //     !    a line on standard error
@@ -70,6 +70,8 @@ void addLine(Row& row, char kind, std::string const& rest) {
         row.input = parsed(value).asString();
     } else if (name == "shell") {
         row.shell = rest.substr(name.size());
+    } else if (name == "message") {
+        row.exchange.back().answers.emplace_back(rest.substr(std::min(rest.size(), name.size() + 1)));
     } else if (name == "nobody") {
         row.isHeard = false;
     } else {
