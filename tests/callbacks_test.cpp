@@ -1,7 +1,7 @@
 // What the C interface promises about callbacks, threads and handles.
 
-#include "support/messages.h"
 #include "support/sdk.h"
+#include "support/texts.h"
 
 #include <atomic>
 #include <cstdio>

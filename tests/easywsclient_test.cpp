@@ -154,18 +154,16 @@ protected:
 TEST_F(EasyWsClient, SendsTheUpgradeRequest) {
     string const path(127 - url.size(), 'p');
     string const origin(199, 'o');
-    struct {
-        string url, origin, expected;
-    } const rows[] = {
+    string const rows[][3] = {
         {"ws://" + host, "", upgradeRequest("/", host)},
         {url + "a/b?c", "x", upgradeRequest("/a/b?c", host, "Origin: x\r\n")},
         {url + path, origin, upgradeRequest("/" + path, host, "Origin: " + origin + "\r\n")},
     };
     int const next = ::dup(0); // the number that the client's descriptor will have
     ::close(next);
-    for (auto const& row : rows) {
-        ASSERT_TRUE(open({upgraded}, false, row.url, row.origin)) << row.url;
-        EXPECT_EQ(row.expected, request);
+    for (auto const& [target, from, expected] : rows) {
+        ASSERT_TRUE(open({upgraded}, false, target, from)) << target;
+        EXPECT_EQ(expected, request);
         EXPECT_EQ(FD_CLOEXEC, ::fcntl(next, F_GETFD));
         int noDelay = 0;
         socklen_t size = sizeof noDelay;
@@ -200,10 +198,7 @@ TEST_F(EasyWsClient, RefusesWithoutConnecting) {
 
 TEST_F(EasyWsClient, JudgesTheAnswer) {
     string const status = "HTTP/1.1 101 ";
-    struct {
-        string answer;
-        bool accepted;
-    } const rows[] = {
+    std::pair<string, bool> const rows[] = {
         {status + "\r\n\r\n", true},
         {status + string(239, 's') + "\r\n\r\n", true}, // 254 bytes with its end
         {status + string(240, 's') + "\r\n\r\n", false},
@@ -215,8 +210,8 @@ TEST_F(EasyWsClient, JudgesTheAnswer) {
         {"HTTP/1.0 101 Switching\r\n\r\n", false},
         {status + "\r\n" + string(100'000, 'h'), false},
     };
-    for (auto const& row : rows) {
-        EXPECT_EQ(row.accepted, open({row.answer}, true)) << row.answer.substr(0, 40);
+    for (auto const& [answer, accepted] : rows) {
+        EXPECT_EQ(accepted, open({answer}, true)) << answer.substr(0, 40);
     }
 }
 

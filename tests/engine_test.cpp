@@ -1,7 +1,7 @@
 // The request engine: event table, filters, time-outs, reconnecting, the end.
 
-#include "support/messages.h"
 #include "support/sdk.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <chrono>
@@ -27,6 +27,13 @@ std::string textOf(KelvarisSDK_BaseResult const& base) {
 }
 
 Options const absent{.appName = std::nullopt, .listen = false};
+
+class Unlinked : public testing::Test {
+protected:
+    ScriptedDaemon const nobody{{}, absent};
+    WebsocketImpl link{"127.0.0.1", nobody.port()};
+    std::string log;
+};
 
 } // namespace
 
@@ -77,9 +84,7 @@ TEST(Engine, ReportThatCantBeReadEndsItsCallOnly) {
 
 // A filter tests every key, and null asks for presence. A name in both lists is delivered twice, in one list
 // once, and either delivery may end the entry.
-TEST(Engine, FiltersAndLists) {
-    ScriptedDaemon const daemon({}, absent);
-    WebsocketImpl link("127.0.0.1", daemon.port());
+TEST_F(Unlinked, FiltersAndLists) {
     Json::Value filter;
     filter["kind"] = 2;
     filter["state"] = Json::Value();
@@ -155,10 +160,7 @@ TEST(Engine, TimeOutsAreNotLate) {
 
 // An entry gets one time-out, and none when it awaits nothing or something was delivered, even when that finished
 // nothing.
-TEST(Engine, TimeOutsThatDontCome) {
-    ScriptedDaemon const nobody({}, absent);
-    WebsocketImpl link("127.0.0.1", nobody.port());
-    std::string log;
+TEST_F(Unlinked, TimeOutsThatDontCome) {
     EventDescription listening;
     listening.timeoutMs = 10;
     WebsocketImpl::subscribeToEvent(listening, "never");
@@ -171,10 +173,7 @@ TEST(Engine, TimeOutsThatDontCome) {
 
 // A request can't leave while a callback runs, so its time-out begins when the callback has returned: the later of
 // two calls waits less and ends first.
-TEST(Engine, TimeOutCountsFromTheEndOfCallbacks) {
-    ScriptedDaemon const nobody({}, absent);
-    WebsocketImpl link("127.0.0.1", nobody.port());
-    std::string log;
+TEST_F(Unlinked, TimeOutCountsFromTheEndOfCallbacks) {
     std::optional<Entry> inside;
     EventDescription slow = awaiting("slow");
     link.getResult(slow, [&](auto&&...) {

@@ -36,5 +36,4 @@ if [ -n "${3-}" ]; then
     self_contained "$1" "$own|libgcc_s\.so\.1"
     self_contained "$3" "$own"
 fi
-count=$(wc -l <<<"$exported")
-echo "$count functions"
+echo "$(wc -l <<<"$exported") functions"

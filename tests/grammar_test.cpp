@@ -2,9 +2,8 @@
 
 #include "actions.h"
 #include "grammar.h"
-#include "support/messages.h"
 #include "support/simulator.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -13,10 +12,9 @@
 #include <regex>
 #include <set>
 
-namespace {
+using namespace harness;
 
-using harness::Outcome;
-using harness::Words;
+namespace {
 
 Words matches(std::string const& text, std::string const& pattern) {
     std::regex const expression(pattern);
@@ -32,7 +30,7 @@ bool has(Words const& words, std::string const& word) {
 }
 
 std::string manPage(std::string const& program) {
-    return std::regex_replace(harness::source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
+    return std::regex_replace(source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
 }
 
 // What the usage lines say may stand behind the words typed; "*" is any word.
@@ -124,7 +122,7 @@ std::map<std::string, std::string> offeredByBash(std::string const& options,
     for (auto const& [typed, ignored] : keys) {
         script += "offer sdkcli " + options + std::regex_replace(typed, std::regex("\\*"), "x") + '\n';
     }
-    Outcome const outcome = harness::runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
+    Outcome const outcome = runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
     EXPECT_EQ(outcome.err, "");
     Words lines = matches(outcome.out, "[^\n]+");
     EXPECT_EQ(lines.size(), keys.size());
@@ -146,9 +144,9 @@ TEST(Grammar, EveryWordIsCompletedByBash) {
 }
 
 // What the tool prints of this simulated daemon.
-Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
+Json::Value shown(Simulator const& daemon, std::string const& line) {
     std::string const words = "-p " + std::to_string(daemon.port) + ' ' + line;
-    Outcome const outcome = harness::runProcess(harness::tool(harness::split(words)));
+    Outcome const outcome = runProcess(tool(split(words)));
     EXPECT_EQ(outcome.status, 0) << "with the simulated daemon: " << line << '\n' << outcome.err;
     Json::Value document;
     EXPECT_TRUE(Json::Reader().parse(outcome.out, document)) << line;
@@ -156,7 +154,7 @@ Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
 }
 
 TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     shown(daemon, "firewall domains set a.example b.example");
     shown(daemon, "firewall ports set 443 53/udp");
     shown(daemon, "streamingbypass ipv6 set fe80::1");
@@ -174,10 +172,10 @@ TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
 
 // Each choice of a setting shows in one printed key, which is no other setting's. Other words are refused.
 TEST(Grammar, EverySettingShowsInItsKey) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     Words lines(std::begin(helpLines), std::end(helpLines));
     lines.insert(lines.end(), std::begin(unlistedLines), std::end(unlistedLines));
-    std::string const refusals = harness::golden("transcripts/refusals.txt");
+    std::string const refusals = golden("transcripts/refusals.txt");
     std::map<std::string, std::string> settings;
     for (auto const& [typed, offers] : behindTyped()) {
         std::string line = typed + " <";
@@ -209,7 +207,7 @@ TEST(Grammar, EverySettingShowsInItsKey) {
 }
 
 TEST(Grammar, EveryShownKeyIsInTheManPage) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     std::string const page = manPage("sdkcli");
     for (Keyword const& keyword : showKeywords) {
         std::string const text = shown(daemon, std::string("show ") + keyword.word).toStyledString();
@@ -222,13 +220,13 @@ TEST(Grammar, EveryShownKeyIsInTheManPage) {
 
 TEST(Grammar, EveryOptionOfTheSimulatorIsDocumentedAndCompleted) {
     Words const options =
-        matches(harness::runProcess({SIMULATOR_PATH, {"kelvarissim", "--help"}}).out, "\n  --[a-z-]+");
+        matches(runProcess({SIMULATOR_PATH, {"kelvarissim", "--help"}}).out, "\n  --[a-z-]+");
     EXPECT_GT(options.size(), 5U);
     for (std::string const& option : options) {
         std::string const name = option.substr(3);
         EXPECT_TRUE(std::regex_search(manPage("kelvarissim"), std::regex("\n\\.B[IR]* " + name + "[ \n]")))
             << name;
-        EXPECT_TRUE(has(words(harness::contents(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
+        EXPECT_TRUE(has(words(contents(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
     }
 }
 

@@ -1,8 +1,7 @@
 // The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
-#include "support/messages.h"
 #include "support/sdk.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <atomic>
 #include <filesystem>
@@ -94,10 +93,6 @@ std::string sources(std::string const& folder) {
     return texts;
 }
 
-std::string publicHeaders() {
-    return sources("sdklibrary/include/kelvarissdk");
-}
-
 // What the pattern's group captures.
 std::set<std::string> found(std::string const& pattern, std::string const& text) {
     std::set<std::string> captures;
@@ -176,8 +171,8 @@ TEST(Interface, CallsDeliverAsCatalogued) {
 
 // A call that is declared and forgotten in the catalogue is named by the difference.
 TEST(Interface, EveryCallIsCatalogued) {
-    std::set<std::string> declared =
-        found(R"(KelvarisSDK_(\w+)\(\s*KelvarisSDK_Handle\*[^;]*\bcallback\b)", publicHeaders());
+    std::set<std::string> declared = found(R"(KelvarisSDK_(\w+)\(\s*KelvarisSDK_Handle\*[^;]*\bcallback\b)",
+                                           sources("sdklibrary/include/kelvarissdk"));
     declared.erase("StartSafeBrowsing"); // two calls each, which their own test looks at
     declared.erase("StopSafeBrowsing");
     std::set<std::string> catalogued;
@@ -208,7 +203,8 @@ TEST(Interface, EveryWordOnTheWireIsTested) {
 // A field that may hide in a record's padding too, and the size in the table of records.
 TEST(Interface, EveryFieldHasItsPlace) {
     std::string const records = '\n' + golden("records.txt") + "\n";
-    for (std::string const& record : found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", publicHeaders())) {
+    for (std::string const& record :
+         found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", sources("sdklibrary/include/kelvarissdk"))) {
         std::string const name = record.substr(0, record.find(' '));
         std::size_t const begin = records.find('\n' + name + ' ');
         ASSERT_NE(begin, std::string::npos) << name;
@@ -217,11 +213,11 @@ TEST(Interface, EveryFieldHasItsPlace) {
             EXPECT_NE(places.find("\n    " + field + ' '), std::string::npos) << name << ' ' << field;
         }
     }
-    auto const sizes = found(R"(\bKelvarisSDK_(\w+ +\d+)\b)", publicHeaders());
+    auto const sizes = found(R"(\bKelvarisSDK_(\w+ +\d+)\b)", sources("sdklibrary/include/kelvarissdk"));
     EXPECT_GT(sizes.size(), 20U);
     for (std::string const& size : sizes) {
-        Words const row = split(size);
-        EXPECT_NE(records.find('\n' + row[0] + ' ' + row[1] + '\n'), std::string::npos)
+        EXPECT_NE(records.find('\n' + std::regex_replace(size, std::regex(" +"), " ") + '\n'),
+                  std::string::npos)
             << "the table of sizes says " << size;
     }
 }

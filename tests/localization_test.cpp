@@ -1,7 +1,7 @@
 // The text service, and the names of places in it.
 
 #include "locationnames.h"
-#include "support/source.h"
+#include "support/texts.h"
 #include "translator.h"
 
 #include <clocale>
@@ -107,17 +107,15 @@ TEST_F(Translator, LanguagesAreAskedTableByTable) {
 }
 
 TEST(ReplaceAll, EveryOccurrenceOnce) {
-    const struct {
-        std::string text, from, to, expected;
-    } cases[] = {
+    std::string const cases[][4] = {
         {"aXbX", "X", "XX", "aXXbXX"}, {"XX", "X", "y", "yy"},   {"aaa", "aa", "a", "aa"},
         {"abc", "abc", "", ""},        {"abc", "x", "y", "abc"}, {"ab", "", "-", "-a-b-"},
         {"ab", "", "", "ab"},
     };
-    for (auto const& c : cases) {
-        std::string text = c.text;
-        ReplaceAll(text, c.from, c.to);
-        EXPECT_EQ(text, c.expected) << c.text << ' ' << c.from;
+    for (auto const& [given, from, to, expected] : cases) {
+        std::string text = given;
+        ReplaceAll(text, from, to);
+        EXPECT_EQ(text, expected) << given << ' ' << from;
     }
 }
 

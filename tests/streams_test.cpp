@@ -2,8 +2,8 @@
 // two steps of a start of safe browsing.
 
 #include "jsonprinter.h"
-#include "support/messages.h"
 #include "support/sdk.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <atomic>

@@ -14,8 +14,7 @@
 // <0..2 d#> is d0 d1 d2, with commas between JSON. Both outputs are compared whole, requests by their text. The greeting
 // "set_app_name" needs no line; whether it has left before a command line is refused is a matter of luck.
 
-#include "support/messages.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <cstdlib>
 #include <future>
@@ -107,8 +106,9 @@ std::vector<Row> rowsOf(std::string const& transcript) {
 void repeat(Row const& row) {
     SCOPED_TRACE(row.words);
     ScriptedDaemon daemon(row.exchange, {.listen = row.isHeard});
-    Command command =
-        tool(split("-i 127.0.0.1 -p " + std::to_string(daemon.port()) + unrolled(row.words, " ")));
+    // The port is read as a decimal number and taken modulo 65536.
+    std::string const options = "--ip localhost --port 0" + std::to_string(daemon.port() + 65536);
+    Command command = tool(split(options + unrolled(row.words, " ")));
     if (!row.shell.empty()) {
         Words const before = {"sh", "-c", "exec \"$@\"" + row.shell, "sh"};
         command.argv.insert(command.argv.begin(), before.begin(), before.end());

@@ -152,12 +152,9 @@ constexpr auto makeAnyCall =
               to<KelvarisSDK_SetMode, KelvarisSDK_BondingMode_REDUNDANT>>;
 
 void inThreads(std::function<void(unsigned)> const& body) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (unsigned i = 0; i < threadCount; ++i) {
         threads.emplace_back(body, i);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 

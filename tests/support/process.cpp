@@ -1,5 +1,7 @@
 #include "support/process.h"
 
+#include "support/texts.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -7,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <spawn.h>
@@ -192,12 +193,9 @@ void Process::signal(int number) const {
 }
 
 bool Process::catches(int signal) const {
-    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
-    std::string word;
-    while (word != "SigCgt:" && status >> word) {
-    }
-    status >> word;
-    return (std::stoull(word, nullptr, 16) >> (signal - 1) & 1) != 0;
+    std::string const status = contents("/proc/" + std::to_string(pid) + "/status");
+    auto const mask = std::stoull(status.substr(status.find("SigCgt:") + 7), nullptr, 16);
+    return (mask >> (signal - 1) & 1) != 0;
 }
 
 Outcome const& Process::wait() {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// The tool's command line, and the messages of the daemon by their names behind "report_".
+// The tool's command line, the messages of the daemon by their names behind "report_", and files.
 namespace harness {
 
 using Words = std::vector<std::string>;
@@ -24,5 +24,10 @@ Step asked(std::string const& what, std::string const& payload); // "request_", 
 
 // Elements with something between them; each "#" in an element is its number.
 std::string series(int first, int last, std::string const& element, std::string const& between = ",");
+
+std::string contents(std::string const& path);
+std::string source(std::string const& path); // of a file of the source tree
+std::string
+golden(std::string const& name); // a difference that is wanted is a change of the file in the same commit
 
 } // namespace harness

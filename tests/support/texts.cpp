@@ -1,6 +1,8 @@
-#include "support/messages.h"
+#include "support/texts.h"
 
 #include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <sstream>
 
@@ -45,6 +47,20 @@ std::string series(int first, int last, std::string const& element, std::string 
         }
     }
     return text;
+}
+
+std::string contents(std::string const& path) {
+    std::ifstream file(path);
+    EXPECT_TRUE(file) << path;
+    return (std::ostringstream() << file.rdbuf()).str();
+}
+
+std::string source(std::string const& path) {
+    return contents(SOURCE_DIR "/" + path);
+}
+
+std::string golden(std::string const& name) {
+    return source("tests/golden/" + name);
 }
 
 } // namespace harness
