@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <map>
 #include <regex>
 
 using namespace harness;
@@ -22,22 +21,20 @@ std::string usageOf(std::string const& program) {
 // Help prints it; whatever isn't an action shows it as an error, and so do options without an action.
 TEST(Frame, UsageText) {
     std::string const usage = usageOf("sdkcli");
-    std::map<std::string, int> const statuses = {{"", 0},
-                                                 {"-h", 0},
-                                                 {"--help state", 0},
-                                                 {"State", 4},
-                                                 {"''", 4},
-                                                 {"-p", 4},
-                                                 {"-p 9 -h", 4},
-                                                 {"-i 127.0.0.1 -p", 4},
-                                                 {"-i 127.0.0.1 -p 9", 4},
-                                                 {"-p 9 -i 127.0.0.1 state", 4}};
-    for (auto const& [words, status] : statuses) {
+    for (std::string const words : {"", "-h", "--help state", "State", "''", "-p", "-p 9 -h",
+                                    "-i 127.0.0.1 -p", "-p 9 -i 127.0.0.1 state"}) {
+        bool const isHelp = words.empty() || words == "-h" || words == "--help state";
         Outcome const outcome = runProcess(tool(split(words)));
-        EXPECT_EQ(outcome.status, status) << words;
-        EXPECT_EQ(outcome.out, status == 0 ? usage : "") << words;
-        EXPECT_EQ(outcome.err, status == 0 ? "" : usage) << words;
+        EXPECT_EQ(outcome.status, isHelp ? 0 : 4) << words;
+        EXPECT_EQ(outcome.out, isHelp ? usage : "") << words;
+        EXPECT_EQ(outcome.err, isHelp ? "" : usage) << words;
     }
+    // An address and a port count without an action too.
+    ScriptedDaemon daemon;
+    Outcome const outcome = runProcess(tool({"-i", "127.0.0.1", "-p", std::to_string(daemon.port())}));
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_EQ(outcome.err, usage);
+    daemon.waitForConnections(1);
     // The program's name is what stands behind the last slash, or else behind the last backslash.
     for (std::string const name : {"/a/b\\c/tool", "x\\tool"}) {
         Command command = tool({"-h"});

@@ -75,12 +75,11 @@ struct Call {
 std::map<std::string, Call> catalogue() {
     std::map<std::string, Call> calls;
     std::istringstream lines(golden("calls.txt"));
-    std::string line;
-    std::getline(lines, line); // names the columns
-    while (std::getline(lines, line)) {
+    for (std::string line; std::getline(lines, line);) {
         Words const words = split(line);
         calls[words[0]] = {words[1], words[2], {words.begin() + 3, words.end()}};
     }
+    calls.erase("call"); // names the columns
     return calls;
 }
 
@@ -120,9 +119,8 @@ template <class Enum> void append(std::string& all, char const* name, char const
 TEST(Interface, CallsDeliverAsCatalogued) {
     ScriptedDaemon daemon({}, noName);
     Handle const handle(daemon.port());
-    using Marks = InboxOf<KelvarisSDK_SafeBrowsingBlockResult>;
-    Marks marks;
-    KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, Marks::keep, &marks);
+    InboxOf<KelvarisSDK_SafeBrowsingBlockResult> marks;
+    KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, decltype(marks)::keep, &marks);
     daemon.waitForConnections(1);
     auto const deliveries = [&](std::string const& name, Call const& call, std::string const& locks) {
         uint64_t const id = starts.at(name)(handle.sdk);
