@@ -199,10 +199,12 @@ Outcome runTool(std::string const& words, std::vector<Step> const& exchange, lon
     problems = without(problems, "unexpected request " + textOf({"set_app_name", R"({"name":"Kelvaris"})"}));
     for (std::size_t i = 0; i < exchange.size() && failing > 0; ++i) {
         problems = without(problems, "unused step \"" + exchange[i].request + "\"\n");
-        bool const afterRead = i > 0 && exchange[i].request.starts_with("set_") && exchange[i - 1].request.starts_with("request_");
+        bool const afterRead = i > 0 && exchange[i].request.starts_with("set_") &&
+                               exchange[i - 1].request.starts_with("request_");
         problems = afterRead ? problems : without(problems, "unexpected request " + textOf(exchange[i]));
         for (std::size_t before = 0; before < i && !afterRead; ++before) {
-            problems = without(problems, "expected the request " + textOf(exchange[before]) + "but got " + textOf(exchange[i]));
+            problems = without(problems, "expected the request " + textOf(exchange[before]) + "but got " +
+                                             textOf(exchange[i]));
         }
     }
     return outcome;
