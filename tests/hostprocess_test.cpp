@@ -1,9 +1,9 @@
 // What the library does to the process that it is a guest in: its signals, its forks, its end, its exceptions.
 
-#include "support/handle.h"
-#include "support/rows.h"
 #include "support/scripteddaemon.h"
+#include "support/sdk.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <csignal>
 #include <cstdlib>
