@@ -2,16 +2,26 @@
 // prompt, the product's name in messages.
 
 #include "productStringReplacement.h"
+#include "prompt.h"
+#include "stream.h"
 #include "support/rows.h"
 #include "support/source.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
+#include <new>
 #include <regex>
+#include <unistd.h>
 
 using namespace harness;
 
 namespace {
+
+int allocationsToFailure = 0; // 0: none fails
 
 std::string const loggedIn = styled(R"({"state":"LOGGED_IN"})");
 
@@ -24,6 +34,21 @@ std::string usageOf(std::string const& program) {
 }
 
 } // namespace
+
+void* operator new(std::size_t size) {
+    if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
+        throw std::bad_alloc();
+    }
+    return std::malloc(size);
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
 
 // Help prints it; whatever isn't an action shows it as an error, and so do options without an action.
 TEST(Frame, UsageText) {
@@ -112,6 +137,23 @@ TEST(Product, PlaceholderIsReplaced) {
     EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
 }
 
+// Whichever allocation of a report fails, nothing of the report is written, and the stream ends.
+TEST(Product, ReportsAreWrittenWholeOrNotAtAll) {
+    auto const record = std::make_unique<KelvarisSDK_AdaptersResult>();
+    record->adapterCount = 8;
+    bool failed = true;
+    for (int failing = 1; failed; ++failing) {
+        Stream stream;
+        testing::internal::CaptureStdout();
+        allocationsToFailure = failing;
+        bool const goesOn = printReport("adapters", *record, &stream, printAdaptersResult);
+        failed = std::exchange(allocationsToFailure, 0) == 0;
+        EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), failed) << failing;
+        EXPECT_EQ(goesOn, !failed);
+        EXPECT_EQ(stream.lacksMemory, failed);
+    }
+}
+
 TEST(Login, PromptReadsALine) {
     auto const typed = [](std::string const& input, std::string const& words, Step const& step,
                           std::string const& what) {
@@ -131,26 +173,86 @@ TEST(Login, PromptReadsALine) {
     });
 }
 
-// At a terminal nothing shows of the secret, and the terminal echoes again whatever the end.
+// This process has the secret in two pieces, so that whoever has both in a row has a copy of the prompt's.
+TEST(Login, PromptLeavesNoCopy) {
+    std::string_view const pieces[] = {"nothing is", " left of it", "\n"};
+    int const keyboard = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(unlockpt(keyboard), 0);
+    dup2(open(ptsname(keyboard), O_RDWR | O_NOCTTY), STDIN_FILENO);
+    for (std::string_view const piece : pieces) {
+        ASSERT_EQ(write(keyboard, piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
+    }
+    char secret[32];
+    readPrivate("", secret, sizeof(secret));
+    EXPECT_EQ(std::string_view(secret).find(pieces[1]), pieces[0].size());
+    explicit_bzero(secret, sizeof(secret));
+
+    std::ifstream maps("/proc/self/maps");
+    std::ifstream memory("/proc/self/mem");
+    for (std::string line; std::getline(maps, line);) {
+        std::size_t start = 0, end = 0;
+        // What is larger belongs to a sanitizer.
+        if (std::sscanf(line.c_str(), "%zx-%zx rw", &start, &end) == 2 && end - start < 1 << 28) {
+            std::string part(end - start, '\0');
+            memory.seekg(static_cast<std::streamoff>(start));
+            memory.read(part.data(), static_cast<std::streamsize>(part.size()));
+            memory.clear();
+            for (std::size_t at = 0; (at = part.find(pieces[0], at)) != std::string::npos; ++at) {
+                EXPECT_NE(part.compare(at + pieces[0].size(), pieces[1].size(), pieces[1]), 0) << line;
+            }
+        }
+    }
+}
+
+// At a terminal nothing shows of the secret, and the terminal echoes again whatever the end. An ignored signal is none.
 TEST(Login, PromptIsSilent) {
-    for (bool const interrupted : {false, true}) {
+    for (int const interrupted : {0, SIGINT, SIGALRM, SIGABRT, SIGRTMAX}) {
         SCOPED_TRACE(interrupted);
-        std::vector<Step> const script = interrupted ? std::vector<Step>() : std::vector{loggingIn("secret")};
+        std::vector<Step> const script =
+            interrupted != 0 ? std::vector<Step>() : std::vector{loggingIn("secret")};
         ScriptedDaemon daemon(script);
-        Command command = tool({"-p", std::to_string(daemon.port()), "login", "me"});
-        command.kind = Input::terminal;
-        Process process(command);
+        std::string const run = "trap '' USR1; exec " SDKCLI_PATH " -p " + std::to_string(daemon.port());
+        Process process(
+            {.path = "/bin/sh", .argv = {"sh", "-c", run + " login me"}, .kind = Input::terminal});
         process.waitForOutput("Enter password : ");
         process.waitForEcho(false);
-        if (interrupted) {
-            process.signal(SIGINT);
+        process.signal(SIGUSR1);
+        if (interrupted != 0) {
+            process.signal(interrupted);
         } else {
             process.type("secret\n");
         }
         Outcome const& outcome = process.wait();
         process.waitForEcho(true);
-        EXPECT_EQ(outcome.status, interrupted ? -SIGINT : 0);
-        EXPECT_EQ(outcome.out, "Enter password : " + (interrupted ? "" : loggedIn));
+        EXPECT_EQ(outcome.status, -interrupted);
+        EXPECT_EQ(outcome.out, "Enter password : " + (interrupted != 0 ? "" : loggedIn));
         EXPECT_EQ(outcome.terminal, "");
     }
+}
+
+// A shell's job is stopped by a key, continued in the background, where its reading stops it, and in the foreground.
+TEST(Login, PromptEchoesWhileItIsStopped) {
+    ScriptedDaemon daemon({loggingIn("secret")});
+    std::string const run =
+        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key; fg";
+    Process process(
+        {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .kind = Input::terminal});
+    process.waitForOutput("Enter password : ");
+    for (std::string const stop : {"one\n", "two\n", "three\n"}) {
+        if (stop != "two\n") {
+            process.waitForEcho(false);
+            process.type("\x1a");
+        }
+        process.waitForOutput(stop);
+        process.waitForEcho(true);
+        process.type("\n");
+    }
+    process.waitForEcho(false);
+    process.type("secret\n");
+    Outcome const& outcome = process.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out.substr(outcome.out.size() - loggedIn.size()), loggedIn);
+    EXPECT_EQ(outcome.terminal.find("secret"), std::string::npos);
+    EXPECT_EQ(daemon.finish(), "");
 }
