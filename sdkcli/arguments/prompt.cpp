@@ -140,10 +140,7 @@ private:
     void catchSignal(int signal) {
         struct sigaction action {};
         action.sa_handler = handlerOf(signal);
-        action.sa_flags = SA_RESTART;
-        if (action.sa_handler == echoAndEnd) {
-            action.sa_flags |= static_cast<int>(SA_RESETHAND);
-        }
+        action.sa_flags = action.sa_handler == echoAndEnd ? static_cast<int>(SA_RESETHAND) : 0;
         sigfillset(&action.sa_mask);
         caught[signal] = action.sa_handler != nullptr && sigaction(signal, nullptr, &previous[signal]) == 0 &&
                          previous[signal].sa_handler == SIG_DFL && sigaction(signal, &action, nullptr) == 0;
@@ -163,7 +160,7 @@ std::size_t readLine(char* buffer, std::size_t capacity, bool isTerminal) {
     for (bool ended = false; !ended;) {
         ssize_t const size = read(STDIN_FILENO, piece, most);
         if (size < 0 && errno == EINTR) {
-            continue;
+            continue; // the process was stopped
         }
         ended = size <= 0;
         for (ssize_t i = 0; i < size && !ended; ++i, ++length) {
