@@ -7,10 +7,18 @@
 
 namespace kelvaris::localization {
 
+namespace {
+
+NeverDestroyed<std::vector<TranslationTable const*>> tables;
+NeverDestroyed<std::string> base{"en"};
+NeverDestroyed<std::string> used{"en"};
+
+} // namespace
+
 std::mutex translationTablesMutex;
-std::vector<TranslationTable const*> translationTables;
-std::string baseLanguage = "en";
-std::string usedLanguage = "en";
+std::vector<TranslationTable const*>& translationTables = tables.object;
+std::string& baseLanguage = base.object;
+std::string& usedLanguage = used.object;
 
 namespace {
 

@@ -6,9 +6,21 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kelvaris::localization {
+
+// An object with static storage that a thread may still use while the process ends.
+template <class T> union NeverDestroyed {
+    template <class... Arguments>
+    explicit NeverDestroyed(Arguments&&... arguments) : object(std::forward<Arguments>(arguments)...) {}
+    NeverDestroyed(NeverDestroyed const&) = delete;
+    NeverDestroyed& operator=(NeverDestroyed const&) = delete;
+    ~NeverDestroyed() {}
+
+    T object;
+};
 
 // From language code to key to text.
 using TranslationTable = std::map<std::string, std::map<std::string, std::string>>;
@@ -17,12 +29,12 @@ using TranslationTable = std::map<std::string, std::map<std::string, std::string
 extern std::mutex translationTablesMutex;
 
 // The registered tables, not owned, in order of registration.
-extern std::vector<TranslationTable const*> translationTables;
+extern std::vector<TranslationTable const*>& translationTables;
 
 // The language asked for first, and the one of last resort within a table. A program that wants another
 // language assigns it before the first look-up: nothing guards a later change.
-extern std::string baseLanguage;
-extern std::string usedLanguage;
+extern std::string& baseLanguage;
+extern std::string& usedLanguage;
 
 // Appends a table, which has to outlive every look-up. One that is registered already stays in its place.
 void registerTranslationTable(TranslationTable const* table);

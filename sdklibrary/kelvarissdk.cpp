@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -47,6 +49,23 @@ KelvarisSDK::~KelvarisSDK() {
     --instances;
 }
 
+bool KelvarisSDK::isInherited() const {
+    return websocket && websocket->isInherited();
+}
+
+// What the fork interrupted can't be freed. It stays within reach, so that nobody takes it for a leak.
+void KelvarisSDK::destroyInherited(KelvarisSDK* sdk) {
+    static std::atomic<KelvarisSDK*> kept = nullptr;
+    if (sdk->websocket->forgetThread() && sdk->statsLock.try_lock()) {
+        sdk->statsLock.unlock();
+        ::new (&sdk->statsThread) std::thread;
+        ::new (&sdk->statsChanged) std::condition_variable;
+        delete sdk;
+    } else {
+        sdk->nextKept = kept.exchange(sdk);
+    }
+}
+
 bool KelvarisSDK::startStatsThread() {
     if (statsThread.joinable()) {
         return true;
@@ -71,7 +90,11 @@ void KelvarisSDK::statsEnabledRunner() {
         } else if (nextRepeat && now < *nextRepeat) {
             statsChanged.wait_for(lock, std::chrono::milliseconds(*nextRepeat - now));
         } else {
-            enableStatUpdates(true, 0, nullptr);
+            try {
+                sendStatSubscription(true, 0, nullptr);
+            } catch (std::exception const&) {
+                // Without memory this repeat is left out, and the next one comes in its time.
+            }
             nextRepeat = now + statsRepeatMs;
         }
     }

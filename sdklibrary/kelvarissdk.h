@@ -26,6 +26,12 @@ public:
     KelvarisSDK(KelvarisSDK const&) = delete;
     KelvarisSDK& operator=(KelvarisSDK const&) = delete;
 
+    // True in a process that was forked off while the object existed: link and threads are the parent's. Nothing but
+    // destroyInherited() may be done with the object then.
+    bool isInherited() const;
+    // Waits for nothing and leaves the parent's connection alone.
+    static void destroyInherited(KelvarisSDK* sdk);
+
     // The objects that live, in all of the process.
     static std::atomic<int> instances;
 
@@ -261,17 +267,21 @@ public:
 protected: // tests make objects without a link
     // Repeats the subscription to statistics while it is wanted; the body of statsThread.
     void statsEnabledRunner();
-    // Starts that thread with the first subscription. False: it can't be started. The caller holds statsLock.
+    // Each is called with statsLock held. The first starts that thread with the first subscription; false: it can't be
+    // started. The second sends a subscription or its end.
     bool startStatsThread();
+    void sendStatSubscription(bool enable, unsigned char periodCount, unsigned int const* periods);
 
-    std::recursive_mutex statsLock; // recursive: the runner calls enableStatUpdates. Held while that sends
-    bool statsEnabled = false;      // guarded by statsLock, as is the next; the subscription is wanted
-    bool statsRunnerActive = true;  // the runner shall go on; false for good once the object ends
-    std::condition_variable_any statsChanged; // one of the two flags
+    std::mutex statsLock;                 // held while a subscription is sent
+    bool statsEnabled = false;            // guarded by statsLock, as is the next; the subscription is wanted
+    bool statsRunnerActive = true;        // the runner shall go on; false for good once the object ends
+    std::condition_variable statsChanged; // one of the two flags
 
     // Constant after construction.
     char appName[32];
     std::unique_ptr<WebsocketImpl> websocket; // no method starts a call without it
+
+    KelvarisSDK* nextKept = nullptr; // of those that destroyInherited() had to leave as they were
 
     // Guarded by statsLock until the destructor joins it. It stands last because it uses all of the above.
     std::thread statsThread;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include <kelvarissdk/csdkinterface.h>
@@ -165,19 +166,27 @@ NameBuffer serverInfo_buffer_country;
 NameBuffer serverInfo_buffer_city;
 NameBuffer serverInfo_buffer_fullName;
 
-} // namespace
-
-char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
+char const* setCountryName(KelvarisSDK_ServerInformation const& info) {
     return serverInfo_buffer_country.set(kelvarissdk::getCountry(kelvarissdk::textIn(info, info.country)));
 }
 
-char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
+char const* setCityName(KelvarisSDK_ServerInformation const& info) {
     return serverInfo_buffer_city.set(kelvarissdk::getCity(kelvarissdk::textIn(info, info.city)));
 }
 
-char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
-    std::string name = KelvarisSDK_ServerInformation_GetCountryName(info);
-    std::string const city = KelvarisSDK_ServerInformation_GetCityName(info);
+// Null when memory runs out.
+template <class Name> char const* textOrNull(Name name) {
+    try {
+        return name();
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
+}
+
+// Fills the two buffers of the parts as well.
+char const* setFullName(KelvarisSDK_ServerInformation const& info) {
+    std::string name = setCountryName(info);
+    std::string const city = setCityName(info);
     if (!city.empty()) {
         name += " - " + city;
     }
@@ -185,6 +194,20 @@ char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation
         name += " #" + std::to_string(info.num);
     }
     return serverInfo_buffer_fullName.set(name);
+}
+
+} // namespace
+
+char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info) {
+    return textOrNull([&] { return setCountryName(info); });
+}
+
+char const* KelvarisSDK_ServerInformation_GetCityName(KelvarisSDK_ServerInformation info) {
+    return textOrNull([&] { return setCityName(info); });
+}
+
+char const* KelvarisSDK_ServerInformation_toString(KelvarisSDK_ServerInformation info) {
+    return textOrNull([&] { return setFullName(info); });
 }
 
 char const* KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDetailed info) {

@@ -14,6 +14,7 @@
 #include <poll.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
@@ -40,15 +41,6 @@ string pattern(std::size_t size) {
 
 std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
-// All that comes until the end of the stream.
-string readAll(int socket) {
-    string text;
-    for (char byte = 0; ::recv(socket, &byte, 1, 0) == 1;) {
-        text += byte;
-    }
-    return text;
 }
 
 string upgradeRequest(string const& target, string const& host, string const& originLine = "") {
@@ -141,15 +133,16 @@ protected:
 
     // The next bytes that the client sends, or those that come before the end.
     string take(std::size_t size) {
-        string text(size, '\0');
-        std::size_t done = 0;
-        for (ssize_t result = 1; done < size && result > 0; done += static_cast<std::size_t>(result)) {
+        string text;
+        char chunk[65536];
+        for (ssize_t result = 1; text.size() < size && result > 0;) {
             client->poll(0);
             pollfd readable{peer, POLLIN, 0};
             ::poll(&readable, 1, -1);
-            result = std::max<ssize_t>(0, ::recv(peer, &text[done], size - done, MSG_DONTWAIT));
+            result = ::recv(peer, chunk, std::min(sizeof chunk, size - text.size()), MSG_DONTWAIT);
+            text.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(0, result)));
         }
-        return text.substr(0, done);
+        return text;
     }
 
     int listener = -1;
@@ -162,18 +155,16 @@ protected:
 TEST_F(EasyWsClient, SendsTheUpgradeRequest) {
     string const path(127 - url.size(), 'p');
     string const origin(199, 'o');
-    struct {
-        string url, origin, expected;
-    } const rows[] = {
+    string const rows[][3] = {
         {"ws://" + host, "", upgradeRequest("/", host)},
         {url + "a/b?c", "x", upgradeRequest("/a/b?c", host, "Origin: x\r\n")},
         {url + path, origin, upgradeRequest("/" + path, host, "Origin: " + origin + "\r\n")},
     };
     int const next = ::dup(0); // the number that the client's descriptor will have
     ::close(next);
-    for (auto const& row : rows) {
-        ASSERT_TRUE(open({upgraded}, false, row.url, row.origin)) << row.url;
-        EXPECT_EQ(row.expected, request);
+    for (auto const& [target, from, expected] : rows) {
+        ASSERT_TRUE(open({upgraded}, false, target, from)) << target;
+        EXPECT_EQ(expected, request);
         EXPECT_EQ(FD_CLOEXEC, ::fcntl(next, F_GETFD));
         int noDelay = 0;
         socklen_t size = sizeof noDelay;
@@ -208,10 +199,7 @@ TEST_F(EasyWsClient, RefusesWithoutConnecting) {
 
 TEST_F(EasyWsClient, JudgesTheAnswer) {
     string const status = "HTTP/1.1 101 ";
-    struct {
-        string answer;
-        bool accepted;
-    } const rows[] = {
+    std::pair<string, bool> const rows[] = {
         {status + "\r\n\r\n", true},
         {status + string(239, 's') + "\r\n\r\n", true}, // 254 bytes with its end
         {status + string(240, 's') + "\r\n\r\n", false},
@@ -223,8 +211,8 @@ TEST_F(EasyWsClient, JudgesTheAnswer) {
         {"HTTP/1.0 101 Switching\r\n\r\n", false},
         {status + "\r\n" + string(100'000, 'h'), false},
     };
-    for (auto const& row : rows) {
-        EXPECT_EQ(row.accepted, open({row.answer}, true)) << row.answer.substr(0, 40);
+    for (auto const& [answer, accepted] : rows) {
+        EXPECT_EQ(accepted, open({answer}, true)) << answer.substr(0, 40);
     }
 }
 
@@ -260,7 +248,7 @@ TEST_F(EasyWsClient, SendsEveryForm) {
     EXPECT_EQ(WebSocket::CLOSED, client->getReadyState());
     EXPECT_EQ(maskedFrame(0x82, "a\0b"s) + maskedFrame(0x82, "\0\xFF\xA7"s) + maskedFrame(0x89, "") +
                   closeFrame,
-              readAll(peer));
+              take(SIZE_MAX));
 }
 
 TEST_F(EasyWsClient, QueuesForAPeerThatDoesNotRead) {
@@ -280,6 +268,47 @@ TEST_F(EasyWsClient, QueuesForAPeerThatDoesNotRead) {
     received += take(expected.size() - received.size());
     EXPECT_TRUE(expected == received);
     EXPECT_EQ(0U, client->unsentBytes());
+}
+
+// What the kernel has taken and the pong that has begun to leave go on, and the latest is always among those that are
+// left.
+TEST_F(EasyWsClient, DropsPongsThatWait) {
+    ASSERT_TRUE(open());
+    auto const numbered = [](int number) {
+        return std::string(100, 'p') + std::to_string(10'000'000 + number);
+    };
+    int last = 0;
+    std::size_t most = 0;
+    for (int afterBlocked = 0; afterBlocked < 20;) {
+        string pings;
+        for (int i = 0; i < 100; ++i) {
+            pings += frame(0x89, numbered(++last));
+        }
+        give(pings);
+        client->poll(0);
+        afterBlocked += client->unsentBytes() > 0 ? 1 : 0;
+        most = std::max(most, client->unsentBytes());
+    }
+    EXPECT_GT(most, 60'000U);
+    EXPECT_LT(most, 67'000U);
+    client->send("end");
+    string const end = maskedFrame(0x8A, numbered(last)) + maskedFrame(0x81, "end");
+    string received;
+    for (int ready = 0; !received.ends_with(end);) {
+        ::ioctl(peer, FIONREAD, &ready);
+        received += take(static_cast<std::size_t>(std::max(ready, 1)));
+    }
+    std::size_t place = 0;
+    int pongs = 0;
+    for (int number = 1; number <= last; ++number) {
+        string const pong = maskedFrame(0x8A, numbered(number));
+        if (received.compare(place, pong.size(), pong) == 0) {
+            place += pong.size();
+            ++pongs;
+        }
+    }
+    EXPECT_LT(pongs, last);
+    EXPECT_TRUE(received.substr(place) == maskedFrame(0x81, "end")) << pongs << " of " << last;
 }
 
 TEST_F(EasyWsClient, ReceivesEveryFormAndSize) {
@@ -324,7 +353,7 @@ TEST_F(EasyWsClient, EndsOnACloseFrameAndOnUnknownOnes) {
         EXPECT_EQ(Messages{"behind"}, messages) << opcode;
         client->poll(-1);
         EXPECT_EQ(WebSocket::CLOSED, client->getReadyState());
-        EXPECT_EQ(closeFrame, readAll(peer));
+        EXPECT_EQ(closeFrame, take(SIZE_MAX));
     }
 }
 

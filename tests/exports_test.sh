@@ -8,9 +8,8 @@ exported=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
 declared=$(cat "$2"/kelvarissdk/*.h | grep -v '^#' | tr '\n' ' ' | grep -oE 'KELVARISSDK_API [^;]*;' |
     sed -E 's/^[^(]*(KelvarisSDK_[A-Za-z0-9_]+)\(.*/\1/' | sort)
 
-if ! difference=$(diff <(echo "$exported") <(echo "$declared")); then
-    echo "< is exported and not declared, > is declared and not exported:"
-    echo "$difference"
+if ! diff <(echo "$exported") <(echo "$declared"); then
+    echo "< is exported and not declared, > is declared and not exported"
     exit 1
 fi
 undocumented=$(awk '
@@ -36,5 +35,4 @@ if [ -n "${3-}" ]; then
     self_contained "$1" "$own|libgcc_s\.so\.1"
     self_contained "$3" "$own"
 fi
-count=$(wc -l <<<"$exported")
-echo "$count functions"
+echo "$(wc -l <<<"$exported") functions"

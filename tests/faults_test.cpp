@@ -1,10 +1,9 @@
 // Faults on the link that concern the whole library, daemons that stop and come back, and how the tool ends
 // where its output leads nowhere.
 
-#include "support/handle.h"
-#include "support/rows.h"
 #include "support/sdk.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <csignal>
 #include <future>
@@ -45,11 +44,8 @@ TEST(Faults, LossThatSendingShowsIsNotWaitedOut) {
     link->getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
         entered.set_value();
         dropped.get_future().wait();
-        EventDescription lost;
-        lost.timeoutMs = 60'000;
-        WebsocketImpl::waitForEvent(lost, "nothing");
-        WebsocketImpl::sendRequest(lost, "lost");
-        link->getResult(lost, [](auto const&, auto const&, auto const&) { return true; });
+        EventDescription lost = awaiting("nothing", 60'000, {"lost"});
+        link->getResult(lost, [](auto&&...) { return true; });
         return true;
     });
     daemon.waitForConnections(1);

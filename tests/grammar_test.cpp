@@ -2,9 +2,8 @@
 
 #include "actions.h"
 #include "grammar.h"
-#include "support/rows.h"
 #include "support/simulator.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -13,10 +12,9 @@
 #include <regex>
 #include <set>
 
-namespace {
+using namespace harness;
 
-using harness::Outcome;
-using harness::Words;
+namespace {
 
 Words matches(std::string const& text, std::string const& pattern) {
     std::regex const expression(pattern);
@@ -32,7 +30,7 @@ bool has(Words const& words, std::string const& word) {
 }
 
 std::string manPage(std::string const& program) {
-    return std::regex_replace(harness::source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
+    return std::regex_replace(source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
 }
 
 // What the usage lines say may stand behind the words typed; "*" is any word.
@@ -114,47 +112,41 @@ TEST(Grammar, EveryWordIsInTheManPage) {
     }
 }
 
-// What bash offers behind each of these command lines, in the same order.
-Words offeredByBash(Words const& commandLines) {
+// What bash offers behind the options and each of the words typed, which are the keys. A "*" is any word.
+template <class T>
+std::map<std::string, std::string> offeredByBash(std::string const& options,
+                                                 std::map<std::string, T> const& keys) {
     std::string script = "COMP_WORDBREAKS=:\nsource " COMPLETIONS "sdkcli.bash\n"
                          "offer() { COMP_WORDS=(\"$@\" '') COMP_CWORD=$# COMP_LINE=\"$* \"\n"
                          "_sdkcli " SDKCLI_PATH "\necho \" ${COMPREPLY[*]} \"; }\n";
-    for (std::string const& line : commandLines) {
-        script += "offer sdkcli " + line + '\n';
+    for (auto const& [typed, ignored] : keys) {
+        script += "offer sdkcli " + options + std::regex_replace(typed, std::regex("\\*"), "x") + '\n';
     }
-    Outcome const outcome = harness::runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
+    Outcome const outcome = runProcess({"/bin/bash", {"bash", "--norc", "-c", script}});
     EXPECT_EQ(outcome.err, "");
-    Words offered = matches(outcome.out, "[^\n]+");
-    EXPECT_EQ(offered.size(), commandLines.size());
-    offered.resize(commandLines.size());
+    Words lines = matches(outcome.out, "[^\n]+");
+    EXPECT_EQ(lines.size(), keys.size());
+    std::map<std::string, std::string> offered;
+    for (auto const& [typed, ignored] : keys) {
+        offered[typed] = lines.at(offered.size());
+    }
     return offered;
 }
 
-TEST(Grammar, EveryWordIsCompleted) {
-    std::string const zsh = harness::contents(COMPLETIONS "sdkcli.zsh");
-    std::string const fish = harness::contents(COMPLETIONS "sdkcli.fish");
+TEST(Grammar, EveryWordIsCompletedByBash) {
     std::map<std::string, Words> const behind = behindTyped();
-    Words commandLines;
-    for (auto const& [typed, offers] : behind) {
-        commandLines.push_back("-p 1 " + std::regex_replace(typed, std::regex("\\*"), "x"));
-    }
-    Words const offered = offeredByBash(commandLines);
-    auto line = offered.begin();
+    auto const offered = offeredByBash("-p 1 ", behind);
     for (auto const& [typed, offers] : behind) {
         for (std::string const& offer : offers) {
-            EXPECT_NE(line->find(' ' + offer + ' '), line->npos) << "bash: " << typed << ' ' << offer;
-            EXPECT_TRUE(std::regex_search(zsh, std::regex(" '" + offer + "[:']"))) << "zsh: " << offer;
-            EXPECT_TRUE(std::regex_search(fish, std::regex("echo " + offer + "[\\\\\n]")))
-                << "fish: " << offer;
+            EXPECT_NE(offered.at(typed).find(' ' + offer + ' '), std::string::npos) << typed << ' ' << offer;
         }
-        ++line;
     }
 }
 
 // What the tool prints of this simulated daemon.
-Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
+Json::Value shown(Simulator const& daemon, std::string const& line) {
     std::string const words = "-p " + std::to_string(daemon.port) + ' ' + line;
-    Outcome const outcome = harness::runProcess(harness::tool(harness::split(words)));
+    Outcome const outcome = runProcess(tool(split(words)));
     EXPECT_EQ(outcome.status, 0) << "with the simulated daemon: " << line << '\n' << outcome.err;
     Json::Value document;
     EXPECT_TRUE(Json::Reader().parse(outcome.out, document)) << line;
@@ -162,7 +154,7 @@ Json::Value shown(harness::Simulator const& daemon, std::string const& line) {
 }
 
 TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     shown(daemon, "firewall domains set a.example b.example");
     shown(daemon, "firewall ports set 443 53/udp");
     shown(daemon, "streamingbypass ipv6 set fe80::1");
@@ -175,23 +167,15 @@ TEST(Grammar, CompletionOffersWhatTheDaemonHolds) {
         {"connect us nyc", " 1 2 3 4 5 "},
         {"captiveportal login off", "  "},
     };
-    Words commandLines;
-    for (auto const& [typed, offers] : expected) {
-        commandLines.push_back("-i 127.0.0.1 -p " + std::to_string(daemon.port) + ' ' + typed);
-    }
-    Words const offered = offeredByBash(commandLines);
-    auto line = offered.begin();
-    for (auto const& [typed, offers] : expected) {
-        EXPECT_EQ(*line++, offers) << typed;
-    }
+    EXPECT_EQ(offeredByBash("-i 127.0.0.1 -p " + std::to_string(daemon.port) + ' ', expected), expected);
 }
 
 // Each choice of a setting shows in one printed key, which is no other setting's. Other words are refused.
 TEST(Grammar, EverySettingShowsInItsKey) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     Words lines(std::begin(helpLines), std::end(helpLines));
     lines.insert(lines.end(), std::begin(unlistedLines), std::end(unlistedLines));
-    std::string const refusals = harness::golden("transcripts/refusals.txt");
+    std::string const refusals = golden("transcripts/refusals.txt");
     std::map<std::string, std::string> settings;
     for (auto const& [typed, offers] : behindTyped()) {
         std::string line = typed + " <";
@@ -223,7 +207,7 @@ TEST(Grammar, EverySettingShowsInItsKey) {
 }
 
 TEST(Grammar, EveryShownKeyIsInTheManPage) {
-    harness::Simulator const daemon;
+    Simulator const daemon;
     std::string const page = manPage("sdkcli");
     for (Keyword const& keyword : showKeywords) {
         std::string const text = shown(daemon, std::string("show ") + keyword.word).toStyledString();
@@ -236,13 +220,13 @@ TEST(Grammar, EveryShownKeyIsInTheManPage) {
 
 TEST(Grammar, EveryOptionOfTheSimulatorIsDocumentedAndCompleted) {
     Words const options =
-        matches(harness::runProcess({SIMULATOR_PATH, {"kelvarissim", "--help"}}).out, "\n  --[a-z-]+");
+        matches(runProcess({SIMULATOR_PATH, {"kelvarissim", "--help"}}).out, "\n  --[a-z-]+");
     EXPECT_GT(options.size(), 5U);
     for (std::string const& option : options) {
         std::string const name = option.substr(3);
         EXPECT_TRUE(std::regex_search(manPage("kelvarissim"), std::regex("\n\\.B[IR]* " + name + "[ \n]")))
             << name;
-        EXPECT_TRUE(has(words(harness::contents(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
+        EXPECT_TRUE(has(words(contents(COMPLETIONS "kelvarissim.bash")), name)) << "bash: " << name;
     }
 }
 

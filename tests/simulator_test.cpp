@@ -8,9 +8,8 @@
 // Times of the day are starred out.
 
 #include "easywsclient.h"
-#include "support/rows.h"
 #include "support/simulator.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <deque>
@@ -39,16 +38,13 @@ public:
     // The next report, or why there is none.
     std::string next() {
         bool isClosing = false;
-        for (; reports.empty() && socket->getReadyState() != WebSocket::CLOSED; --patienceLeft) {
-            if (patienceLeft <= 0) {
-                return "nothing";
-            }
+        while (reports.empty() && socket->getReadyState() != WebSocket::CLOSED && --patienceLeft > 0) {
             isClosing = socket->getReadyState() == WebSocket::CLOSING;
             socket->poll(20);
             socket->dispatch([this](std::string const& report) { reports.push_back(report); });
         }
         if (reports.empty()) {
-            return isClosing ? "close frame" : "dropped";
+            return patienceLeft <= 0 ? "nothing" : isClosing ? "close frame" : "dropped";
         }
         std::string const report = reports.front();
         reports.pop_front();

@@ -2,9 +2,8 @@
 // two steps of a start of safe browsing.
 
 #include "jsonprinter.h"
-#include "support/handle.h"
-#include "support/rows.h"
 #include "support/sdk.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <atomic>
@@ -19,14 +18,8 @@ using namespace harness;
 
 namespace {
 
-// A run of "stats": five requests, the subscription and its first repeat, which has no periods; the end is a
-// step more.
-std::vector<Step> statsRun(std::string const& subscription = R"({"enable":true})") {
-    return {{.request = "request_current_state"},    {.request = "request_networks"},
-            {.request = "request_connection_stats"}, {.request = "request_session_stats"},
-            {.request = "request_streaming_stats"},  {"stat_subscribe", subscription},
-            {"stat_subscribe", R"({"enable":true})"}};
-}
+std::string const unreadable =
+    styled(R"({"errorCode":3840,"errorType":"An error in the SDK","errorMessage":"Error from SDK"})");
 
 // The listeners ask for nothing, so nothing tells when they are in place: the events are sent again and again
 // until the tool has printed both, each whole: the last line of a document comes with the next one. A run of two
@@ -64,61 +57,6 @@ void testStream(std::string const& words, std::string const& event, std::string 
 }
 
 } // namespace
-
-// The start of safe browsing has a time-out for each step.
-TEST(Streams, WithoutAnAnswer) {
-    Row silence = row("stats 1 4294967295", statsRun(R"({"enable":true,"periods":[4294967295]})"), "");
-    silence.exchange.push_back({"stat_subscribe", R"({"enable":false})"});
-    for (int i = 0; i < 5; ++i) {
-        silence.err += "[\"error\",\n" + timedOut + "]\n\n";
-    }
-    Row start = failing(
-        "safebrowsing start c",
-        {{"enable_safe_browsing", R"({"enable":true})"}, {"initialize_safe_browsing", R"({"config":"c"})"}},
-        timedOut);
-    silence.clock = start.clock = 10;
-    runRowsInParallel({silence, start});
-}
-
-// A full disk ends an endless run too.
-TEST(Streams, OutputThatCantBeWritten) {
-    std::vector<Step> const once = {asked("current_state", R"({"state":2})")};
-    std::vector<Step> endless = statsRun();
-    endless.back().answers = {state(6)};
-    endless.push_back({"stat_subscribe", R"({"enable":false})"});
-    for (std::string const words : {"state >/dev/full", "state >&-", "stats -1 >/dev/full"}) {
-        SCOPED_TRACE(words);
-        ScriptedDaemon daemon(words.starts_with("stats") ? endless : once);
-        std::string const run = SDKCLI_PATH " -p " + std::to_string(daemon.port()) + ' ' + words;
-        Outcome const outcome = runProcess({.path = "/bin/sh", .argv = {"sh", "-c", run}});
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err, "sdkcli: can't write to standard output\n");
-    }
-}
-
-// The subscription is repeated every 45 s and not with every tick of the 250 ms between two looks at the clock.
-// 0 seconds have no end.
-TEST(Stats, EndlessRunRepeatsItsSubscription) {
-    int const clock = 25;
-    std::vector<Step> script = statsRun();
-    script[0].answers = {state(6)};
-    script.push_back({"stat_subscribe", R"({"enable":true})", {state(2)}});
-    ScriptedDaemon daemon(script);
-    Command command = tool({"-p", std::to_string(daemon.port()), "stats", "0"});
-    command.clock = clock;
-    Process process(command);
-    for (int i = 0; i < 2; ++i) {
-        daemon.waitForRequest("stat_subscribe");
-    }
-    auto const start = std::chrono::steady_clock::now();
-    daemon.waitForRequest("stat_subscribe");
-    auto const passed = clock * (std::chrono::steady_clock::now() - start);
-    EXPECT_GT(passed, std::chrono::seconds(43));
-    EXPECT_LT(passed, std::chrono::seconds(50));
-    process.waitForOutput("LOGGED_IN");
-    process.signal(SIGTERM);
-    EXPECT_EQ(process.wait().status, -SIGTERM);
-}
 
 // The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
 // pause. The answers give it the time of two ticks in the pause and of two behind it.
@@ -213,6 +151,7 @@ TEST(SafeBrowsing, Streams) {
                                                                     host + R"(","host":")" + host + "\"}");
     std::string const payload = R"({"error":-7,"safebro_msg":")" + message + R"(M","host":")" + host + "H\"}";
     testStream("errors 2", "safe_browsing_lookup_error", payload, error, false);
+    testStream("errors 0", "safe_browsing_lookup_error", payload, error, true);
     testStream("errors -1", "safe_browsing_lookup_error", payload, error, true);
     std::string const block = R"({"redirected":true,"host":"h"})";
     testStream("redirects", "safe_browsing_block", block, "[\"safebrowsing_block\",\n" + styled(block), true);

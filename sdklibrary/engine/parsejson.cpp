@@ -1,29 +1,60 @@
 #include "parsejson.h"
 
 #include <cstdio>
+#include <cstring>
+#include <new>
+#include <optional>
 
 namespace kelvarissdk {
+
+namespace {
+
+// What jsoncpp throws for a text that is nested too deeply.
+bool isTooDeep(std::exception const& failure) {
+    return std::strstr(failure.what(), "stackLimit") != nullptr;
+}
 
 // This reader of jsoncpp refuses what strict JSON refuses, a trailing comma for example; its successor doesn't.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-void parseJson(Json::Value& value, std::string const& text) {
+// Returns what is wrong with the text, or nothing.
+std::optional<std::string> problemOf(Json::Value& value, std::string const& text) {
     // Making a reader costs more than parsing a small report, so each thread keeps one.
     thread_local Json::Reader reader;
-    std::string problem;
-    try {
-        if (reader.parse(text.data(), text.data() + text.size(), value, false)) {
-            return;
-        }
-        problem = reader.getFormattedErrorMessages();
-    } catch (Json::Exception const& tooDeep) {
-        problem = tooDeep.what();
-        value = Json::Value();
+    char const* const end = text.data() + text.size();
+    // A number is read through a stream, which takes memory that runs out for a number that isn't one: the second look
+    // tells.
+    if (reader.parse(text.data(), end, value, false) || reader.parse(text.data(), end, value, false)) {
+        return std::nullopt;
     }
-    std::fprintf(stderr, "Failed to parse JSON: %s\n", problem.c_str());
-    std::fprintf(stderr, "JSON was: %s\n", text.c_str());
+    return reader.getFormattedErrorMessages();
 }
 #pragma GCC diagnostic pop
+
+} // namespace
+
+void parseJson(Json::Value& value, std::string const& text) {
+    std::optional<std::string> problem;
+    try {
+        problem = problemOf(value, text);
+        if (!problem) {
+            return;
+        }
+    } catch (Json::Exception const& failure) {
+        if (!isTooDeep(failure)) {
+            throw std::bad_alloc();
+        }
+        problem = failure.what();
+        value = Json::Value();
+    }
+    std::fprintf(stderr, "Failed to parse JSON: %s\n", problem->c_str());
+    std::fprintf(stderr, "JSON was: %s\n", text.c_str());
+}
+
+bool isOutOfMemory(std::exception const& failure) {
+    return dynamic_cast<std::bad_alloc const*>(&failure) != nullptr ||
+           dynamic_cast<Json::RuntimeError const*>(&failure) != nullptr;
+}
 
 Json::Value const& payloadOf(Json::Value const& message) {
     return message.isArray() ? message[1U] : Json::Value::nullSingleton();

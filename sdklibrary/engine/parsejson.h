@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <exception>
 #include <string>
 
 #include <json/json.h>
@@ -9,10 +10,14 @@
 namespace kelvarissdk {
 
 // Parses a daemon message. A text that isn't valid JSON prints two lines on standard error; the value keeps
-// what the reader left in it.
+// what the reader left in it, and is null where the text is nested too deeply. Memory that runs out throws
+// std::bad_alloc.
 void parseJson(Json::Value& value, std::string const& text);
 
 // Element 1 of a message, null where there is none.
 Json::Value const& payloadOf(Json::Value const& message);
+
+// Tells memory that ran out, for which jsoncpp has an exception of its own, from other failures.
+bool isOutOfMemory(std::exception const& failure);
 
 } // namespace kelvarissdk

@@ -16,9 +16,9 @@ void setError(KelvarisSDK_BaseResult* result, KelvarisSDK_ErrorType type) {
 
 } // namespace
 
-void setSdkError(KelvarisSDK_BaseResult& result) {
-    setError(&result, KelvarisSDK_ErrorType_SDK);
-    setText(result.errorMessage, "Error from SDK");
+void setSdkError(KelvarisSDK_BaseResult* result) {
+    setError(result, KelvarisSDK_ErrorType_SDK);
+    setText(result->errorMessage, "Error from SDK");
 }
 
 void noWebsocketImplementation(KelvarisSDK_BaseResult* result) {

@@ -7,7 +7,7 @@
 namespace kelvarissdk {
 
 // Fills the head of a record for a failure of the library itself.
-void setSdkError(KelvarisSDK_BaseResult& result);
+void setSdkError(KelvarisSDK_BaseResult* result);
 // Each fills the head of a record with an error type and that type's own text.
 void noWebsocketImplementation(KelvarisSDK_BaseResult* result);
 void invalidArgument(KelvarisSDK_BaseResult* result);

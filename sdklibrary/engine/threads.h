@@ -1,4 +1,4 @@
-// The library's threads.
+// The library's threads, and the processes that its host forks off.
 
 #pragma once
 
@@ -7,7 +7,12 @@
 
 namespace kelvarissdk {
 
-// Starts a thread; failure throws std::system_error with the text "thread constructor failed".
+// Starts a thread that leaves all signals to its host, but those of its own faults. Failure throws std::system_error with
+// the text "thread constructor failed", memory that runs out std::bad_alloc.
 std::thread startThread(std::function<void()> body);
+
+// Differs between a process and those that are forked off from it. Forks are counted from the first call on; memory that
+// runs out in that throws std::bad_alloc.
+unsigned forkGeneration();
 
 } // namespace kelvarissdk

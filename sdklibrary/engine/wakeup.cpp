@@ -4,6 +4,7 @@
 #include <sys/eventfd.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 #include "step.h"
 
@@ -11,9 +12,9 @@ namespace kelvarissdk {
 
 Wakeup::Wakeup() : fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-Wakeup::~Wakeup() {
+void Wakeup::close() {
     if (fd >= 0) {
-        close(fd);
+        ::close(std::exchange(fd, -1));
     }
 }
 

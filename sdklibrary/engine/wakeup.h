@@ -11,7 +11,9 @@ namespace kelvarissdk {
 class Wakeup {
 public:
     Wakeup();
-    ~Wakeup();
+    ~Wakeup() {
+        close();
+    }
     Wakeup(Wakeup const&) = delete;
     Wakeup& operator=(Wakeup const&) = delete;
 
@@ -23,9 +25,11 @@ public:
     void clear();
     // Waits for a signal, at most this long; -1: without limit.
     void wait(int milliseconds) const;
+    // Gives the descriptor back; nothing can be signalled any more.
+    void close();
 
 private:
-    int const fd;
+    int fd;
     std::atomic<bool> signalled = false;
 };
 

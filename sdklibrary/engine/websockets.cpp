@@ -16,8 +16,11 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
+#include <cstring>
+#include <exception>
 #include <iterator>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -53,6 +56,28 @@ bool passesFilter(Json::Value const& members, Json::Value const& payload) {
     return passes;
 }
 
+// What a handler is told of a time-out.
+Json::Value errorMessage(char const* text, KelvarisSDK_ErrorType type) {
+    Json::Value message;
+    message[Keys::_msg] = text;
+    message[Keys::_type] = type;
+    return message;
+}
+
+// Overwrites the texts of a value, which leaves the rest of it as it is.
+void wipe(Json::Value& value) {
+    if (value.isString()) {
+        char const* begin = nullptr;
+        char const* end = nullptr;
+        value.getString(&begin, &end);
+        explicit_bzero(const_cast<char*>(begin), static_cast<std::size_t>(end - begin));
+    } else if (value.isArray() || value.isObject()) {
+        for (Json::Value& element : value) {
+            wipe(element);
+        }
+    }
+}
+
 bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* begin = nullptr;
     char const* end = nullptr;
@@ -72,15 +97,15 @@ class WebsocketImpl::Message {
 public:
     Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
 
-    Json::Value const& parsed() {
+    void parse() {
         if (!isParsed) {
             isParsed = true;
             parseJson(document, text);
         }
-        return document;
     }
 
-    Json::Value const& asItStands() const {
+    // Null as long as nobody has wanted it parsed.
+    Json::Value const& parsed() const {
         return document;
     }
 
@@ -92,11 +117,23 @@ private:
     bool isParsed = false;
 };
 
+Request::Request(std::string ofName, Json::Value withPayload)
+    : name(std::move(ofName)), payload(std::move(withPayload)) {}
+
+Request::~Request() {
+    wipe(payload);
+}
+
 std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
 constinit thread_local bool WebsocketImpl::isInReaderThread = false;
 
 WebsocketImpl::WebsocketImpl(char const* daemonAddress, unsigned short daemonPort)
-    : address(daemonAddress), port(daemonPort), readerThread(startThread([this] { readerRunner(); })) {
+    : generation(forkGeneration()),
+      address(daemonAddress),
+      port(daemonPort),
+      timeoutMessage(errorMessage("Timeout", KelvarisSDK_ErrorType_TIMEOUT)),
+      notConnectedMessage(errorMessage("Unable to connect", KelvarisSDK_ErrorType_NOT_CONNECTED)),
+      readerThread(startThread([this] { readerRunner(); })) {
     // On a processor that both threads share, the reader begins to connect, and the caller prepares its first request
     // while the daemon answers.
     std::this_thread::yield();
@@ -118,22 +155,19 @@ void WebsocketImpl::end() {
     runningChanged.notify_all();
     wakeup.signal();
     readerThread.join();
-    if (ws) {
-        ws->close();
-    }
 }
 
 std::string WebsocketImpl::requestToString(std::string const& request, Json::Value const& payload) {
-    Json::Value envelope(Json::arrayValue);
-    envelope.append(request);
-    envelope.append(payload);
-    envelope.append("kelvaris_sdk");
+    Request envelope{{}, Json::arrayValue};
+    envelope.payload.append(request);
+    envelope.payload.append(payload);
+    envelope.payload.append("kelvaris_sdk");
     // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
     if (!requestWriter) {
         requestWriter.reset(Json::StreamWriterBuilder().newStreamWriter());
     }
     std::ostringstream text;
-    requestWriter->write(envelope, &text);
+    requestWriter->write(envelope.payload, &text);
     text << '\n';
     if (!text) {
         throw std::bad_alloc(); // a stream keeps it to itself and would leave half a request
@@ -216,12 +250,11 @@ void WebsocketImpl::removeCallback(unsigned long long id) {
 
 void WebsocketImpl::readerRunner() {
     isInReaderThread = true;
-    std::string const url = "ws://" + address + ":" + std::to_string(port) + "/";
     // A request queued just before the end still leaves: the first pass connects and sends before it looks
     // whether to go on.
     do {
         if (!ws) {
-            connect(url);
+            connect();
         }
         if (!ws) {
             waitForEnd(reconnectMs);
@@ -234,10 +267,16 @@ void WebsocketImpl::readerRunner() {
     } while (sweepAndGoOn());
 }
 
-void WebsocketImpl::connect(std::string const& url) {
-    ws.reset(easywsclient::WebSocket::from_url(url, "easywsclient://"));
+// Without memory it fails like any other attempt.
+void WebsocketImpl::connect() {
+    try {
+        std::string const url = "ws://" + address + ":" + std::to_string(port) + "/";
+        ws.reset(easywsclient::WebSocket::from_url(url, "easywsclient://"));
+    } catch (std::bad_alloc const&) {
+        return;
+    }
     if (ws) {
-        ws->watch(wakeup.descriptor());
+        ws->watch(wakeup.descriptor(), &asleep);
     }
 }
 
@@ -249,21 +288,42 @@ void WebsocketImpl::serveSocket() {
     int const wait = timeToWait(closing);
     step();
     if (closing) {
+        asleep = true;
         wakeup.wait(wait);
+        asleep = false;
         return;
     }
     queueTaken = getTimeMillis();
-    if (!sendOutgoing()) {
+    if (sendOutgoing()) {
+        step();
+        // After a loss that sending has shown, poll() would sleep the whole wait and delay the next attempt to connect.
+        if (ws->getReadyState() != easywsclient::WebSocket::CLOSED) {
+            ws->poll(wait);
+        }
+        ws->dispatch([this](std::string const& text) { handle_message(text); });
+    } else {
+        dropLink();
+    }
+    if (linkDropped) {
+        linkDropped = false;
         ws.reset();
         waitForEnd(reconnectMs);
-        return;
     }
-    step();
-    // After a loss that sending has shown, poll() would sleep the whole wait and delay the next attempt to connect.
-    if (ws->getReadyState() != easywsclient::WebSocket::CLOSED) {
-        ws->poll(wait);
+}
+
+void WebsocketImpl::dropLink() {
+    linkDropped = true;
+}
+
+// False: there was none, and the connection ends. No callback runs in a step, so that nothing that one throws is caught.
+template <class Step> bool WebsocketImpl::hasMemoryFor(Step step) {
+    try {
+        step();
+        return true;
+    } catch (std::bad_alloc const&) {
+        dropLink();
+        return false;
     }
-    ws->dispatch([this](std::string const& text) { handle_message(text); });
 }
 
 // How long the reader may wait when nothing happens, in milliseconds; -1: without limit.
@@ -285,7 +345,7 @@ int WebsocketImpl::timeToWait(bool closing) {
     return static_cast<int>(std::min(nextTimeout - std::min(nextTimeout, now), longest));
 }
 
-// Memory that runs out ends the connection: false, and the requests are dropped whole.
+// False: no memory was left, and the requests are dropped whole.
 bool WebsocketImpl::sendOutgoing() {
     std::deque<Request> requests;
     {
@@ -295,9 +355,11 @@ bool WebsocketImpl::sendOutgoing() {
     step();
     try {
         for (Request const& request : requests) {
-            ws->send(requestToString(request.name, request.payload));
+            std::string text = requestToString(request.name, request.payload);
+            ws->send(text);
+            explicit_bzero(text.data(), text.size());
         }
-    } catch (std::bad_alloc const&) {
+    } catch (std::exception const&) {
         return false;
     }
     ws->flush();
@@ -308,7 +370,9 @@ bool WebsocketImpl::sendOutgoing() {
 void WebsocketImpl::waitForEnd(int milliseconds) {
     step();
     std::unique_lock lock(runningMutex);
+    asleep = true;
     runningChanged.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return !running; });
+    asleep = false;
 }
 
 bool WebsocketImpl::sweepAndGoOn() {
@@ -349,7 +413,6 @@ uint64_t WebsocketImpl::dueTime(EventDescription const& entry) {
 }
 
 void WebsocketImpl::sweepTimeouts() {
-    static std::string const event = timeoutEvent;
     uint64_t const now = getTimeMillis();
     bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
     nextTimeout = never;
@@ -363,11 +426,9 @@ void WebsocketImpl::sweepTimeouts() {
             nextTimeout = std::min(nextTimeout, due);
             return false;
         }
-        Json::Value message;
-        message[Keys::_msg] = linked ? "Timeout" : "Unable to connect";
-        message[Keys::_type] = linked ? KelvarisSDK_ErrorType_TIMEOUT : KelvarisSDK_ErrorType_NOT_CONNECTED;
         step();
-        bool const remove = entry.callback(event, event, message);
+        bool const remove =
+            entry.callback(timeoutName, timeoutName, linked ? timeoutMessage : notConnectedMessage);
         entry.startTime = 0;
         entry.finished = true;
         return remove;
@@ -376,28 +437,33 @@ void WebsocketImpl::sweepTimeouts() {
 }
 
 void WebsocketImpl::handle_message(std::string const& text) {
-    if (text.size() < 5 || text[0] != '[' || text[1] != '"') {
+    if (linkDropped || text.size() < 5 || text[0] != '[' || text[1] != '"') {
         return;
     }
     std::size_t const nameEnd = text.find('"', 2);
-    if (nameEnd == std::string::npos) {
+    std::optional<Message> message;
+    if (nameEnd == std::string::npos ||
+        !hasMemoryFor([&] { message.emplace(text.substr(2, nameEnd - 2), text); })) {
         return;
     }
-    Message message(text.substr(2, nameEnd - 2), text);
     std::lock_guard const lock(eventsMutex);
     admitPending();
-    visitEntries([&](EventDescription& entry) { return deliver(entry, message); });
+    visitEntries([&](EventDescription& entry) { return !linkDropped && deliver(entry, *message); });
 }
 
-// Every delivery disarms the time-out, also one that the handler rejects.
+// Every delivery disarms the time-out, also one that the handler rejects, but for one that no memory was left for.
 bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {
-        Json::Value const& document = entry.skipParse ? message.asItStands() : message.parsed();
+        if (!entry.skipParse && !hasMemoryFor([&] { message.parse(); })) {
+            return;
+        }
         step();
-        remove |= entry.callback(message.name, message.text, document);
-        entry.startTime = 0;
-        entry.finished = true;
+        remove |= entry.callback(message.name, message.text, message.parsed());
+        if (!linkDropped) {
+            entry.startTime = 0;
+            entry.finished = true;
+        }
     };
     for (std::string const& name : entry.subscribedEvents) {
         if (name == message.name && !visitedRemoved) {
@@ -409,7 +475,14 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
             continue;
         }
         Json::Value const& members = awaited["members"];
-        if (members.empty() || passesFilter(members, payloadOf(message.parsed()))) {
+        bool passes = members.empty();
+        if (!passes && !hasMemoryFor([&] {
+                message.parse();
+                passes = passesFilter(members, payloadOf(message.parsed()));
+            })) {
+            break;
+        }
+        if (passes) {
             handOver();
             break;
         }
@@ -450,6 +523,32 @@ template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
         entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
     }
     visitEnded = getTimeMillis();
+}
+
+bool WebsocketImpl::isInherited() const {
+    return generation != forkGeneration();
+}
+
+// The copies of thread and condition variable are replaced by fresh ones: their destructors would wait for a thread that
+// isn't in this process.
+bool WebsocketImpl::forgetThread() {
+    if (asleep && eventsMutex.try_lock()) {
+        bool const isWhole = outgoingMutex.try_lock();
+        if (isWhole) {
+            outgoingMutex.unlock();
+        }
+        eventsMutex.unlock();
+        if (isWhole) {
+            ::new (&readerThread) std::thread;
+            ::new (&runningChanged) std::condition_variable;
+            return true;
+        }
+    }
+    wakeup.close();
+    if (ws) {
+        ws->closeDescriptor();
+    }
+    return false;
 }
 
 } // namespace kelvarissdk

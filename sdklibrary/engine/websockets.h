@@ -32,8 +32,15 @@ constexpr char timeoutEvent[] = "sdk_error";
 using EventHandler = std::function<bool(std::string const&, std::string const&, Json::Value const&)>;
 
 struct Request {
+    Request(std::string ofName, Json::Value withPayload = {});
+    Request(Request const&) = default;
+    Request(Request&&) noexcept = default;
+    Request& operator=(Request const&) = default;
+    Request& operator=(Request&&) noexcept = default;
+    ~Request(); // wipes the payload, which may hold a password
+
     std::string name;
-    Json::Value payload = {};
+    Json::Value payload;
 };
 
 // One waiting call.
@@ -55,7 +62,8 @@ struct EventDescription {
 // another one's callback.
 class WebsocketImpl {
 public:
-    // Starts the reader thread, which begins to connect.
+    // Starts the reader thread, which begins to connect. Memory that runs out throws std::bad_alloc, a thread that can't
+    // be started std::system_error.
     WebsocketImpl(char const* address, unsigned short port);
     // Entries that still wait are dropped without a call.
     ~WebsocketImpl();
@@ -90,6 +98,16 @@ public:
     // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
     void handle_message(std::string const& text);
 
+    // Memory has run out, so something that was received is lost: the rest of it is dropped and the connection made
+    // again. Called by the reader thread.
+    void dropLink();
+
+    // True in a process that was forked off while the object existed: its thread runs in the parent.
+    bool isInherited() const;
+    // Makes an inherited object ready to be destroyed. False: the fork interrupted something that was changing it, so
+    // its memory must be left alone; its descriptors are closed.
+    bool forgetThread();
+
     static constinit thread_local bool isInReaderThread;
 
 private:
@@ -100,9 +118,10 @@ private:
     static uint64_t dueTime(EventDescription const& entry);
 
     void readerRunner();
-    void connect(std::string const& url);
+    void connect();
     void serveSocket();
     bool sendOutgoing();
+    template <class Step> bool hasMemoryFor(Step step);
     void drainOnShutdown();
     void waitForEnd(int milliseconds);
     int timeToWait(bool closing);
@@ -115,14 +134,22 @@ private:
     template <class Visit> void visitEntries(Visit visit);
 
     // Constant after construction.
+    unsigned const generation; // how often this process had been forked off then
     std::string const address;
     uint16_t const port;
+    // What handlers are told of time-outs, which have to come when no memory is left, too.
+    std::string const timeoutName = timeoutEvent;
+    Json::Value const timeoutMessage;
+    Json::Value const notConnectedMessage;
     Wakeup wakeup;
+
+    std::atomic<bool> asleep = false; // the reader waits and changes nothing
 
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
     std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
     uint64_t queueTaken = never; // of getTimeMillis; when this pass sent what was queued
+    bool linkDropped = false;    // the connection ends with this pass
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;

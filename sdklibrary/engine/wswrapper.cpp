@@ -42,7 +42,7 @@ private:
 
 // A time-out brings its own type and text.
 void setEngineError(KelvarisSDK_BaseResult& head, Json::Value const& message) {
-    setSdkError(head);
+    setSdkError(&head);
     if (message.isMember(Keys::_type)) {
         head.errorCode = message[Keys::_type].asInt();
     }
@@ -61,22 +61,27 @@ bool takesLock(KelvarisSDK_BaseResult& head, std::string const& settingName, Jso
     return true;
 }
 
+enum class Meaning { another, finished, outOfMemory };
+
 // Decides what an event means for a call: a time-out, the call's own lock and a complete report finish its record,
 // and so does, as an error, a report that can't be converted.
-bool finishes(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
-              std::string const& event, std::string const& text, Json::Value const& message) {
+Meaning take(KelvarisSDK_BaseResult& head, std::string const& settingName, EventParser const& parser,
+             std::string const& event, std::string const& text, Json::Value const& message) {
     if (event == timeoutEvent) {
         setEngineError(head, message);
-        return true;
+        return Meaning::finished;
     }
     try {
-        if (event == lockReport && !settingName.empty()) {
-            return takesLock(head, settingName, payloadOf(message));
+        bool const finished = event == lockReport && !settingName.empty()
+                                  ? takesLock(head, settingName, payloadOf(message))
+                                  : parser(event, text, message);
+        return finished ? Meaning::finished : Meaning::another;
+    } catch (std::exception const& failure) {
+        if (isOutOfMemory(failure)) {
+            return Meaning::outOfMemory;
         }
-        return parser(event, text, message);
-    } catch (std::exception const&) {
-        setSdkError(head);
-        return true;
+        setSdkError(&head);
+        return Meaning::finished;
     }
 }
 
@@ -123,11 +128,16 @@ bool registerCall(WebsocketImpl* websocket, Exchange const& exchange, std::share
     }
 
     std::shared_ptr<Completion> const completion = async ? nullptr : std::make_shared<Completion>();
-    auto handler = [shared = std::move(shared), options = std::move(options), parser = std::move(parser),
-                    asyncInvoker = std::move(asyncInvoker), completion](
+    // No exception of a callback is caught on the way: the host's own handler for those that nobody catches shall see it.
+    auto handler = [websocket, shared = std::move(shared), options = std::move(options),
+                    parser = std::move(parser), asyncInvoker = std::move(asyncInvoker), completion](
                        std::string const& event, std::string const& text, Json::Value const& message) {
         std::unique_lock lock(shared->mutex);
-        if (!finishes(shared->head, options.settingName, parser, event, text, message)) {
+        Meaning const meaning = take(shared->head, options.settingName, parser, event, text, message);
+        if (meaning == Meaning::outOfMemory) {
+            websocket->dropLink();
+        }
+        if (meaning != Meaning::finished) {
             return false;
         }
         if (options.async) {

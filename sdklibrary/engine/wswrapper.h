@@ -143,7 +143,11 @@ T wsNonSubscriptionWrapper(bool (*callback)(T, void*), void* userData,
 // A record that only says why the call was refused.
 template <class T> T refused(void (*reason)(KelvarisSDK_BaseResult*)) {
     T result{};
-    reason(&result.base);
+    if constexpr (std::is_same_v<T, KelvarisSDK_BaseResult>) {
+        reason(&result);
+    } else {
+        reason(&result.base);
+    }
     return result;
 }
 

@@ -1,6 +1,8 @@
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "fields.h"
 #include "kelvarissdk.h"
@@ -13,17 +15,16 @@ namespace kelvarissdk {
 namespace {
 
 // Splits "country|city|num", of which the later pieces may be missing.
-void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const& place) {
-    std::istringstream pieces(place);
-    std::string piece;
-    if (std::getline(pieces, piece, '|')) {
-        setText(result.country, piece);
+void setConnectPlace(KelvarisSDK_ServerSettingsResult& result, std::string const& text) {
+    std::string_view const place = text;
+    std::size_t const city = std::min(place.find('|'), place.size());
+    std::size_t const num = std::min(place.find('|', city + 1), place.size());
+    setText(result.country, place.substr(0, city));
+    if (city < place.size()) {
+        setText(result.city, place.substr(city + 1, num - city - 1));
     }
-    if (std::getline(pieces, piece, '|')) {
-        setText(result.city, piece);
-    }
-    if (std::getline(pieces, piece, '|')) {
-        result.num = std::atoi(piece.c_str());
+    if (num < place.size()) {
+        result.num = std::atoi(text.c_str() + num + 1);
     }
 }
 

@@ -80,11 +80,10 @@ void setReportedError(KelvarisSDK_BaseResult& result, Json::Value const& report)
 
 KelvarisSDK_StateResult KelvarisSDK::login(char const* username, char const* password,
                                            KelvarisSDK_StateCallback callback, void* userData) {
-    Json::Value payload;
-    payload[Keys::_username] = username;
-    payload[Keys::_password] = password;
-    return wsNonSubscriptionWrapper(callback, userData, websocket, loginExchange({{"login", payload}}),
-                                    loginCallback);
+    Request request("login");
+    request.payload[Keys::_username] = username;
+    request.payload[Keys::_password] = password;
+    return wsNonSubscriptionWrapper(callback, userData, websocket, loginExchange({request}), loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginOAuth(char const* token, KelvarisSDK_StateCallback callback,

@@ -3,6 +3,7 @@
 #include <iomanip>
 #include <iterator>
 #include <locale>
+#include <new>
 #include <sstream>
 #include <string>
 
@@ -200,6 +201,9 @@ int64_t testTime(std::string const& text) {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic()); // the program's locale must not change what a date is
     stream >> std::get_time(&time, "%Y-%m-%dT%H:%M:%S");
+    if (stream.bad()) {
+        throw std::bad_alloc(); // a stream keeps it to itself
+    }
     if (stream.fail() || time.tm_sec < 0) {
         return 0;
     }
@@ -270,12 +274,20 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
         noWebsocketImplementation(&result);
         return result;
     }
-    std::lock_guard const lock(statsLock);
-    if (enable && !startStatsThread()) {
-        setSdkError(result);
+    if (enable && periodCount > 0 && periods == nullptr) {
+        invalidArgument(&result);
         return result;
     }
-    statsEnabled = enable;
+    std::lock_guard const lock(statsLock);
+    if (enable && !startStatsThread()) {
+        setSdkError(&result);
+        return result;
+    }
+    sendStatSubscription(enable, periodCount, periods);
+    return result;
+}
+
+void KelvarisSDK::sendStatSubscription(bool enable, unsigned char periodCount, unsigned int const* periods) {
     Json::Value payload;
     payload[Keys::_enable] = enable;
     if (enable && periodCount != 0) {
@@ -285,8 +297,8 @@ KelvarisSDK_BaseResult KelvarisSDK::enableStatUpdates(bool enable, unsigned char
         }
     }
     websocket->sendRequest("stat_subscribe", payload);
+    statsEnabled = enable;
     statsChanged.notify_all();
-    return result;
 }
 
 KelvarisSDK_ConnectionStatsResult

@@ -5,7 +5,11 @@
 
 namespace kelvaris::localization {
 
-TranslationTable sdklibraryTranslationTable;
+namespace {
+NeverDestroyed<TranslationTable> table;
+} // namespace
+
+TranslationTable& sdklibraryTranslationTable = table.object;
 
 void load_sdklibraryTranslationTable() {
     registerTranslationTable(&sdklibraryTranslationTable);

@@ -13,7 +13,7 @@ namespace kelvaris::localization {
 
 // The built-in table. It is filled from the location rows at the first getCountry or getCity, so that a
 // program that shows no location doesn't pay for it.
-extern TranslationTable sdklibraryTranslationTable;
+extern TranslationTable& sdklibraryTranslationTable;
 
 // Registers the built-in table with the translator. Only the first call has an effect.
 void load_sdklibraryTranslationTable();

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <span>
 #include <utility>
@@ -14,6 +15,7 @@
 
 #include "easywssocket.h"
 #include "easywsupgrade.h"
+#include "wipingallocator.h"
 
 // The buffers. Received bytes stand in rxBuffer between two offsets: taking bytes out moves the first, a read
 // moves the second, and before each round of reads what is left moves to the front, once. The payload of a
@@ -26,6 +28,7 @@ namespace easywsclient {
 namespace {
 
 constexpr std::size_t maxBytesPerPoll = std::size_t{256} * 1024; // a flood can't keep poll() from returning
+constexpr std::size_t maxUnsentPongs = std::size_t{64} * 1024;   // in bytes
 
 using MaskKey = std::array<std::uint8_t, 4>;
 constexpr MaskKey masking_key{0xA7, 0x1C, 0x5E, 0x39}; // the same on every frame: the link is local
@@ -115,7 +118,7 @@ public:
         bool const mayWait = !std::exchange(arrivedWithUpgrade, false);
         short const events = mayWait && timeout != 0 ? wait(timeout) : assumedEvents;
         if ((events & ~POLLOUT) != 0) {
-            receive((events & ~(POLLIN | POLLOUT)) != 0);
+            endWithoutMemory([&] { receive((events & ~(POLLIN | POLLOUT)) != 0); });
         }
         if (readyState != CLOSED) {
             transmit();
@@ -176,14 +179,9 @@ public:
     }
 
     void _dispatch(Callback_Imp& callable) override {
-        while (!rxFailed && (dataFrame || takeHeader())) {
-            std::size_t const length = std::min<std::uint64_t>(dataFrame->length, rxBuffer.size());
-            appendPayload(length);
-            if (dataFrame->length > 0) {
-                break;
-            }
-            bool const complete = dataFrame->fin;
-            dataFrame.reset();
+        for (bool complete = true; complete;) {
+            complete = false;
+            endWithoutMemory([&] { complete = takeMessage(); });
             if (complete) {
                 deliver(callable);
             }
@@ -191,8 +189,13 @@ public:
         rxBuffer.releaseLargeStorage();
     }
 
-    void watch(int descriptor) override {
+    void watch(int descriptor, std::atomic<bool>* waiting) override {
         watched = descriptor;
+        isWaiting = waiting;
+    }
+
+    void closeDescriptor() override {
+        socketDescriptor.close();
     }
 
     std::size_t unsentBytes() const override {
@@ -207,8 +210,29 @@ private:
     short wait(int timeout) const {
         auto const requested = static_cast<short>(assumedEvents | (unsentBytes() > 0 ? POLLOUT : 0));
         pollfd descriptors[] = {{socketDescriptor.get(), requested, 0}, {watched, POLLIN, 0}};
-        return ::poll(descriptors, std::size(descriptors), timeout) < 0 ? assumedEvents
-                                                                        : descriptors[0].revents;
+        setWaiting(true);
+        int const ready = ::poll(descriptors, std::size(descriptors), timeout);
+        setWaiting(false);
+        return ready < 0 ? assumedEvents : descriptors[0].revents;
+    }
+
+    void setWaiting(bool waiting) const {
+        if (isWaiting != nullptr) {
+            *isWaiting = waiting;
+        }
+    }
+
+    // Ends the connection when a step finds no memory: what was received is lost then. No callback runs in a step.
+    template <class Step> void endWithoutMemory(Step step) {
+        try {
+            step();
+        } catch (std::bad_alloc const&) {
+            rxFailed = true;
+            rxBuffer = ReceiveBuffer();
+            dataFrame.reset();
+            partialMessage = std::string();
+            end();
+        }
     }
 
     // A read that doesn't fill the storage has emptied the socket. When the peer may have ended the connection, reading
@@ -246,8 +270,9 @@ private:
             }
             txSent += static_cast<std::size_t>(result);
         }
-        txSent = 0;
-        txBuffer.clear();
+        removeSent();
+        pongs.clear();
+        pongBytes = 0;
         if (txBuffer.capacity() > retainedCapacity) {
             txBuffer.shrink_to_fit();
         }
@@ -263,8 +288,7 @@ private:
             return;
         }
         if (txSent > txBuffer.size() / 2) {
-            txBuffer.erase(txBuffer.begin(), txBuffer.begin() + static_cast<std::ptrdiff_t>(txSent));
-            txSent = 0;
+            removeSent();
         }
         std::size_t const extended = payload.size() < 126 ? 0 : payload.size() < 65536 ? 2 : 8;
         std::size_t const shortLength = extended == 0 ? payload.size() : extended == 2 ? 126 : 127;
@@ -285,6 +309,59 @@ private:
         if (maskFrames) {
             applyMask(std::span(txBuffer).last(payload.size()), masking_key);
         }
+    }
+
+    // Requests may hold passwords, so nothing of them stays in the storage.
+    void removeSent() {
+        if (txSent == 0) {
+            return;
+        }
+        std::copy(txBuffer.begin() + static_cast<std::ptrdiff_t>(txSent), txBuffer.end(), txBuffer.begin());
+        std::size_t const rest = unsentBytes();
+        explicit_bzero(txBuffer.data() + rest, txSent);
+        txBuffer.resize(rest);
+        txRemoved += std::exchange(txSent, 0);
+    }
+
+    // A peer that pings and doesn't read is owed the answer to its latest ping only (RFC 6455, 5.5.3).
+    void sendPong(std::span<std::uint8_t const> payload) {
+        std::size_t const before = unsentBytes();
+        sendData(opcode_type::pong, payload);
+        std::uint64_t const end = txRemoved + txBuffer.size();
+        pongs.push_back({end - (unsentBytes() - before), end});
+        pongBytes += pongs.back().end - pongs.back().begin;
+        if (pongBytes > maxUnsentPongs) {
+            forgetSentPongs();
+        }
+        if (pongBytes > maxUnsentPongs) {
+            keepLatestPong();
+        }
+    }
+
+    // One that has begun to leave has to go on.
+    void forgetSentPongs() {
+        std::erase_if(pongs, [this](Range const& pong) { return pong.begin < txRemoved + txSent; });
+        pongBytes = 0;
+        for (Range const& pong : pongs) {
+            pongBytes += pong.end - pong.begin;
+        }
+    }
+
+    // Takes all pongs but the last one, with which the buffer ends, out of it.
+    void keepLatestPong() {
+        auto const at = [this](std::uint64_t position) {
+            return txBuffer.begin() + static_cast<std::ptrdiff_t>(position - txRemoved);
+        };
+        auto kept = at(pongs.front().begin);
+        for (std::size_t i = 0; i + 1 < pongs.size(); ++i) {
+            kept = std::copy(at(pongs[i].end), at(pongs[i + 1].begin), kept);
+        }
+        kept = std::copy(at(pongs.back().begin), txBuffer.end(), kept);
+        std::fill(kept, txBuffer.end(), std::uint8_t{0});
+        txBuffer.erase(kept, txBuffer.end());
+        pongBytes = pongs.back().end - pongs.back().begin;
+        std::uint64_t const end = txRemoved + txBuffer.size();
+        pongs = {{end - pongBytes, end}};
     }
 
     // Handles control frames up to the next data frame and consumes that one's header. False when it isn't there yet.
@@ -317,10 +394,26 @@ private:
             if (header.mask) {
                 applyMask(payload, header.key);
             }
-            sendData(opcode_type::pong, payload);
+            sendPong(payload);
         } else if (header.opcode != opcode_type::pong) {
             close(); // a frame of an unknown kind ends the connection like a close frame
         }
+    }
+
+    // True: partialMessage is a whole message. False: its rest has to come first.
+    bool takeMessage() {
+        while (!rxFailed && (dataFrame || takeHeader())) {
+            appendPayload(std::min<std::uint64_t>(dataFrame->length, rxBuffer.size()));
+            if (dataFrame->length > 0) {
+                return false;
+            }
+            bool const isLast = dataFrame->fin;
+            dataFrame.reset();
+            if (isLast) {
+                return true;
+            }
+        }
+        return false;
     }
 
     void appendPayload(std::size_t count) {
@@ -348,9 +441,18 @@ private:
         }
     }
 
+    // A frame's place in all that was ever queued.
+    struct Range {
+        std::uint64_t begin;
+        std::uint64_t end;
+    };
+
     ReceiveBuffer rxBuffer;
-    std::vector<std::uint8_t> txBuffer;
+    std::vector<std::uint8_t, WipingAllocator<std::uint8_t>> txBuffer;
     std::size_t txSent = 0;                 // of txBuffer, from its front
+    std::uint64_t txRemoved = 0;            // from its front, of all that was ever in it
+    std::vector<Range> pongs;               // in txBuffer, since it was empty last
+    std::uint64_t pongBytes = 0;            // of these
     std::optional<wsheader_type> dataFrame; // the one being taken in: `length` is what is still to come
     std::string partialMessage;
     Descriptor socketDescriptor;
@@ -359,6 +461,7 @@ private:
     bool rxFailed = false; // a frame could not be accepted, so where the next one starts is unknown
     bool arrivedWithUpgrade;
     int watched = -1;
+    std::atomic<bool>* isWaiting = nullptr;
 };
 
 WebSocket* from_url(std::string const& url, std::string const& origin, bool useMask) {

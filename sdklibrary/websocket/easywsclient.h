@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -27,8 +28,8 @@ public:
     virtual void operator()(std::vector<unsigned char> const& message) = 0;
 };
 
-// One connection. An object may be used from one thread at a time; from_url() from several at once.
-// Memory that runs out surfaces as the standard exception.
+// One connection. An object may be used from one thread at a time; from_url() from several at once. Memory that runs
+// out while bytes are received or parsed ends the connection; everywhere else it surfaces as the standard exception.
 class WebSocket {
 public:
     // Below CONNECTING the connection is ending or has ended. CONNECTING is never reported: an object is born
@@ -65,7 +66,8 @@ public:
 
     virtual readyStateValues getReadyState() const = 0;
 
-    // Hand every complete message to the callback, in order, and answer pings. A close frame from the peer
+    // Hand every complete message to the callback, in order, and answer pings. Of answers that the peer doesn't
+    // take, 64 KiB wait; beyond that the latest alone is kept. A close frame from the peer
     // acts as close(), so does an unknown frame; one that can't be accepted ends all parsing. The callback
     // may use every operation but must not delete the object. An exception from it passes through; its
     // message counts as delivered, and the next call goes on with the one behind it.
@@ -77,7 +79,11 @@ public:
 
     // poll() shall also end its wait when this descriptor (-1: none) is readable. It isn't read, so it ends
     // every wait until the caller has emptied it; the caller keeps it open for as long as it is watched.
-    virtual void watch(int descriptor) = 0;
+    // `waiting`, unless it is null, is true as long as a wait lasts, during which the object doesn't change.
+    virtual void watch(int descriptor, std::atomic<bool>* waiting = nullptr) = 0;
+
+    // Closes the descriptor and does nothing else: for the copy of an object in a forked process.
+    virtual void closeDescriptor() = 0;
 
     // Bytes of framed messages that the kernel hasn't taken yet. In CLOSED: those that never left.
     virtual std::size_t unsentBytes() const = 0;

@@ -31,10 +31,6 @@ template <auto print, class Result> bool printed(Result result, void*) {
     return true;
 }
 
-template <bool brief> void printConnections(KelvarisSDK_ConnectionStatsResult const& result) {
-    printConnectionStatsResult(result, brief);
-}
-
 template <class Result> using Read = Result (kelvarissdk::KelvarisSDK::*)(bool (*)(Result, void*), void*);
 
 class Library : public kelvarissdk::KelvarisSDK {
@@ -53,8 +49,10 @@ public:
         read<printLocalProxyResult>(&Library::getLocalProxySettings);
         read<printStreamingBypass>(&Library::getLocalProxySettings);
         read<printStreamingResult>(&Library::getStreamingSettings);
-        read<printConnections<false>>(&Library::getConnectionStats);
-        read<printConnections<true>>(&Library::getConnectionStats);
+        read<[](auto const& result) { printConnectionStatsResult(result, false); }>(
+            &Library::getConnectionStats);
+        read<[](auto const& result) { printConnectionStatsResult(result, true); }>(
+            &Library::getConnectionStats);
         read<printSessionStatsResult>(&Library::getSessionStats);
         read<printStreamingStatsResult>(&Library::getStreamingStats);
         read<printDisconnectEvent>(&Library::getLastDisconnectEvent);

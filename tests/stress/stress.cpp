@@ -5,7 +5,7 @@
 // silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
 // memory has grown; a hang aborts. User data are freed as soon as no callback may use them any more.
 
-#include "support/handle.h"
+#include "support/sdk.h"
 #include "support/simulator.h"
 #include "wswrapper.h"
 
@@ -152,12 +152,9 @@ constexpr auto makeAnyCall =
               to<KelvarisSDK_SetMode, KelvarisSDK_BondingMode_REDUNDANT>>;
 
 void inThreads(std::function<void(unsigned)> const& body) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (unsigned i = 0; i < threadCount; ++i) {
         threads.emplace_back(body, i);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 
@@ -221,10 +218,7 @@ void ask(Link const& link, bool answers, unsigned long dice) {
 
 void registerAndUnregister(Link const& link) {
     auto const seen = std::make_unique<long>(0);
-    kelvarissdk::EventDescription description;
-    description.timeoutMs = 3'600'000;
-    kelvarissdk::WebsocketImpl::waitForEvent(description, "report_current_state");
-    kelvarissdk::WebsocketImpl::sendRequest(description, "request_current_state");
+    auto description = awaiting("report_current_state", 3'600'000, {"request_current_state"});
     link->removeCallback(link->getResult(description, [&](auto&&...) { return ++*seen > 2; }));
     ++asynchronous;
 }

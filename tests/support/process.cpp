@@ -1,5 +1,7 @@
 #include "support/process.h"
 
+#include "support/texts.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -110,9 +112,9 @@ int reap(pid_t pid) {
 
 Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * patience()) {
     int in = -1;
-    if (command.kind == Input::text) {
+    if (command.input) {
         in = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
-        checked(pwrite(in, command.input.data(), command.input.size(), 0), "write the input");
+        checked(pwrite(in, command.input->data(), command.input->size(), 0), "write the input");
     } else {
         std::array<char, 64> name = {};
         keyboard = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
@@ -188,6 +190,12 @@ void Process::type(std::string const& text) const {
 
 void Process::signal(int number) const {
     checked(kill(pid, number), "kill");
+}
+
+bool Process::catches(int signal) const {
+    std::string const status = contents("/proc/" + std::to_string(pid) + "/status");
+    auto const mask = std::stoull(status.substr(status.find("SigCgt:") + 7), nullptr, 16);
+    return (mask >> (signal - 1) & 1) != 0;
 }
 
 Outcome const& Process::wait() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -9,17 +10,11 @@
 // All calls are for one thread; what goes wrong in starting a child is thrown.
 namespace harness {
 
-enum class Input {
-    text,     // that ends behind the given one
-    terminal, // a terminal, where type() types
-};
-
 struct Command {
     std::string path;
-    std::vector<std::string> argv; // the first is the name that the program sees as its own
-    std::string input = {};
-    Input kind = Input::text;
-    int clock = 1; // how many times as fast as ours the child's clocks and waits run
+    std::vector<std::string> argv;         // the first is the name that the program sees as its own
+    std::optional<std::string> input = ""; // without a value it is a terminal, where type() types
+    int clock = 1;                         // how many times as fast as ours the child's clocks and waits run
 };
 
 struct Outcome {
@@ -42,6 +37,7 @@ public:
 
     void type(std::string const& text) const;
     void signal(int number) const;
+    bool catches(int signal) const;
     std::string const& out() const {
         return outcome.out;
     }

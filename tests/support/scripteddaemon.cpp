@@ -294,7 +294,7 @@ struct ScriptedDaemon::Impl {
     std::mutex mutex;
     std::condition_variable changed;
     std::list<Connection> connections;
-    std::list<std::thread> threads;
+    std::list<std::jthread> threads;
     bool isAccepting = options.listen;
     std::size_t alive = 0; // connections
     Connection* current = nullptr;
@@ -356,9 +356,7 @@ std::string ScriptedDaemon::finish() {
         std::scoped_lock const lock(impl->mutex);
         impl->act(connection, Then::reset); // if that was in vain
     }
-    for (std::thread& thread : impl->threads) {
-        thread.join();
-    }
+    impl->threads.clear();
     std::string report = impl->problems;
     for (Request const& request : impl->requests) {
         report += request.expected ? "" : "unexpected request " + request.text;
