@@ -1,13 +1,17 @@
 // A run takes the options, makes the library object, runs one action, destroys the object and ends with its
-// status.
+// status. Whatever it is that memory runs out for, the status is 1, and a line says so.
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <cxxabi.h>
+#include <exception>
 #include <fcntl.h>
 #include <malloc.h>
+#include <new>
 #include <system_error>
+#include <typeinfo>
 #include <unistd.h>
 
 #include "arguments.h"
@@ -67,22 +71,39 @@ void takeOptions(int& argc, char**& argv, KelvarisSDK_CreateSettings& settings) 
     }
 }
 
+void reportLackOfMemory() {
+    std::fprintf(stderr, "%s: out of memory\n", binName);
+}
+
+// An exception that finds no memory for itself ends here; another one that nobody catches ends the process as ever.
+[[noreturn]] void endUncaught() {
+    std::type_info const* const thrown = abi::__cxa_current_exception_type();
+    if (thrown == nullptr || *thrown == typeid(std::bad_alloc)) {
+        reportLackOfMemory();
+        std::_Exit(1);
+    }
+    std::abort();
+}
+
 int runAction(int argc, char* argv[]) {
     KelvarisSDK_CreateSettings settings;
     KelvarisSDK_InitializeCreateSettings(&settings);
     copyWord(settings.appName, "Kelvaris");
     takeOptions(argc, argv, settings);
 
-    try {
-        sdk = KelvarisSDK_CreateWithSettings(settings);
-    } catch (std::system_error const& failure) {
-        std::fprintf(stderr, "%s: %s\n", binName, failure.what());
-        return 1;
+    sdk = KelvarisSDK_CreateWithSettings(settings);
+    if (sdk == nullptr) {
+        throw std::bad_alloc();
     }
-    int const status = processArgs(argc, argv);
-    KelvarisSDK_Destroy(sdk);
-    sdk = nullptr;
-    return status;
+    return processArgs(argc, argv);
+}
+
+int run(int argc, char* argv[]) {
+    if (argc < 2 || isOption(argv[1], "-h", "--help")) {
+        showUsage(0);
+        return 0;
+    }
+    return runAction(argc, argv);
 }
 
 } // namespace
@@ -92,12 +113,19 @@ int main(int argc, char* argv[]) {
     occupyStandardDescriptors();
     setBinName(argc > 0 ? argv[0] : "");
 
-    int status = 0;
-    if (argc < 2 || isOption(argv[1], "-h", "--help")) {
-        showUsage(0);
-    } else {
-        status = runAction(argc, argv);
+    std::set_terminate(endUncaught);
+
+    // Apart from a thread that can't be started, an action throws only when memory runs out.
+    int status = 1;
+    try {
+        status = run(argc, argv);
+    } catch (std::system_error const& failure) {
+        std::fprintf(stderr, "%s: %s\n", binName, failure.what());
+    } catch (std::exception const&) {
+        reportLackOfMemory();
     }
+    KelvarisSDK_Destroy(sdk);
+    sdk = nullptr;
 
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fprintf(stderr, "%s: can't write to standard output\n", binName);

@@ -1,5 +1,7 @@
 #include "envelope.h"
 
+#include <algorithm>
+#include <array>
 #include <json/reader.h>
 #include <json/writer.h>
 #include <memory>
@@ -12,6 +14,9 @@ namespace kelvarissim {
 namespace {
 
 constexpr char const* senderName = "kelvaris_sdk";
+
+constexpr std::array secretKeys = {"password", "oauth", "token", "config"};
+constexpr char const* mask = "***";
 
 std::unique_ptr<Json::CharReader> makeReader() {
     Json::CharReaderBuilder builder;
@@ -52,6 +57,23 @@ std::string compactText(Json::Value const& value) {
     std::ostringstream text;
     writer->write(value, &text);
     return std::move(text).str();
+}
+
+Json::Value withoutSecrets(Json::Value request) {
+    for (auto member = request.begin(); member != request.end(); ++member) {
+        bool const isSecret = std::count(secretKeys.begin(), secretKeys.end(), member.name()) != 0;
+        *member = isSecret ? Json::Value(mask) : withoutSecrets(*member);
+    }
+    return request;
+}
+
+std::string withoutSecrets(std::string const& text) {
+    std::size_t end = text.size();
+    for (std::string const key : secretKeys) {
+        std::size_t const found = text.find(key);
+        end = found < end ? found + key.size() : end;
+    }
+    return end == text.size() ? text : text.substr(0, end) + mask;
 }
 
 } // namespace kelvarissim

@@ -104,13 +104,13 @@ void Server::refused(std::string const& reason) {
 
 bool Server::received(std::shared_ptr<Link> const& link, Message const& message) {
     Json::Value request;
-    bool const good = guarded("bad request '" + excerpt(message.text) + '\'', [&] {
+    bool const good = guarded("bad request '" + excerpt(withoutSecrets(message.text)) + '\'', [&] {
         if (!message.isText) {
             throw std::runtime_error("not a text frame");
         }
         request = parseRequest(message.text);
         if (settings.verbose) {
-            std::cerr << "<- " + compactText(request) + '\n';
+            std::cerr << "<- " + compactText(withoutSecrets(request)) + '\n';
         }
     });
     bool const drops = message.number == settings.dropAfter;

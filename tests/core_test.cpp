@@ -1,22 +1,49 @@
 // The frame of the tool: dispatch, usage text, the prompt at a terminal, the product's name in messages.
 
 #include "productStringReplacement.h"
+#include "prompt.h"
+#include "stream.h"
 #include "support/texts.h"
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
+#include <new>
 #include <regex>
+#include <unistd.h>
 
 using namespace harness;
 
 namespace {
+
+int allocationsToFailure = 0; // 0: none fails
+
+std::string const loggedIn = styled(R"({"state":"LOGGED_IN"})");
 
 std::string usageOf(std::string const& program) {
     return std::regex_replace(golden("usage.txt"), std::regex("PROGRAM"), program);
 }
 
 } // namespace
+
+void* operator new(std::size_t size) {
+    if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
+        throw std::bad_alloc();
+    }
+    return std::malloc(size);
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
 
 // Help prints it; whatever isn't an action shows it as an error, and so do options without an action.
 TEST(Frame, UsageText) {
@@ -53,33 +80,109 @@ TEST(Product, PlaceholderIsReplaced) {
     EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
 }
 
-// At a terminal nothing shows of the secret, and the terminal echoes again whatever the end. Behind the prompt the
-// signals that end a process have their own effect again.
+// Whichever allocation of a report fails, nothing of the report is written, and the stream ends.
+TEST(Product, ReportsAreWrittenWholeOrNotAtAll) {
+    auto const record = std::make_unique<KelvarisSDK_AdaptersResult>();
+    record->adapterCount = 8;
+    bool failed = true;
+    for (int failing = 1; failed; ++failing) {
+        Stream stream;
+        testing::internal::CaptureStdout();
+        allocationsToFailure = failing;
+        bool const goesOn = printReport("adapters", *record, &stream, printAdaptersResult);
+        failed = std::exchange(allocationsToFailure, 0) == 0;
+        EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), failed) << failing;
+        EXPECT_EQ(goesOn, !failed);
+        EXPECT_EQ(stream.lacksMemory, failed);
+    }
+}
+
+// This process has the secret in two pieces, so that whoever has both in a row has a copy of the prompt's.
+TEST(Login, PromptLeavesNoCopy) {
+    std::string_view const pieces[] = {"nothing is", " left of it", "\n"};
+    int const keyboard = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(unlockpt(keyboard), 0);
+    dup2(open(ptsname(keyboard), O_RDWR | O_NOCTTY), STDIN_FILENO);
+    for (std::string_view const piece : pieces) {
+        ASSERT_EQ(write(keyboard, piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
+    }
+    char secret[32];
+    readPrivate("", secret, sizeof(secret));
+    EXPECT_EQ(std::string_view(secret).find(pieces[1]), pieces[0].size());
+    explicit_bzero(secret, sizeof(secret));
+
+    std::ifstream maps("/proc/self/maps");
+    std::ifstream memory("/proc/self/mem");
+    for (std::string line; std::getline(maps, line);) {
+        std::size_t start = 0, end = 0;
+        // What is larger belongs to a sanitizer.
+        if (std::sscanf(line.c_str(), "%zx-%zx rw", &start, &end) == 2 && end - start < 1 << 28) {
+            std::string part(end - start, '\0');
+            memory.seekg(static_cast<std::streamoff>(start));
+            memory.read(part.data(), static_cast<std::streamsize>(part.size()));
+            memory.clear();
+            for (std::size_t at = 0; (at = part.find(pieces[0], at)) != std::string::npos; ++at) {
+                EXPECT_NE(part.compare(at + pieces[0].size(), pieces[1].size(), pieces[1]), 0) << line;
+            }
+        }
+    }
+}
+
+// At a terminal nothing shows of the secret, and the terminal echoes again whatever the end. Behind the prompt signals
+// have their own effect again; an ignored one stays ignored.
 TEST(Login, PromptIsSilent) {
-    for (bool const interrupted : {false, true}) {
+    int const caught[] = {SIGHUP,  SIGINT, SIGQUIT, SIGABRT, SIGPIPE, SIGTERM,
+                          SIGUSR2, SIGIO,  SIGXCPU, SIGTSTP, SIGCONT, SIGRTMAX};
+    for (int const interrupted : {0, SIGINT, SIGALRM, SIGRTMIN}) {
         SCOPED_TRACE(interrupted);
         std::vector<Step> script = {{"login", R"({"password":"secret","username":"me"})"}};
-        ScriptedDaemon daemon(interrupted ? std::vector<Step>() : script);
-        Command command = tool({"-p", std::to_string(daemon.port()), "login", "me"});
-        command.input.reset();
-        Process process(command);
+        ScriptedDaemon daemon(interrupted != 0 ? std::vector<Step>() : script);
+        std::string const run = "trap '' USR1; exec " SDKCLI_PATH " -p " + std::to_string(daemon.port());
+        Process process({.path = "/bin/sh", .argv = {"sh", "-c", run + " login me"}, .input = std::nullopt});
         process.waitForOutput("Enter password : ");
         process.waitForEcho(false);
-        int const ending[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
         auto const areCaught = [&](int signal) { return process.catches(signal); };
-        EXPECT_TRUE(std::all_of(std::begin(ending), std::end(ending), areCaught));
-        if (interrupted) {
-            process.signal(SIGINT);
+        EXPECT_TRUE(std::all_of(std::begin(caught), std::end(caught), areCaught));
+        process.signal(SIGUSR1);
+        if (interrupted != 0) {
+            process.signal(interrupted);
         } else {
             process.type("secret\n");
             daemon.waitForRequest("login");
-            EXPECT_TRUE(std::none_of(std::begin(ending), std::end(ending), areCaught));
+            EXPECT_TRUE(std::none_of(std::begin(caught), std::end(caught), areCaught));
             daemon.send(state(2));
         }
         Outcome const& outcome = process.wait();
         process.waitForEcho(true);
-        EXPECT_EQ(outcome.status, interrupted ? -SIGINT : 0);
-        EXPECT_EQ(outcome.out, "Enter password : " + (interrupted ? "" : styled(R"({"state":"LOGGED_IN"})")));
+        EXPECT_EQ(outcome.status, -interrupted);
+        EXPECT_EQ(outcome.out, "Enter password : " + (interrupted != 0 ? "" : loggedIn));
         EXPECT_EQ(outcome.terminal, "");
     }
+}
+
+// A shell's job is stopped by a key, continued in the background, where its reading stops it, and in the foreground.
+TEST(Login, PromptEchoesWhileItIsStopped) {
+    ScriptedDaemon daemon({{"login", R"({"password":"secret","username":"me"})", {state(2)}}});
+    std::string const run =
+        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key; fg";
+    Process process(
+        {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .input = std::nullopt});
+    process.waitForOutput("Enter password : ");
+    for (std::string const stop : {"one\n", "two\n", "three\n"}) {
+        if (stop != "two\n") {
+            process.waitForEcho(false);
+            process.type("\x1a");
+        }
+        process.waitForOutput(stop);
+        process.waitForEcho(true);
+        process.type("\n");
+    }
+    process.waitForEcho(false);
+    process.type("secret\n");
+    Outcome const& outcome = process.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out.substr(outcome.out.size() - loggedIn.size()), loggedIn);
+    EXPECT_EQ(outcome.terminal.find("secret"), std::string::npos);
+    EXPECT_EQ(daemon.finish(), "");
 }

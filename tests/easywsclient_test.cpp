@@ -14,6 +14,7 @@
 #include <poll.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
@@ -267,6 +268,47 @@ TEST_F(EasyWsClient, QueuesForAPeerThatDoesNotRead) {
     received += take(expected.size() - received.size());
     EXPECT_TRUE(expected == received);
     EXPECT_EQ(0U, client->unsentBytes());
+}
+
+// What the kernel has taken and the pong that has begun to leave go on, and the latest is always among those that are
+// left.
+TEST_F(EasyWsClient, DropsPongsThatWait) {
+    ASSERT_TRUE(open());
+    auto const numbered = [](int number) {
+        return std::string(100, 'p') + std::to_string(10'000'000 + number);
+    };
+    int last = 0;
+    std::size_t most = 0;
+    for (int afterBlocked = 0; afterBlocked < 20;) {
+        string pings;
+        for (int i = 0; i < 100; ++i) {
+            pings += frame(0x89, numbered(++last));
+        }
+        give(pings);
+        client->poll(0);
+        afterBlocked += client->unsentBytes() > 0 ? 1 : 0;
+        most = std::max(most, client->unsentBytes());
+    }
+    EXPECT_GT(most, 60'000U);
+    EXPECT_LT(most, 67'000U);
+    client->send("end");
+    string const end = maskedFrame(0x8A, numbered(last)) + maskedFrame(0x81, "end");
+    string received;
+    for (int ready = 0; !received.ends_with(end);) {
+        ::ioctl(peer, FIONREAD, &ready);
+        received += take(static_cast<std::size_t>(std::max(ready, 1)));
+    }
+    std::size_t place = 0;
+    int pongs = 0;
+    for (int number = 1; number <= last; ++number) {
+        string const pong = maskedFrame(0x8A, numbered(number));
+        if (received.compare(place, pong.size(), pong) == 0) {
+            place += pong.size();
+            ++pongs;
+        }
+    }
+    EXPECT_LT(pongs, last);
+    EXPECT_TRUE(received.substr(place) == maskedFrame(0x81, "end")) << pongs << " of " << last;
 }
 
 TEST_F(EasyWsClient, ReceivesEveryFormAndSize) {

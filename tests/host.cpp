@@ -1,11 +1,12 @@
 // A host that shares its process with the library: it has a C++ runtime, a C++ locale and a jsoncpp of its own, and
-// no threads when the library asks for one. Prints a line for each expectation that fails. Usage: PORT [comma]
+// no threads when the library asks for one. Prints a line for each expectation that fails. Usage: PORT [comma|throw]
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <exception>
 #include <json/json.h>
 #include <kelvarissdk/csdkinterface.h>
 #include <locale>
@@ -14,6 +15,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <unistd.h>
 
 static bool noThreads = false;
 
@@ -96,10 +98,21 @@ void bothAtWork(KelvarisSDK_Handle* sdk) {
     expect(intact, "the host's documents");
 }
 
+// The process ends by the host's own handler of exceptions that nobody catches.
+void throwInCallback(unsigned short port) {
+    std::set_terminate([] { std::_Exit(42); });
+    auto const callback = [](KelvarisSDK_StateResult, void*) -> bool { throw 1; };
+    KelvarisSDK_GetState(create(port), callback, nullptr);
+    pause();
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
     auto const port = static_cast<unsigned short>(std::atoi(argv[1]));
+    if (argc > 2 && std::strcmp(argv[2], "throw") == 0) {
+        throwInCallback(port);
+    }
     handleWithoutThread(port);
     KelvarisSDK_Handle* const sdk = create(port);
     statisticsWithoutThread(sdk);

@@ -16,6 +16,12 @@ for compiler in c++ clang++; do
     command -v "$compiler" >/dev/null || continue
     "$compiler" -std=c++17 -O1 -I"$3" "$source" "$1" "${jsoncpp[@]}" -pthread -Wl,-rpath,"$(dirname "$1")" -o host
     ./host "${line##*:}" "${@:5}"
+    status=0
+    ./host "${line##*:}" throw || status=$?
+    if [ "$status" != 42 ]; then
+        echo "a callback's exception ended the host by itself: status $status"
+        exit 1
+    fi
 done
 if grep stat_subscribe requests.txt; then
     echo "statistics were subscribed to without their thread"

@@ -1,9 +1,9 @@
 // What the library does to the process that it is a guest in: its signals, its forks, its end, its exceptions.
 
-#include "support/handle.h"
-#include "support/rows.h"
 #include "support/scripteddaemon.h"
+#include "support/sdk.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -17,7 +17,7 @@
 using namespace harness;
 
 // A process that was forked off from one with threads has threads of its own here.
-extern "C" char const* __tsan_default_options() {
+extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
     return "die_after_fork=0";
 }
 

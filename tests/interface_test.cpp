@@ -29,25 +29,31 @@ template <class T> bool keep(T result, void* userData) {
     return wantsMore;
 }
 
+enum class Given { all, noCallback, noTexts, nothing };
+
 // Something for each parameter; the handle stands in for the user data.
-template <class Result, class T> T argument(KelvarisSDK_Handle* sdk) {
+template <class Result, class T> T argument(KelvarisSDK_Handle* sdk, Given given) {
+    bool const texts = given == Given::all || given == Given::noCallback;
     if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
-        return keep<Result>;
+        return given == Given::all || given == Given::noTexts ? keep<Result> : nullptr;
     } else if constexpr (std::is_same_v<T, void*>) {
         return sdk;
     } else if constexpr (std::is_same_v<T, char const*>) {
-        return "text";
+        return texts ? "text" : nullptr;
+    } else if constexpr (std::is_pointer_v<T>) {
+        return nullptr;
     } else {
-        return {};
+        return static_cast<T>(!texts);
     }
 }
 
-// Starts a call and returns its id.
-using Start = std::function<uint64_t(KelvarisSDK_Handle*)>;
+// Starts a call and returns the head of its record.
+using Start = std::function<KelvarisSDK_BaseResult(KelvarisSDK_Handle*, Given)>;
 
 template <class Result, class... Args> Start starter(Result (*call)(KelvarisSDK_Handle*, Args...)) {
-    return
-        [call](KelvarisSDK_Handle* sdk) { return call(sdk, argument<Result, Args>(sdk)...).base.callbackId; };
+    return [call](KelvarisSDK_Handle* sdk, Given given) {
+        return call(sdk, argument<Result, Args>(sdk, given)...).base;
+    };
 }
 
 #define ROW(name) {#name, starter(KelvarisSDK_##name)},
@@ -123,7 +129,7 @@ TEST(Interface, CallsDeliverAsCatalogued) {
     KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, decltype(marks)::keep, &marks);
     daemon.waitForConnections(1);
     auto const deliveries = [&](std::string const& name, Call const& call, std::string const& locks) {
-        uint64_t const id = starts.at(name)(handle.sdk);
+        uint64_t const id = starts.at(name)(handle.sdk, Given::all).callbackId;
         for (std::string const& request : call.requests) {
             daemon.waitForRequest(request);
         }
@@ -163,6 +169,54 @@ TEST(Interface, CallsDeliverAsCatalogued) {
                 EXPECT_TRUE(delivery.head.error);
                 EXPECT_EQ(delivery.head.errorCode, reason == 1 ? 3846 : 3848);
             }
+        }
+    }
+}
+
+// Nothing is sent, and a refusal for the arguments comes before that of a synchronous call in a callback.
+TEST(Interface, NullIsRefused) {
+    std::set<std::string> const wanted =
+        found(R"(KelvarisSDK_(\w+)\([^;]*(?:char const\*|unsigned short count)[^;]*\bcallback\b)",
+              sources("sdklibrary/include/kelvarissdk"));
+    std::set<std::string> const mayBeNull = {"SetDirectoryDomain", "SetDirectoryGatewayURI"};
+    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}}}, noName);
+    Handle const handle(daemon.port());
+    auto const refuseAll = [&] {
+        EXPECT_EQ(KelvarisSDK_EnableStatUpdates(handle.sdk, true, 1, nullptr).errorCode, 3842);
+        EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(handle.sdk, nullptr, nullptr, nullptr).base.errorCode, 3842);
+        for (auto const& [name, start] : starts) {
+            for (Given const given : {Given::noTexts, Given::nothing}) {
+                if (wanted.contains(name) && !mayBeNull.contains(name)) {
+                    KelvarisSDK_BaseResult const head = start(handle.sdk, given);
+                    EXPECT_TRUE(head.error && head.errorCode == 3842) << name << ' ' << head.errorCode;
+                }
+            }
+        }
+    };
+    refuseAll();
+    std::promise<void> refused;
+    auto const inCallback = [&] {
+        refuseAll();
+        refused.set_value();
+    };
+    auto const callback = [](KelvarisSDK_StateResult, void* userData) {
+        (*static_cast<decltype(&inCallback)>(userData))();
+        return false;
+    };
+    KelvarisSDK_GetState(handle.sdk, callback, const_cast<void*>(static_cast<void const*>(&inCallback)));
+    refused.get_future().wait();
+}
+
+TEST(Interface, NoHandleIsAMissingLink) {
+    EXPECT_EQ(KelvarisSDK_EnableStatUpdates(nullptr, true, 1, nullptr).errorCode, 3840);
+    EXPECT_EQ(KelvarisSDK_DaemonExit(nullptr).errorCode, 3840);
+    EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(nullptr, nullptr, nullptr, nullptr).base.errorCode, 3840);
+    KelvarisSDK_UnregisterCallback(nullptr, 1);
+    KelvarisSDK_Destroy(nullptr);
+    for (auto const& [name, start] : starts) {
+        for (Given const given : {Given::all, Given::noCallback, Given::nothing}) {
+            KelvarisSDK_BaseResult const head = start(nullptr, given);
+            EXPECT_TRUE(head.error && head.errorCode == 3840) << name << ' ' << head.errorCode;
         }
     }
 }

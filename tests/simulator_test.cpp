@@ -94,6 +94,23 @@ std::string played(std::string const& piece) {
 
 } // namespace
 
+TEST(Simulator, LogHidesSecrets) {
+    Simulator daemon({"--verbose"});
+    Link link(daemon.port);
+    link.send(R"(login {"username":"me","password":"hidden"})");
+    link.send(R"(login_oauth {"oauth":"hidden"})");
+    link.send(R"(safe_browsing_token_refresh [{"token":{"a":"hidden"}}])");
+    link.send(R"(login {"password":"hidden","username":"cut)");
+    link.send("exit");
+    while (link.next().starts_with('[')) {
+    }
+    std::string const& log = daemon.process.wait().err;
+    EXPECT_NE(log.find(R"(<- ["login",{"password":"***","username":"me"},)"), std::string::npos) << log;
+    EXPECT_NE(log.find(R"(bad request '["login",{"password***')"), std::string::npos) << log;
+    EXPECT_NE(log.find(R"(<- ["exit")"), std::string::npos) << log;
+    EXPECT_EQ(log.find("hidden"), std::string::npos) << log;
+}
+
 // All pieces at once, because some wait for what takes a second or two.
 TEST(Simulator, ReportsAreRepeated) {
     std::string const text = golden("simulator.txt");

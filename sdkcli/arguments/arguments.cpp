@@ -17,14 +17,12 @@ int processArgs(int argc, char* argv[]) {
 }
 
 void showUsage(int failed) {
-    std::FILE* const stream = failed == 0 ? stdout : stderr;
-    std::fprintf(stream, "%s v%s.%s\n", binName, KELVARIS_VERSION, KELVARIS_BUILD);
-    std::fprintf(stream, "Usage : %s action\n", binName);
-    std::string text = "Actions:\n";
+    std::string text = std::string(binName) + " v" KELVARIS_VERSION "." KELVARIS_BUILD "\n";
+    text += std::string("Usage : ") + binName + " action\nActions:\n";
     for (char const* const line : helpLines) {
         text += "   ";
         text += line;
         text += '\n';
     }
-    std::fputs(text.c_str(), stream);
+    std::fputs(text.c_str(), failed == 0 ? stdout : stderr);
 }

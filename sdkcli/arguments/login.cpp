@@ -1,6 +1,5 @@
 // This is the grammar of logging in and out.
 
-#include <cstddef>
 #include <cstring>
 
 #include "actions.h"
@@ -10,13 +9,22 @@
 
 namespace {
 
-// Prompts for a secret of at most Size - 1 bytes, makes the call with it and wipes it.
-template <std::size_t Size, class Call> int withSecret(char const* prompt, Call call) {
-    char secret[Size];
-    readPrivate(prompt, secret, Size);
-    int const status = call(secret);
-    explicit_bzero(secret, Size);
-    return status;
+template <int Size> struct Secret {
+    char text[Size];
+
+    Secret() = default;
+    Secret(Secret const&) = delete;
+    Secret& operator=(Secret const&) = delete;
+    ~Secret() {
+        explicit_bzero(text, Size);
+    }
+};
+
+// Prompts for a secret of at most Size - 1 bytes, makes the call with it and wipes it, also when the call throws.
+template <int Size, class Call> int withSecret(char const* prompt, Call call) {
+    Secret<Size> secret;
+    readPrivate(prompt, secret.text, Size);
+    return call(secret.text);
 }
 
 int autoAction(int argc, char* /*argv*/[]) {

@@ -13,10 +13,5 @@ int requestVersion() {
 }
 
 int requestExit() {
-    KelvarisSDK_BaseResult const result = KelvarisSDK_DaemonExit(sdk);
-    if (result.error) {
-        printError(result);
-        return 1;
-    }
-    return 0;
+    return finishSilently(KelvarisSDK_DaemonExit(sdk));
 }

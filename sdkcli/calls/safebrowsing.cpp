@@ -15,11 +15,16 @@ int finishOrConnectError(KelvarisSDK_SafeBrowsingResult const& result, int conne
 }
 
 bool safeBrowsingErrorCb(KelvarisSDK_SafeBrowsingErrorResult result, void* userData) {
-    return printReport("[\"safebrowsing_error\",", result, userData, printSafeBrowsingErrorResult);
+    return printReport("safebrowsing_error", result, userData, printSafeBrowsingErrorResult);
 }
 
 bool safeBrowsingBlockCb(KelvarisSDK_SafeBrowsingBlockResult result, void* userData) {
-    return printReport("[\"safebrowsing_block\",", result, userData, printSafeBrowsingBlockResult);
+    return printReport("safebrowsing_block", result, userData, printSafeBrowsingBlockResult);
+}
+
+int listen(int duration, Stream const& stream, KelvarisSDK_BaseResult const& call) {
+    waitForEndOfStream(duration, stream, {&call, 1});
+    return endStream(stream, {&call, 1});
 }
 
 } // namespace
@@ -75,21 +80,15 @@ int getSafeBrowsingSettings() {
 }
 
 int listenForSafeBrowsingErrors(int duration) {
-    FirstReportTime firstReportTime = 0;
-    KelvarisSDK_SafeBrowsingErrorResult const call =
-        KelvarisSDK_ListenForSafeBrowsingError(sdk, safeBrowsingErrorCb, &firstReportTime);
-    waitForEndOfStream(duration, firstReportTime);
-    KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
-    return 0;
+    static constinit Stream stream;
+    return listen(duration, stream,
+                  KelvarisSDK_ListenForSafeBrowsingError(sdk, safeBrowsingErrorCb, &stream).base);
 }
 
 int listenForSafeBrowsingBlocks(int duration) {
-    FirstReportTime firstReportTime = 0;
-    KelvarisSDK_SafeBrowsingBlockResult const call =
-        KelvarisSDK_ListenForSafeBrowsingBlock(sdk, safeBrowsingBlockCb, &firstReportTime);
-    waitForEndOfStream(duration, firstReportTime);
-    KelvarisSDK_UnregisterCallback(sdk, call.base.callbackId);
-    return 0;
+    static constinit Stream stream;
+    return listen(duration, stream,
+                  KelvarisSDK_ListenForSafeBrowsingBlock(sdk, safeBrowsingBlockCb, &stream).base);
 }
 
 int getSafeBrowsingStats() {

@@ -4,34 +4,48 @@
 #pragma once
 
 #include <atomic>
-#include <cstdio>
 #include <ctime>
+#include <exception>
+#include <span>
+#include <type_traits>
 
-#include "jsonprinter.h"
+#include "finish.h"
 
-// This is when the stream's first document came, and 0 before that. The library's thread writes it, the main
-// thread reads it.
-using FirstReportTime = std::atomic<std::time_t>;
+// What the library's thread, which prints a stream, tells the main thread, which waits for its end. A stream is static,
+// because callbacks may run until the library object is destroyed, whatever ends the action.
+struct Stream {
+    std::atomic<std::time_t> firstReportTime = 0; // 0 until the first document came
+    std::atomic<bool> lacksMemory = false;        // for a document, and none is printed any more
+};
+static_assert(std::is_trivially_destructible_v<Stream>);
 
-// Notes the time of a first document, and prints the framing and content of an error on standard error.
-void noteReport(FirstReportTime& firstReportTime);
-void printStreamError(KelvarisSDK_BaseResult const& result);
+// Notes the time of a first document.
+void noteReport(Stream& stream);
 
-// Does what every callback of a stream does; `userData` is the stream's FirstReportTime. Returns true, because the
-// stream goes on.
+// Does what every callback of a stream does; `userData` is the Stream. Returns true while the stream goes on.
 template <class Result>
 bool printReport(char const* tag, Result const& result, void* userData, void (*print)(Result const&)) {
-    noteReport(*static_cast<FirstReportTime*>(userData));
-    if (result.base.error) {
-        printStreamError(result.base);
-    } else {
-        std::puts(tag);
-        print(result);
-        std::puts("]\n");
+    Stream& stream = *static_cast<Stream*>(userData);
+    if (stream.lacksMemory) {
+        return false;
     }
-    return true;
+    noteReport(stream);
+    try {
+        ReportFrame const frame(result.base.error ? "error" : tag);
+        finish(result, print);
+    } catch (std::exception const&) { // must not reach the library, and says that memory ran out
+        stream.lacksMemory = true;
+    }
+    return !stream.lacksMemory;
 }
 
+// What the calls returned that a stream consists of.
+using StreamCalls = std::span<KelvarisSDK_BaseResult const>;
+
 // Sleeps in steps of a second until a positive duration has passed since the first document, or until a
-// document couldn't be written. 0 and -1 have no end.
-void waitForEndOfStream(int duration, FirstReportTime const& firstReportTime);
+// document couldn't be made or written. 0 and -1 have no end. There is nothing to wait for when a call has failed.
+void waitForEndOfStream(int duration, Stream const& stream, StreamCalls calls);
+
+// Unregisters the calls and returns the run's status. A call that has failed is printed; memory that ran out for a
+// document is thrown.
+int endStream(Stream const& stream, StreamCalls calls);

@@ -1,15 +1,52 @@
 #include "jsonprinter.h"
 
+#include <memory>
+#include <new>
+#include <sstream>
+
 #include "productStringReplacement.h"
 #include "recordtext.h"
 
+namespace {
+
+char const* reportTag = nullptr; // null: documents are written as they are
+
+// This is toStyledString(), which takes the text as complete when its stream has run out of memory.
+std::string styledText(Json::Value const& document) {
+    std::ostringstream text;
+    std::unique_ptr<Json::StreamWriter> const writer(Json::StreamWriterBuilder().newStreamWriter());
+    writer->write(document, &text);
+    text << '\n';
+    if (!text) {
+        throw std::bad_alloc();
+    }
+    return std::move(text).str();
+}
+
+} // namespace
+
+ReportFrame::ReportFrame(char const* tag) {
+    reportTag = tag;
+}
+
+ReportFrame::~ReportFrame() {
+    reportTag = nullptr;
+}
+
 void writeDocument(Json::Value const& document, std::FILE* stream) {
-    writeText(document.toStyledString(), stream);
+    writeText(styledText(document), stream);
 }
 
 void writeText(std::string const& text, std::FILE* stream) {
-    std::fputs(text.c_str(), stream);
+    if (reportTag == nullptr) {
+        std::fputs(text.c_str(), stream);
+        std::fflush(stream);
+        return;
+    }
+    std::string const start = std::string("[\"") + reportTag + "\",\n";
+    std::fputs((start + text).c_str(), stream);
     std::fflush(stream);
+    std::fputs("]\n\n", stream);
 }
 
 void printError(KelvarisSDK_BaseResult const& result) {

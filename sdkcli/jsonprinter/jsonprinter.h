@@ -1,5 +1,6 @@
 // Each printer writes its record as one styled JSON text to standard output (printError to standard error) and
-// flushes.
+// flushes. The text is whole before its first byte is written: when memory runs out a printer throws and has written
+// nothing.
 
 #pragma once
 
@@ -12,6 +13,16 @@
 void writeDocument(Json::Value const& document, std::FILE* stream = stdout);
 // Writes a document's finished text in the same way.
 void writeText(std::string const& text, std::FILE* stream = stdout);
+
+// A document that is written while one of these lives becomes a report of a stream: an array of the tag and the
+// document, and an empty line. What follows the document isn't flushed. One thread at a time may have one.
+class ReportFrame {
+public:
+    explicit ReportFrame(char const* tag);
+    ~ReportFrame();
+    ReportFrame(ReportFrame const&) = delete;
+    ReportFrame& operator=(ReportFrame const&) = delete;
+};
 
 // core
 void printError(KelvarisSDK_BaseResult const& result);

@@ -313,6 +313,9 @@ private:
 
     // Requests may hold passwords, so nothing of them stays in the storage.
     void removeSent() {
+        if (txSent == 0) {
+            return;
+        }
         std::copy(txBuffer.begin() + static_cast<std::ptrdiff_t>(txSent), txBuffer.end(), txBuffer.begin());
         std::size_t const rest = unsentBytes();
         explicit_bzero(txBuffer.data() + rest, txSent);

@@ -8,8 +8,8 @@
 
 namespace harness {
 
-// The simulated daemon as a child, which listens once the object stands; killed with it. Nothing reads what it
-// prints, so it must not be told to log.
+// The simulated daemon as a child, which listens once the object stands; killed with it. What it
+// prints is read at its end only, so it must not be told to log much.
 class Simulator {
 public:
     explicit Simulator(std::vector<std::string> const& options = {}, std::uint16_t wanted = 0)
