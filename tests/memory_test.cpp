@@ -5,7 +5,7 @@
 #include "support/process.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
-#include "support/source.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <atomic>
