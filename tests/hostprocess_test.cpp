@@ -17,7 +17,7 @@
 using namespace harness;
 
 // A process that was forked off from one with threads has threads of its own here.
-extern "C" char const* __tsan_default_options() {
+extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
     return "die_after_fork=0";
 }
 
