@@ -71,8 +71,15 @@ void takeOptions(int& argc, char**& argv, KelvarisSDK_CreateSettings& settings) 
     }
 }
 
+// Several threads may run out of memory; one line is enough.
 void reportLackOfMemory() {
-    std::fprintf(stderr, "%s: out of memory\n", binName);
+    static constinit bool reported = false; // guarded by the lock of the stream
+    flockfile(stderr);
+    if (!reported) {
+        reported = true;
+        std::fprintf(stderr, "%s: out of memory\n", binName);
+    }
+    funlockfile(stderr);
 }
 
 // An exception that finds no memory for itself ends here; another one that nobody catches ends the process as ever.
@@ -112,7 +119,6 @@ int main(int argc, char* argv[]) {
     shareOneArena();
     occupyStandardDescriptors();
     setBinName(argc > 0 ? argv[0] : "");
-
     std::set_terminate(endUncaught);
 
     // Apart from a thread that can't be started, an action throws only when memory runs out.

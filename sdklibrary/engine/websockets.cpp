@@ -293,7 +293,6 @@ void WebsocketImpl::serveSocket() {
         asleep = false;
         return;
     }
-    queueTaken = getTimeMillis();
     if (sendOutgoing()) {
         step();
         // After a loss that sending has shown, poll() would sleep the whole wait and delay the next attempt to connect.
@@ -329,7 +328,7 @@ template <class Step> bool WebsocketImpl::hasMemoryFor(Step step) {
 // How long the reader may wait when nothing happens, in milliseconds; -1: without limit.
 int WebsocketImpl::timeToWait(bool closing) {
     std::lock_guard const eventsLock(eventsMutex);
-    admitPending(closing ? Next::closingWait : Next::anything);
+    admitPending(closing ? Next::closingWait : Next::sending);
     step();
     {
         std::lock_guard const runningLock(runningMutex);
@@ -417,10 +416,12 @@ void WebsocketImpl::sweepTimeouts() {
     bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
     nextTimeout = never;
     visitEntries([&](EventDescription& entry) {
-        // A request that was queued while callbacks ran couldn't be sent, so its time-out begins when they returned.
-        if (entry.startTime >= queueTaken) {
+        // The callbacks that ran since this entry was admitted kept its request from leaving. The next pass sends it
+        // before it calls anybody, so this happens once.
+        if (entry.admittedAfterSending && entry.startTime != 0) {
             entry.startTime = std::max(entry.startTime, visitEnded);
         }
+        entry.admittedAfterSending = false;
         uint64_t const due = dueTime(entry);
         if (due > now) {
             nextTimeout = std::min(nextTimeout, due);
@@ -433,7 +434,6 @@ void WebsocketImpl::sweepTimeouts() {
         entry.finished = true;
         return remove;
     });
-    queueTaken = never;
 }
 
 void WebsocketImpl::handle_message(std::string const& text) {
@@ -497,6 +497,7 @@ void WebsocketImpl::admitPending(Next next) {
     std::lock_guard const lock(outgoingMutex);
     for (auto& [id, entry] : pendingEvents) {
         entry.startTime = std::max(entry.startTime, visitEnded);
+        entry.admittedAfterSending = next == Next::anything;
         nextTimeout = std::min(nextTimeout, dueTime(entry));
     }
     events.merge(pendingEvents);

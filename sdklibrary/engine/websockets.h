@@ -49,10 +49,11 @@ struct EventDescription {
     std::vector<std::string> subscribedEvents; // delivered without filter and without time-out
     std::vector<Request> requests;             // queued by getResult
     EventHandler callback;
-    uint64_t startTime = 0; // of getTimeMillis; 0: the time-out isn't armed
-    bool skipParse = false; // the handler wants no parsed message
-    uint64_t timeoutMs = 0; // 0: none
-    bool finished = false;  // something was delivered
+    uint64_t startTime = 0;            // of getTimeMillis; 0: the time-out isn't armed
+    bool skipParse = false;            // the handler wants no parsed message
+    uint64_t timeoutMs = 0;            // 0: none
+    bool finished = false;             // something was delivered
+    bool admittedAfterSending = false; // its requests leave in the reader's next pass
 };
 
 // The link to the daemon. Any thread may queue requests and register or remove entries; handlers run on the
@@ -128,8 +129,9 @@ private:
     bool sweepAndGoOn();
     void sweepTimeouts();
     bool deliver(EventDescription& entry, Message& message);
-    // What the reader does next: a wait in the closing state is announced to the callers.
-    enum class Next { anything, closingWait };
+    // What the reader does next: a wait in the closing state is announced to the callers, and the requests of those who
+    // are admitted before it sends leave at once.
+    enum class Next { anything, sending, closingWait };
     void admitPending(Next next = Next::anything);
     template <class Visit> void visitEntries(Visit visit);
 
@@ -148,8 +150,7 @@ private:
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
     std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
-    uint64_t queueTaken = never; // of getTimeMillis; when this pass sent what was queued
-    bool linkDropped = false;    // the connection ends with this pass
+    bool linkDropped = false;                          // the connection ends with this pass
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;
