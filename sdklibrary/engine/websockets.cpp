@@ -29,6 +29,7 @@
 
 #include "keys.h"
 #include "parsejson.h"
+#include "secrettext.h"
 #include "step.h"
 #include "threads.h"
 
@@ -39,6 +40,7 @@ namespace {
 constexpr int drainMs = 100;                // for what is queued when the object ends
 constexpr int maxWaitWithoutWakeupMs = 100; // where the process had no descriptor for the signal
 constexpr int reconnectMs = 250;
+constexpr char senderName[] = "kelvaris_sdk";
 
 // A payload passes when it passes every filter object of the entry's "members".
 bool passesFilter(Json::Value const& members, Json::Value const& payload) {
@@ -77,6 +79,15 @@ void wipe(Json::Value& value) {
         }
     }
 }
+
+// Overwrites a request's text, also when it can't be sent.
+struct Secret {
+    std::string text;
+
+    ~Secret() {
+        explicit_bzero(text.data(), text.size());
+    }
+};
 
 bool namesEvent(Json::Value const& awaited, std::string const& name) {
     char const* begin = nullptr;
@@ -158,10 +169,13 @@ void WebsocketImpl::end() {
 }
 
 std::string WebsocketImpl::requestToString(std::string const& request, Json::Value const& payload) {
+    if (holdsTextsOnly(payload)) {
+        return secretText(request, payload, senderName) + '\n';
+    }
     Request envelope{{}, Json::arrayValue};
     envelope.payload.append(request);
     envelope.payload.append(payload);
-    envelope.payload.append("kelvaris_sdk");
+    envelope.payload.append(senderName);
     // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
     if (!requestWriter) {
         requestWriter.reset(Json::StreamWriterBuilder().newStreamWriter());
@@ -354,9 +368,8 @@ bool WebsocketImpl::sendOutgoing() {
     step();
     try {
         for (Request const& request : requests) {
-            std::string text = requestToString(request.name, request.payload);
-            ws->send(text);
-            explicit_bzero(text.data(), text.size());
+            Secret const text{requestToString(request.name, request.payload)};
+            ws->send(text.text);
         }
     } catch (std::exception const&) {
         return false;
