@@ -17,12 +17,19 @@ bool isTooDeep(std::exception const& failure) {
 // Returns what is wrong with the text, or nothing.
 std::optional<std::string> problemOf(JsonReader& reader, Json::Value& value, std::string const& text) {
     char const* const end = text.data() + text.size();
-    // A number is read through a stream, which takes memory that runs out for a number that isn't one: the second look
-    // tells.
-    if (reader.parse(text.data(), end, value, false) || reader.parse(text.data(), end, value, false)) {
+    if (reader.parse(text.data(), end, value, false)) {
         return std::nullopt;
     }
-    return reader.getFormattedErrorMessages();
+    std::string const problem = reader.getFormattedErrorMessages();
+    // A number is read through a stream, which takes memory that runs out for a number that isn't one. What is wrong
+    // with the text itself shows again.
+    if (reader.parse(text.data(), end, value, false)) {
+        return std::nullopt;
+    }
+    if (reader.getFormattedErrorMessages() != problem) {
+        throw std::bad_alloc();
+    }
+    return problem;
 }
 
 } // namespace
