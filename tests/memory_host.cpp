@@ -1,5 +1,5 @@
 // A host whose memory runs out. Prints what comes of making a handle and of one call, and then, with memory again, of
-// another call and of the handle's end. Usage: PORT CALL [async]
+// another call and of the handle's end. Usage: PORT "CALL [async]"
 
 #include <cstdio>
 #include <cstdlib>
@@ -83,7 +83,7 @@ void perform(std::string_view call, bool async, KelvarisSDK_Handle* sdk) {
 
 } // namespace
 
-int main(int argc, char* argv[]) {
+int main(int, char* argv[]) {
     int const free = nextDescriptor();
     sem_init(&called, 0, 0);
     KelvarisSDK_CreateSettings settings;
@@ -97,7 +97,8 @@ int main(int argc, char* argv[]) {
         return 0;
     }
     std::printf("%s\n", sdk != nullptr ? "handle" : "no handle");
-    perform(argv[2], argc > 3, sdk);
+    std::string_view const call = argv[2];
+    perform(call.substr(0, call.find(' ')), call.ends_with(" async"), sdk);
     if (void* const failNothingMore = dlsym(RTLD_DEFAULT, "kelvarisFailNothingMore")) {
         reinterpret_cast<void (*)()>(failNothingMore)();
     }

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <csignal>
-#include <mutex>
 #include <new>
 #include <pthread.h>
 #include <system_error>
@@ -57,12 +56,13 @@ std::thread startThread(std::function<void()> body) {
 }
 
 unsigned forkGeneration() {
-    static std::once_flag counted;
-    std::call_once(counted, [] {
+    static bool const isCounted = [] {
         if (pthread_atfork(nullptr, nullptr, enterChild) != 0) {
             throw std::bad_alloc();
         }
-    });
+        return true;
+    }();
+    static_cast<void>(isCounted);
     return generation;
 }
 

@@ -108,10 +108,10 @@ class WebsocketImpl::Message {
 public:
     Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
 
-    void parse() {
+    void parse(JsonReader& reader) {
         if (!isParsed) {
             isParsed = true;
-            parseJson(document, text);
+            parseJson(reader, document, text);
         }
     }
 
@@ -358,15 +358,15 @@ int WebsocketImpl::timeToWait(bool closing) {
     return static_cast<int>(std::min(nextTimeout - std::min(nextTimeout, now), longest));
 }
 
-// False: no memory was left, and the requests are dropped whole.
+// False: no memory was left. Requests that haven't been taken out of the queue yet stay; the others are dropped whole.
 bool WebsocketImpl::sendOutgoing() {
-    std::deque<Request> requests;
-    {
-        std::lock_guard const lock(outgoingMutex);
-        requests.swap(outgoing);
-    }
-    step();
     try {
+        std::deque<Request> requests;
+        {
+            std::lock_guard const lock(outgoingMutex);
+            requests.swap(outgoing);
+        }
+        step();
         for (Request const& request : requests) {
             Secret const text{requestToString(request.name, request.payload)};
             ws->send(text.text);
@@ -468,7 +468,7 @@ void WebsocketImpl::handle_message(std::string const& text) {
 bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
     bool remove = false;
     auto const handOver = [&] {
-        if (!entry.skipParse && !hasMemoryFor([&] { message.parse(); })) {
+        if (!entry.skipParse && !hasMemoryFor([&] { message.parse(messageReader); })) {
             return;
         }
         step();
@@ -490,7 +490,7 @@ bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
         Json::Value const& members = awaited["members"];
         bool passes = members.empty();
         if (!passes && !hasMemoryFor([&] {
-                message.parse();
+                message.parse(messageReader);
                 passes = passesFilter(members, payloadOf(message.parsed()));
             })) {
             break;

@@ -17,6 +17,7 @@
 #include <json/json.h>
 
 #include "easywsclient.h"
+#include "parsejson.h"
 #include "wakeup.h"
 
 namespace kelvarissdk {
@@ -150,7 +151,8 @@ private:
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
     std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
-    bool linkDropped = false;                          // the connection ends with this pass
+    JsonReader messageReader;
+    bool linkDropped = false; // the connection ends with this pass
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;

@@ -37,12 +37,14 @@ std::string translateLocation(char const* prefix, std::string code) {
     if (code.empty()) {
         return code;
     }
-    static std::once_flag filled;
-    // The names need no library object, so the first look-up registers the table.
-    std::call_once(filled, [] {
+    // The names need no library object, so the first look-up registers the table. An exception that leaves
+    // std::call_once passes through the C library, which may have to load code for it and ends the process without memory.
+    static bool const isFilled = [] {
         fillTable();
         kelvaris::localization::load_sdklibraryTranslationTable();
-    });
+        return true;
+    }();
+    static_cast<void>(isFilled);
     return kelvaris::localization::translate(prefix + std::move(code) + "}}");
 }
 

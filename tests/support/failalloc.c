@@ -26,11 +26,15 @@ static int isCounting = -1; /* not known yet */
 static long count;
 static long failing;
 
+static void readEnvironment(void) {
+    char const* const number = getenv("KELVARIS_FAIL_AT");
+    failing = number == NULL ? 0 : atol(number);
+    isCounting = getenv("KELVARIS_FAIL_EARLY") != NULL;
+}
+
 static int fails(void) {
     if (isCounting < 0) {
-        char const* const number = getenv("KELVARIS_FAIL_AT");
-        failing = number == NULL ? 0 : atol(number);
-        isCounting = getenv("KELVARIS_FAIL_EARLY") != NULL;
+        readEnvironment();
     }
     if (!isCounting) {
         return 0;
@@ -93,10 +97,12 @@ void kelvarisFailNothingMore(void) {
 }
 
 static int countedMain(int argc, char** argv, char** environment) {
-    void* frames[1];
-    backtrace(frames, 1); /* loads what it needs */
+    if (getenv("KELVARIS_FAIL_TRACE") != NULL) {
+        void* frames[1];
+        backtrace(frames, 1); /* loads what it needs */
+    }
     struct itimerval const limit = {{0, 0}, {20, 0}};
-    fails();
+    readEnvironment(); /* a sanitizer allocates before there is one */
     if (failing > 0) {
         syscall(SYS_setitimer, ITIMER_REAL, &limit, NULL); /* which no faster clock changes */
     }
