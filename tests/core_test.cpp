@@ -186,3 +186,26 @@ TEST(Login, PromptEchoesWhileItIsStopped) {
     EXPECT_EQ(outcome.terminal.find("secret"), std::string::npos);
     EXPECT_EQ(daemon.finish(), "");
 }
+
+// SIGSTOP leaves no time to let the terminal echo. What it goes back to isn't forgotten in the background.
+TEST(Login, PromptEchoesAfterAStopThatCantBeCaught) {
+    ScriptedDaemon daemon({{"login", R"({"password":"secret","username":"me"})", {state(2)}}});
+    std::string const run =
+        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key";
+    Process process(
+        {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .input = std::nullopt});
+    process.waitForOutput("Enter password : ");
+    process.waitForEcho(false);
+    std::string const shell = std::to_string(process.id());
+    kill(std::stoi(contents("/proc/" + shell + "/task/" + shell + "/children")), SIGSTOP);
+    for (std::string const stop : {"one\n", "two\n"}) {
+        process.waitForOutput(stop);
+        process.type("\n");
+    }
+    process.type("secret\n");
+    process.waitForOutput(loggedIn + "three\n");
+    process.waitForEcho(true);
+    process.type("\n");
+    EXPECT_EQ(process.wait().status, 0);
+}
