@@ -33,6 +33,19 @@ std::unique_ptr<Json::StreamWriter> makeWriter() {
     return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
 }
 
+// A text that no key introduces may be anything.
+Json::Value masked(Json::Value value, bool hasKey) {
+    if (value.isString() && !hasKey) {
+        return mask;
+    }
+    hasKey = hasKey || value.isObject();
+    for (auto member = value.begin(); member != value.end(); ++member) {
+        bool const isSecret = std::count(secretKeys.begin(), secretKeys.end(), member.name()) != 0;
+        *member = isSecret ? Json::Value(mask) : masked(*member, hasKey);
+    }
+    return value;
+}
+
 } // namespace
 
 Json::Value parseRequest(std::string const& text) {
@@ -60,10 +73,7 @@ std::string compactText(Json::Value const& value) {
 }
 
 Json::Value withoutSecrets(Json::Value request) {
-    for (auto member = request.begin(); member != request.end(); ++member) {
-        bool const isSecret = std::count(secretKeys.begin(), secretKeys.end(), member.name()) != 0;
-        *member = isSecret ? Json::Value(mask) : withoutSecrets(*member);
-    }
+    request[1] = masked(request[1], false);
     return request;
 }
 

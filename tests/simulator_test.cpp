@@ -100,6 +100,8 @@ TEST(Simulator, LogHidesSecrets) {
     link.send(R"(login {"username":"me","password":"hidden"})");
     link.send(R"(login_oauth {"oauth":"hidden"})");
     link.send(R"(safe_browsing_token_refresh [{"token":{"a":"hidden"}}])");
+    link.send(R"(login_oauth "hidden")");
+    link.send(R"(login ["hidden",{"firewall":{"config":["hidden"]}}])");
     link.send(R"(login {"password":"hidden","username":"cut)");
     link.send("exit");
     while (link.next().starts_with('[')) {
