@@ -1,7 +1,8 @@
 // What a login leaves in the memory of the process that makes it, searched from outside: in all memory that can be
-// written, what was given back included, no eight bytes of the secret in a row may be found. The processes bind what they
-// call when they start: the dynamic linker would save the processor's registers, and with them pieces of what was
-// copied last, on the stack of the thread that calls a function first.
+// written, what was given back included, no piece of eight bytes may be found. The pieces are counted from the secret's
+// start, so whatever fifteen bytes of it stand in a row are found. The processes bind what they call when they start: the
+// dynamic linker would save the processor's registers, and with them what was copied last, on the stack of the thread
+// that calls a function first.
 
 #include "support/process.h"
 #include "support/scripteddaemon.h"
