@@ -70,7 +70,7 @@ bool allocationFails() {
         return false;
     }
     dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
-    return (dice >> 33) % 300 == 0 && ++failedAllocations;
+    return (dice >> 33) % 2000 == 0 && ++failedAllocations;
 }
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
@@ -304,7 +304,7 @@ void quietLinks(std::chrono::milliseconds duration) {
 void tryInChild(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     pid_t const child = fork();
     if (child == 0) {
-        alarm(60);
+        alarm(20);
         lacksMemory = false;
         bool const isRefused =
             KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode == KelvarisSDK_ErrorType_SDK;
@@ -339,7 +339,7 @@ void useWithoutMemory(KelvarisSDK_Handle* sdk, std::minstd_rand& random) {
 }
 
 void trouble(std::chrono::milliseconds duration) {
-    std::vector<std::string> const options = {"--interval", "3"};
+    std::vector<std::string> const options = {"--interval", "50"};
     Simulator const steady(options);
     std::optional<Simulator> restarted(std::in_place, options);
     std::uint16_t const port = restarted->port;
