@@ -93,7 +93,7 @@ std::string findings(pid_t process, std::string const& secret) {
 
 TEST(Secrets, LibraryLeavesNone) {
     for (SecretCall const& call : secretCalls) {
-        for (std::size_t const size : {31, 100, 500}) {
+        for (std::size_t const size : {31U, 100U, 500U}) {
             SCOPED_TRACE(call.name + ' ' + std::to_string(size));
             std::string const secret = secretOf(size);
             ScriptedDaemon daemon({{call.request, call.before + secret + "\"}", {call.answer}}}, noName);
