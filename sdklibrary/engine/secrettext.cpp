@@ -40,7 +40,7 @@ std::size_t sizeOfCharacter(std::string_view text) {
 void appendQuoted(std::string& out, std::string_view text) {
     out += '"';
     while (!text.empty()) {
-        std::size_t const plain =
+        auto const plain =
             static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
         out += text.substr(0, plain);
         text.remove_prefix(plain);
