@@ -17,7 +17,9 @@ template <class T> union NeverDestroyed {
     explicit NeverDestroyed(Arguments&&... arguments) : object(std::forward<Arguments>(arguments)...) {}
     NeverDestroyed(NeverDestroyed const&) = delete;
     NeverDestroyed& operator=(NeverDestroyed const&) = delete;
-    ~NeverDestroyed() {}
+    ~NeverDestroyed() {
+        // The object's own destructor doesn't run.
+    }
 
     T object;
 };
