@@ -1,4 +1,4 @@
-// The messages of the daemon as JSON.
+// The messages of the daemon are read as JSON here.
 
 #pragma once
 
@@ -12,7 +12,7 @@ namespace kelvarissdk {
 // what the reader left in it.
 void parseJson(Json::Value& value, std::string const& text);
 
-// Element 1 of a message, null where there is none.
+// Returns element 1 of a message, or null where there is none.
 Json::Value const& payloadOf(Json::Value const& message);
 
 } // namespace kelvarissdk

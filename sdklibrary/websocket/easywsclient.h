@@ -79,10 +79,10 @@ public:
     // every wait until the caller has emptied it; the caller keeps it open for as long as it is watched.
     virtual void watch(int descriptor) = 0;
 
-    // Bytes of framed messages that the kernel hasn't taken yet. In CLOSED: those that never left.
+    // Returns the bytes of framed messages that the kernel hasn't taken yet, in CLOSED those that never left.
     virtual std::size_t unsentBytes() const = 0;
 
-    // _dispatch() with any callable that takes a std::string const&.
+    // Does what _dispatch() does, with any callable that takes a std::string const&.
     template <typename Callable> void dispatch(Callable callable) {
         class Wrapper : public Callback_Imp {
         public:
