@@ -79,10 +79,12 @@ Json::Value withoutSecrets(Json::Value request) {
 
 std::string withoutSecrets(std::string const& text) {
     std::size_t end = text.size();
-    for (std::string const key : secretKeys) {
-        std::size_t const found = text.find(key);
-        end = found < end ? found + key.size() : end;
-    }
+    auto const endBehind = [&](std::string const& word) {
+        std::size_t const found = text.find(word);
+        end = found < end ? found + word.size() : end;
+    };
+    endBehind("login"); // what follows may be a secret without a key
+    std::for_each(secretKeys.begin(), secretKeys.end(), endBehind);
     return end == text.size() ? text : text.substr(0, end) + mask;
 }
 
