@@ -107,13 +107,14 @@ void WebsocketImpl::admitPending(Next next) {
 }
 
 // Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited
-// entry is erased only when its own visit is over. The caller holds eventsMutex.
+// entry is erased only when its own visit is over. In a child that a callback forks off, the visit ends with that callback.
+// The caller holds eventsMutex.
 template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
     if (events.empty()) {
         return;
     }
     uint64_t const last = events.rbegin()->first;
-    for (auto entry = events.begin(); entry != events.end() && entry->first <= last;) {
+    for (auto entry = events.begin(); entry != events.end() && entry->first <= last && !isInherited();) {
         visitedId = &entry->first;
         visitedRemoved = false;
         bool const remove = visit(entry->second);
@@ -149,7 +150,7 @@ void WebsocketImpl::sweepTimeouts() {
 }
 
 void WebsocketImpl::handle_message(std::string const& text) {
-    if (linkDropped || text.size() < 5 || text[0] != '[' || text[1] != '"') {
+    if (linkDropped || isInherited() || text.size() < 5 || text[0] != '[' || text[1] != '"') {
         return;
     }
     std::size_t const nameEnd = text.find('"', 2);

@@ -149,7 +149,7 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
 void WebsocketImpl::readerRunner() {
     isInReaderThread = true;
     // A request queued just before the end still leaves: the first pass connects and sends before it looks
-    // whether to go on.
+    // whether to go on. A callback that forks may return in the child as well, and the link is the parent's.
     do {
         if (!ws) {
             connect();
@@ -162,7 +162,7 @@ void WebsocketImpl::readerRunner() {
         } else {
             serveSocket();
         }
-    } while (sweepAndGoOn());
+    } while (!isInherited() && sweepAndGoOn() && !isInherited());
 }
 
 // Without memory it fails like any other attempt.
