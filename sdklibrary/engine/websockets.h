@@ -107,7 +107,7 @@ public:
     // True in a process that was forked off while the object existed: its thread runs in the parent.
     bool isInherited() const;
     // Makes an inherited object ready to be destroyed. False: the fork interrupted something that was changing it, so
-    // its memory must be left alone; its descriptors are closed.
+    // its memory must be left alone; its descriptors are closed, but for that of an attempt to connect.
     bool forgetThread();
 
     static constinit thread_local bool isInReaderThread;
