@@ -205,6 +205,22 @@ TEST(HostProcess, MayCancelAThreadThatDestroys) {
     EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
+// The first look-up fills the table, and each takes the table's lock.
+TEST(HostProcess, MayForkWhileItNamesPlaces) {
+    KelvarisSDK_ServerInformation const place{"us", "nyc", 0, false};
+    std::atomic<bool> goesOn = true;
+    auto names = std::async(std::launch::async, [&] {
+        while (goesOn) {
+            KelvarisSDK_ServerInformation_GetCountryName(place);
+        }
+    });
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(inChild([&] { return *KelvarisSDK_ServerInformation_GetCityName(place) == 'N' ? 0 : 1; }),
+                  0);
+    }
+    goesOn = false;
+}
+
 TEST(HostProcess, MayEndWithALiveHandle) {
     Simulator const simulator;
     EXPECT_FALSE(KelvarisSDK_ConnectCountry(Handle(simulator.port).sdk, "us", nullptr, nullptr).base.error);

@@ -44,6 +44,9 @@ void enterChild() {
     WebsocketImpl::isInReaderThread = false;
 }
 
+// 0 where forks are counted. This stands before the host can fork.
+int const forkHandler = pthread_atfork(nullptr, nullptr, enterChild);
+
 } // namespace
 
 std::thread startThread(std::function<void()> body) {
@@ -56,13 +59,9 @@ std::thread startThread(std::function<void()> body) {
 }
 
 unsigned forkGeneration() {
-    static bool const isCounted = [] {
-        if (pthread_atfork(nullptr, nullptr, enterChild) != 0) {
-            throw std::bad_alloc();
-        }
-        return true;
-    }();
-    static_cast<void>(isCounted);
+    if (forkHandler != 0) {
+        throw std::bad_alloc();
+    }
     return generation;
 }
 

@@ -1,5 +1,6 @@
 #include "locationnames.h"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
@@ -37,14 +38,14 @@ std::string translateLocation(char const* prefix, std::string code) {
     if (code.empty()) {
         return code;
     }
-    // The names need no library object, so the first look-up registers the table. An exception that leaves
-    // std::call_once passes through the C library, which may have to load code for it and ends the process without memory.
-    static bool const isFilled = [] {
+    // The names need no library object, so the first look-up registers the table. Several may do so at once, of which one
+    // changes something. Nobody waits for the first one by anything but the mutex, which a forked child finds free.
+    static std::atomic<bool> isFilled = false;
+    if (!isFilled) {
         fillTable();
         kelvaris::localization::load_sdklibraryTranslationTable();
-        return true;
-    }();
-    static_cast<void>(isFilled);
+        isFilled = true;
+    }
     return kelvaris::localization::translate(prefix + std::move(code) + "}}");
 }
 
