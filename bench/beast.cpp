@@ -1,5 +1,5 @@
-// What one would write without a client of one's own: the exchange of a run of "sdkcli state" by Boost.Beast
-// and jsoncpp. beast PORT run | beast PORT loop COUNT, which prints round trips a second.
+// This is what one would write without a client of one's own: it makes the exchange of a run of "sdkcli state" by
+// Boost.Beast and jsoncpp. beast PORT run | beast PORT loop COUNT, which prints round trips a second.
 
 #include <utility> // Asio of this version needs it and doesn't include it
 

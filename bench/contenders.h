@@ -1,5 +1,5 @@
-// What is measured and what it is compared with: programs, daemons that serve them, and the measurements inside one
-// process.
+// The contenders are what is measured and what it is compared with: programs, the daemons that serve them, and the
+// measurements inside one process.
 
 #pragma once
 
@@ -44,13 +44,13 @@ public:
     std::function<Run()> yardstick(std::string const& name, Daemon const& daemon,
                                    std::string const& action) const;
     double minimal(std::string const& port, std::string const& mode, int count, int last) const;
-    // Of resident memory, in bytes.
+    // Returns the peak of resident memory, in bytes.
     double peakMemory(std::vector<std::string> argv) const;
 
     Json::Value inProcess(std::string const& benchmark) const;
     std::function<double()> inProcess(std::string const& benchmark, std::string const& counter) const;
 
-    // The one number that a program prints.
+    // Returns the one number that a program prints.
     static double numberOf(std::vector<std::string> const& argv);
 
 private:

@@ -184,12 +184,12 @@ public:
         mustSucceed(intact, "a report of a burst failed");
     }
 
-    // Between the ends of the first and of the last report.
+    // Returns the time between the ends of the first and of the last report.
     double secondsAReport() const {
         return seconds / intervals;
     }
 
-    // Of the reader thread.
+    // Returns the processor time of the reader thread.
     double cpuSecondsAReport() const {
         return cpu / intervals;
     }
@@ -282,7 +282,7 @@ long residentKiB() {
     return size;
 }
 
-// By 100,000 reports, once its buffers have found their size.
+// A handle handles 100,000 reports once its buffers have found their size.
 void growth(benchmark::State& state) {
     constexpr int count = 100'000;
     Handle const handle = makeHandle(portFrom("LOAD_PORT"), loadName(count));

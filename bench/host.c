@@ -33,7 +33,7 @@ static void* load(char const* path) {
     return library;
 }
 
-/* Of any type, through the only pointer that C converts nothing else to. */
+/* Copies a function's address to where `function` points, because C converts no pointer to data into one to a function. */
 static void find(void* library, char const* name, void* function) {
     void* const address = dlsym(library, name);
     if (address == NULL) {

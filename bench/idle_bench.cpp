@@ -1,4 +1,4 @@
-// What a handle does while nothing happens.
+// This measures what a handle does while nothing happens.
 
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Of all threads but this one.
+// Counts all threads but this one.
 struct Activity {
     int threads = 0;
     long wakeUps = 0;
@@ -80,7 +80,7 @@ void idleClosing(benchmark::State& state) {
 }
 BENCHMARK(idleClosing)->Iterations(1);
 
-// A bound port of the loopback interface that takes connections, if it listens, and never answers.
+// Holds a bound port of the loopback interface, which takes connections if it listens, and never answers.
 class MutePort {
 public:
     explicit MutePort(bool listens) : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {

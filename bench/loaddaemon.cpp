@@ -81,7 +81,7 @@ std::string frame(std::string const& name, Json::Value const& payload) {
     return bytes + text;
 }
 
-// Everything that a request is answered by, as it goes out.
+// Holds everything that a request is answered by, as it goes out.
 std::string answer(std::string const& request, Load const& load) {
     std::string one;
     if (request == "request_current_state") {

@@ -21,9 +21,9 @@
 #include <time.h>
 #include <unistd.h>
 
-enum { roomSize = 4 << 20, readSize = 16 << 10 };
+enum { capacity = 4 << 20, readSize = 16 << 10 };
 
-static uint8_t room[roomSize];
+static uint8_t buffer[capacity];
 static size_t begin, end;
 static int descriptor;
 
@@ -55,16 +55,16 @@ static void need(size_t count) {
     if (begin == end) {
         begin = end = 0;
     }
-    if (count > roomSize - begin) {
-        memmove(room, room + begin, end - begin);
+    if (count > capacity - begin) {
+        memmove(buffer, buffer + begin, end - begin);
         end -= begin;
         begin = 0;
     }
     while (end - begin < count) {
         size_t const missing = count - (end - begin);
         size_t const wanted = missing > readSize ? missing : readSize;
-        size_t const free = roomSize - end;
-        ssize_t const got = recv(descriptor, room + end, wanted < free ? wanted : free, 0);
+        size_t const free = capacity - end;
+        ssize_t const got = recv(descriptor, buffer + end, wanted < free ? wanted : free, 0);
         if (got <= 0) {
             fail("the daemon has ended the connection");
         }
@@ -83,7 +83,7 @@ static void upgrade(int port) {
     sendAll(request, (size_t)size);
     do {
         need(end - begin + 1);
-    } while (end < 4 || memcmp(room + end - 4, "\r\n\r\n", 4) != 0);
+    } while (end < 4 || memcmp(buffer + end - 4, "\r\n\r\n", 4) != 0);
     begin = end;
 }
 
@@ -134,18 +134,18 @@ static void ask(void) {
 /* Takes one message out of the buffer. The daemon sends whole text frames without a mask. */
 static uint8_t const* receive(size_t* size) {
     need(2);
-    size_t const shortLength = room[begin + 1];
+    size_t const shortLength = buffer[begin + 1];
     size_t const extended = shortLength < 126 ? 0 : shortLength == 126 ? 2 : 8;
     need(2 + extended);
     *size = extended == 0 ? shortLength : 0;
     for (size_t i = 0; i < extended; ++i) {
-        *size = *size << 8 | room[begin + 2 + i];
+        *size = *size << 8 | buffer[begin + 2 + i];
     }
-    if (room[begin] != 0x81 || shortLength > 127 || *size > roomSize - 16) {
+    if (buffer[begin] != 0x81 || shortLength > 127 || *size > capacity - 16) {
         fail("not a text frame");
     }
     need(2 + extended + *size);
-    uint8_t const* const message = room + begin + 2 + extended;
+    uint8_t const* const message = buffer + begin + 2 + extended;
     begin += 2 + extended + *size;
     return message;
 }

@@ -59,7 +59,7 @@ public:
         }
     }
 
-    // The payload of one frame of less than 64 KiB.
+    // Returns the payload of one frame of less than 64 KiB.
     std::string receive() {
         need(2);
         std::size_t head = 2;
@@ -124,7 +124,7 @@ Json::Value parsed(std::string const& text) {
     return document;
 }
 
-// The element behind the name of the report that answers the request.
+// Returns the element behind the name of the report that answers the request.
 Json::Value ask(Link& link, char const* request) {
     Json::Value name;
     name["name"] = "Kelvaris";
@@ -159,7 +159,7 @@ std::string serverList(Json::Value const& servers, bool privateOnes) {
     return list.empty() ? "[]" : list + "\n\t]";
 }
 
-// As jsoncpp would write a document, which would take longer to build and to write than the report to parse.
+// Writes what jsoncpp would write of a document, which takes longer to build and to write than the report to parse.
 std::string serversDocument(Json::Value const& servers) {
     return "{\n\t\"private\" : " + serverList(servers, true) +
            ",\n\t\"public\" : " + serverList(servers, false) + "\n}\n";

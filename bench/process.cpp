@@ -24,7 +24,7 @@ int checked(int result, char const* what) {
     return result;
 }
 
-// What a child writes, kept in memory, so that nobody has to read while it runs.
+// Keeps what a child writes in memory, so that nobody has to read while it runs.
 class Output {
 public:
     Output() : descriptor(checked(memfd_create("output", MFD_CLOEXEC), "memfd_create")) {}

@@ -29,7 +29,7 @@ private:
     cpu_set_t before;
 };
 
-// A daemon that prints "... listening on ADDRESS:PORT"; killed with the object.
+// Runs a daemon that prints "... listening on ADDRESS:PORT", and kills it at the end of the object.
 class Daemon {
 public:
     explicit Daemon(std::vector<std::string> const& argv);
@@ -46,7 +46,7 @@ private:
     std::string portText;
 };
 
-// A port of the loopback interface that refuses connections, for the lifetime of the object.
+// Holds a port of the loopback interface that refuses connections for the lifetime of the object.
 class ClosedPort {
 public:
     ClosedPort();

@@ -1,5 +1,4 @@
-// The one table that comes out: a line a figure, with its ratio to each yardstick and whether it keeps its
-// limits.
+// The table has a line for each figure, with its ratio to each yardstick and whether it keeps its limits.
 
 #pragma once
 

@@ -3,23 +3,30 @@
 
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace kelvaris::localization {
 
-// An object with static storage that a thread may still use while the process ends.
-template <class T> union NeverDestroyed {
+// An object with static storage that a thread may still use while the process ends: its destructor doesn't run.
+template <class T> class NeverDestroyed {
+public:
     template <class... Arguments>
-    explicit NeverDestroyed(Arguments&&... arguments) : object(std::forward<Arguments>(arguments)...) {}
+    explicit NeverDestroyed(Arguments&&... arguments)
+        : object(*::new (&storage) T(std::forward<Arguments>(arguments)...)) {}
     NeverDestroyed(NeverDestroyed const&) = delete;
     NeverDestroyed& operator=(NeverDestroyed const&) = delete;
-    ~NeverDestroyed() {}
 
-    T object;
+private:
+    alignas(T) std::byte storage[sizeof(T)];
+
+public:
+    T& object;
 };
 
 // From language code to key to text.

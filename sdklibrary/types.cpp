@@ -1,4 +1,4 @@
-// The texts of the enumerations, and the names of servers.
+// Enumerations have texts, and servers have names.
 
 #include <cstddef>
 #include <cstring>

@@ -1,4 +1,4 @@
-// What the C interface promises about callbacks, threads and handles.
+// These tests hold the C interface to what it promises about callbacks, threads and handles.
 
 #include "support/sdk.h"
 #include "support/texts.h"
@@ -12,7 +12,7 @@ using namespace harness;
 
 namespace {
 
-// Both kinds of report, so that one function serves both kinds of call.
+// It takes both kinds of report, so that one function serves both kinds of call.
 std::string numbered(std::string const& name, int number) {
     std::string const text = std::to_string(number);
     return report(name, R"({"state":)" + text + R"(,"maj":)" + text + "}");

@@ -30,18 +30,19 @@ std::string usageOf(std::string const& program) {
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// Inlined, these would look to the compiler like a mismatch of new and free.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
         throw std::bad_alloc();
     }
     return std::malloc(size);
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
 

@@ -83,7 +83,7 @@ protected:
         ::close(std::exchange(peer, -1));
     }
 
-    // Connects, with the peer answering in these pieces and then, if asked to, closing. False: no connection.
+    // Connects; the peer answers in these pieces and then closes, if asked to. False says that there is no connection.
     bool open(Messages const& answer = {upgraded}, bool thenClose = false, string const& to = "",
               string const& origin = "") {
         client.reset();
@@ -131,7 +131,7 @@ protected:
         }
     }
 
-    // The next bytes that the client sends, or those that come before the end.
+    // Returns the next bytes that the client sends, or those that come before the end.
     string take(std::size_t size) {
         string text;
         char chunk[65536];

@@ -16,7 +16,7 @@ using std::chrono::steady_clock;
 
 namespace {
 
-// The request of GetState.
+// GetState sends this request.
 Step asked(std::vector<Answer> const& answers = {}, Then then = Then::carryOn) {
     return {"request_current_state", "null", answers, then};
 }
@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-// The name is sent whole, and nothing behind it.
+// The name is sent whole and without what stands behind it.
 TEST(Engine, NameWithoutATerminator) {
     KelvarisSDK_CreateSettings settings;
     KelvarisSDK_InitializeCreateSettings(&settings);
@@ -109,7 +109,8 @@ TEST_F(Unlinked, FiltersAndLists) {
     EXPECT_EQ(deliveries, 4);
 }
 
-// Between two entries, one of which waits less and the other more; one pass of the reader takes them in their order.
+// The entry stands between two others, one of which waits less and the other more. One pass of the reader takes them in
+// their order.
 TEST(Engine, DefaultTimeOut) {
     if (ranOnClock(20)) {
         return;
@@ -139,8 +140,8 @@ TEST(Engine, DefaultTimeOut) {
     EXPECT_EQ(second.get(), "4999:sdk_error error 3845 Unable to connect 5001:sdk_error ");
 }
 
-// At most 100 ms late where there is a link, and 250 ms where there is none. A busy machine may take longer, but
-// not each time.
+// A time-out comes at most 100 ms late where there is a link, and 250 ms where there is none. A busy machine may take
+// longer, but not each time.
 TEST(Engine, TimeOutsAreNotLate) {
     ScriptedDaemon const nobody({}, absent);
     ScriptedDaemon silent({}, noName);

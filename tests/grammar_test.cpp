@@ -33,7 +33,7 @@ std::string manPage(std::string const& program) {
     return std::regex_replace(source("docs/" + program + ".1"), std::regex(R"(\\-)"), "-");
 }
 
-// What the usage lines say may stand behind the words typed; "*" is any word.
+// Returns what the usage lines say may stand behind the words typed; "*" is any word.
 std::map<std::string, Words> behindTyped() {
     std::map<std::string, Words> behind;
     for (Rule const& rule : rules()) {
@@ -45,7 +45,7 @@ std::map<std::string, Words> behindTyped() {
     return behind;
 }
 
-// The keywords of the tables, by those that lead to them.
+// Returns the keywords of the tables, by those that lead to them.
 void addKeywords(std::map<std::string, Words>& found, std::string const& typed, Keywords rows) {
     for (Keyword const& row : rows) {
         found[typed].push_back(row.word);
@@ -73,7 +73,7 @@ TEST(Grammar, EveryKeywordHasAUsageLineAndTheOtherWayRound) {
     }
 }
 
-// The entries of the man page's actions: the words of their first line, and of all of them.
+// Returns the entries of the man page's actions with the words of their first line, and of all of them.
 std::vector<std::pair<Words, Words>> manEntries() {
     std::string const page = std::regex_replace(manPage("sdkcli"), std::regex(R"(\\f.|"|\\ )"), "");
     std::vector<std::pair<Words, Words>> found;
@@ -112,7 +112,7 @@ TEST(Grammar, EveryWordIsInTheManPage) {
     }
 }
 
-// What bash offers behind the options and each of the words typed, which are the keys. A "*" is any word.
+// Returns what bash offers behind the options and each of the words typed, which are the keys. A "*" is any word.
 template <class T>
 std::map<std::string, std::string> offeredByBash(std::string const& options,
                                                  std::map<std::string, T> const& keys) {
@@ -143,7 +143,7 @@ TEST(Grammar, EveryWordIsCompletedByBash) {
     }
 }
 
-// What the tool prints of this simulated daemon.
+// Returns what the tool prints of this simulated daemon.
 Json::Value shown(Simulator const& daemon, std::string const& line) {
     std::string const words = "-p " + std::to_string(daemon.port) + ' ' + line;
     Outcome const outcome = runProcess(tool(split(words)));

@@ -77,7 +77,7 @@ void speeds(KelvarisSDK_Handle* sdk) {
     }
 }
 
-// Documents of the host's, while the library reads and writes its own.
+// The host reads and writes documents while the library reads and writes its own.
 void bothAtWork(KelvarisSDK_Handle* sdk) {
     bool read = true;
     std::thread calls([&] {

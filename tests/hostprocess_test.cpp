@@ -16,10 +16,17 @@
 
 using namespace harness;
 
-// A process that was forked off from one with threads has threads of its own here.
+// The thread sanitizer would let every process sleep for a second at its end.
 extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
-    return "die_after_fork=0";
+    return "atexit_sleep_ms=0";
 }
+
+// The thread sanitizer takes a thread that a child starts for the parent's whose stack it gets, and ends the child.
+#ifdef __SANITIZE_THREAD__
+constexpr bool childMayStartThreads = false;
+#else
+constexpr bool childMayStartThreads = true;
+#endif
 
 namespace {
 
@@ -54,8 +61,10 @@ int tryInChild(Guest const& parents) {
             KelvarisSDK_EnableStatUpdates(parents.sdk, true, 0, nullptr).error;
         KelvarisSDK_UnregisterCallback(parents.sdk, 0);
         KelvarisSDK_Destroy(parents.sdk);
-        Handle const own(parents.port);
-        return (refused ? 0 : 1) + (codeOf(own.sdk) == KelvarisSDK_ErrorType_NO_ERROR ? 0 : 2);
+        return (refused ? 0 : 1) +
+               (!childMayStartThreads || codeOf(Handle(parents.port).sdk) == KelvarisSDK_ErrorType_NO_ERROR
+                    ? 0
+                    : 2);
     });
 }
 
@@ -117,8 +126,9 @@ TEST(HostProcess, KeepsItsSignals) {
 TEST(HostProcess, MayFork) {
     Step const version{"request_version_data", "null", {report("version_data", "{}")}};
     Step const statistics{"stat_subscribe", R"({"enable":true})"};
-    ScriptedDaemon daemon({statistics, statistics, version, version, version, version},
-                          {.appName = std::nullopt});
+    std::vector<Step> exchange = {statistics, statistics, version, version};
+    exchange.resize(childMayStartThreads ? 6 : 4, version);
+    ScriptedDaemon daemon(exchange, {.appName = std::nullopt});
     Handle const handle(daemon.port());
     KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
     daemon.waitForRequest("stat_subscribe");

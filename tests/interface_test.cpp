@@ -62,7 +62,7 @@ std::map<std::string, Start> const starts{
 };
 #undef ROW
 
-// Every report that finishes a call, of each twice.
+// Returns every report that finishes a call, each of them twice.
 std::string allReports() {
     std::string frames;
     std::istringstream lines(golden("reports.txt"));
@@ -72,7 +72,7 @@ std::string allReports() {
     return frames + frames;
 }
 
-// A line of the catalogue of calls.
+// Holds a line of the catalogue of calls.
 struct Call {
     std::string delivery, lock;
     Words requests;
@@ -89,7 +89,7 @@ std::map<std::string, Call> catalogue() {
     return calls;
 }
 
-// The files of a folder, not of those in it.
+// Returns the files of a folder, but not those of the folders in it.
 std::string sources(std::string const& folder) {
     std::string texts;
     for (auto const& file : std::filesystem::directory_iterator(SOURCE_DIR "/" + folder)) {
@@ -98,7 +98,7 @@ std::string sources(std::string const& folder) {
     return texts;
 }
 
-// What the pattern's group captures.
+// Returns what the pattern's group captures.
 std::set<std::string> found(std::string const& pattern, std::string const& text) {
     std::set<std::string> captures;
     std::regex const expression(pattern);

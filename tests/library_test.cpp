@@ -1,4 +1,4 @@
-// What the library does that no command line reaches and no document shows.
+// These tests reach what no command line does and no document shows.
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
@@ -86,7 +86,7 @@ TEST(Library, RefusedArguments) {
     EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
 }
 
-// Numbers that the tool's words can't say.
+// The tool's words can't say these numbers.
 TEST(Library, NumbersWithoutAWord) {
     Step const connected{"server_auto_connect", R"({"server":"auto"})", {state(6)}};
     std::string const answer = report("connection_settings", R"({"language":"eng"})");

@@ -17,7 +17,7 @@ using namespace kelvarissdk;
 
 namespace {
 
-// A place's names by their languages, by the place's key.
+// Returns a place's names by their languages, by the place's key.
 std::map<std::string, std::map<std::string, std::string>> places() {
     getCountry("us"); // fills the table
     std::map<std::string, std::map<std::string, std::string>> places;
@@ -29,7 +29,7 @@ std::map<std::string, std::map<std::string, std::string>> places() {
     return places;
 }
 
-// The first test: nothing has filled the table before.
+// This is the first test, because nothing may have filled the table before.
 TEST(LocationNames, ManyThreadsMayAskAtOnce) {
     std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {

@@ -58,18 +58,18 @@ void testStream(std::string const& words, std::string const& event, std::string 
 
 } // namespace
 
-// The runner repeats the subscription within a tick, without periods; not again when it begins anew after a
-// pause. The answers give it the time of two ticks in the pause and of two behind it.
+// The runner repeats the subscription at once, without periods, but not again when it begins anew after a pause. The
+// answers take 600 ms in the pause and behind it, in which a wrong repeat would show.
 TEST(Stats, SubscriptionAndItsRepeat) {
-    Step ticks = asked("disconnect_reason",
-                       R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})");
-    ticks.delayMs = 600;
+    Step slow = asked("disconnect_reason",
+                      R"({"disconnectReason":"SLEEP","sessionEnd":-5,"sessionLength":9007199254740993})");
+    slow.delayMs = 600;
     std::vector<Step> const script = {{"stat_subscribe", R"({"enable":true,"periods":[6,5,4,3,2]})"},
                                       {"stat_subscribe", R"({"enable":true})"},
                                       {"stat_subscribe", R"({"enable":false})"},
-                                      ticks,
+                                      slow,
                                       {"stat_subscribe", R"({"enable":true,"periods":[6,5]})"},
-                                      ticks};
+                                      slow};
     ScriptedDaemon daemon(script, noName);
     Sdk sdk(daemon);
     unsigned int periods[] = {6, 5, 4, 3, 2, 1};

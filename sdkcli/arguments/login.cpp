@@ -10,7 +10,7 @@
 namespace {
 
 template <int Size> struct Secret {
-    char text[Size];
+    char text[Size] = {};
 
     Secret() = default;
     Secret(Secret const&) = delete;

@@ -1,7 +1,6 @@
 #include "prompt.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -146,8 +145,8 @@ private:
                          previous[signal].sa_handler == SIG_DFL && sigaction(signal, &action, nullptr) == 0;
     }
 
-    std::array<struct sigaction, NSIG> previous{};
-    std::array<bool, NSIG> caught{};
+    struct sigaction previous[NSIG] = {};
+    bool caught[NSIG] = {};
 };
 
 // Reads a line's first bytes into the buffer and returns the line's length. Standard input's own buffer would keep a

@@ -20,20 +20,20 @@ template <std::size_t N> void setText(char (&field)[N], std::string_view text) {
     std::memset(field + length, 0, N - length);
 }
 
-// A text from the first byte of a field of the record to its first zero byte. A full field runs on into its
+// Returns the text from the first byte of a field of the record to its first zero byte. A full field runs on into its
 // neighbours, but never past the record's end.
 template <class Record> std::string textIn(Record const& record, char const* field) {
     char const* const end = reinterpret_cast<char const*>(&record + 1);
     return {field, std::find(field, end, '\0')};
 }
 
-// A text that ends with its slot at the latest.
+// Returns the text of a slot, which ends with the slot at the latest.
 template <std::size_t N> std::string textIn(char const (&slot)[N]) {
     return {slot, std::find(slot, slot + N, '\0')};
 }
 
-// A value of a report as text, copied only where it is a number or a bool; null is the empty text. A list or
-// an object throws. The value must live as long.
+// Shows a value of a report as text and copies it only where it is a number or a bool; null is the empty text. A list
+// or an object throws. The value must live as long.
 class Text {
 public:
     explicit Text(Json::Value const& value) {
@@ -57,7 +57,7 @@ private:
     std::string_view text;
 };
 
-// setText() with a value of a report.
+// Does what setText() does, with a value of a report.
 template <std::size_t N> void copyText(char (&field)[N], Json::Value const& value) {
     setText(field, Text(value).view());
 }
@@ -77,7 +77,7 @@ void fillSlots(Count& count, Slot (&slots)[N], Json::Value const& list, Fill fil
     count = static_cast<Count>(used);
 }
 
-// fillSlots() with texts.
+// Does what fillSlots() does, with texts.
 template <class Count, std::size_t M, std::size_t N>
 void fillTexts(Count& count, char (&slots)[M][N], Json::Value const& list) {
     fillSlots(count, slots, list, copyText<N>);

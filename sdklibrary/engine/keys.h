@@ -1,4 +1,4 @@
-// The keys of all payloads on the wire, one member a key.
+// Each key of the payloads on the wire is a member here.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// The messages of the daemon as JSON.
+// The messages of the daemon are read as JSON here.
 
 #pragma once
 
@@ -20,7 +20,7 @@ using JsonReader = Json::Reader;
 // std::bad_alloc. Making a reader costs more than parsing a small report, so the caller keeps one.
 void parseJson(JsonReader& reader, Json::Value& value, std::string const& text);
 
-// Element 1 of a message, null where there is none.
+// Returns element 1 of a message, or null where there is none.
 Json::Value const& payloadOf(Json::Value const& message);
 
 // Tells memory that ran out, for which jsoncpp has an exception of its own, from other failures.

@@ -1,4 +1,4 @@
-// The heads that failures give to records.
+// A failure is told by the head of its record.
 
 #pragma once
 
@@ -13,7 +13,7 @@ void noWebsocketImplementation(KelvarisSDK_BaseResult* result);
 void invalidArgument(KelvarisSDK_BaseResult* result);
 void callbackRequired(KelvarisSDK_BaseResult* result);
 void synchronousCalledFromAsynchronousCallback(KelvarisSDK_BaseResult* result);
-// The same for what an asynchronous call returns at once; its `error` is false.
+// Does the same for what an asynchronous call returns at once, but `error` is false.
 void asyncMode(KelvarisSDK_BaseResult* result);
 // Reason 1 is the server's lock and 2 the account's; any other leaves the record as it is.
 void settingLocked(KelvarisSDK_BaseResult* result, int reason);

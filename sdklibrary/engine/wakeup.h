@@ -1,4 +1,4 @@
-// The signal that ends the reader thread's wait.
+// A signal ends the reader thread's wait.
 
 #pragma once
 

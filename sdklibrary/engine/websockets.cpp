@@ -190,7 +190,7 @@ void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& p
 
 void WebsocketImpl::sendRequest(EventDescription& description, std::string const& request,
                                 Json::Value const& payload) {
-    description.requests.push_back({request, payload});
+    description.requests.emplace_back(request, payload);
 }
 
 void WebsocketImpl::waitForEvent(EventDescription& description, std::string const& event) {

@@ -22,7 +22,7 @@
 
 namespace kelvarissdk {
 
-// Milliseconds of the steady clock.
+// Returns the milliseconds of the steady clock.
 uint64_t getTimeMillis();
 
 // The event that tells a handler of a time-out. A daemon's event of that name reaches nobody, because no entry awaits
@@ -44,7 +44,7 @@ struct Request {
     Json::Value payload;
 };
 
-// One waiting call.
+// Describes one waiting call.
 struct EventDescription {
     std::vector<Json::Value> awaitedEvents;    // {"event": name, "members": [filter objects]}
     std::vector<std::string> subscribedEvents; // delivered without filter and without time-out
@@ -72,12 +72,12 @@ public:
     WebsocketImpl(WebsocketImpl const&) = delete;
     WebsocketImpl& operator=(WebsocketImpl const&) = delete;
 
-    // The text of a request on the wire. Called by the reader thread, which owns the writer.
+    // Returns the text of a request on the wire. The reader thread calls it, because it owns the writer.
     std::string requestToString(std::string const& request, Json::Value const& payload);
 
-    // A request without an answer, queued at once.
+    // Queues a request that has no answer.
     void sendRequest(std::string const& request, Json::Value const& payload = {});
-    // A request of a call, queued by getResult.
+    // Adds a request to a call. getResult() queues it.
     static void sendRequest(EventDescription& description, std::string const& request,
                             Json::Value const& payload = {});
 
@@ -97,7 +97,7 @@ public:
     // Erases an entry; inside one of its own deliveries, at the end of that. An unknown id is ignored.
     void removeCallback(unsigned long long id);
 
-    // Hands one message of the daemon to every entry that waits for it. Called by the reader thread.
+    // Hands one message of the daemon to every entry that waits for it. The reader thread calls it.
     void handle_message(std::string const& text);
 
     // Memory has run out, so something that was received is lost: the rest of it is dropped and the connection made
@@ -116,7 +116,7 @@ private:
     class Message;
 
     static constexpr uint64_t never = UINT64_MAX;
-    // When the entry's time-out is due, as getTimeMillis counts.
+    // Returns when the entry's time-out is due, as getTimeMillis() counts.
     static uint64_t dueTime(EventDescription const& entry);
 
     void readerRunner();

@@ -46,7 +46,7 @@ Exchange change(char const* request, Json::Value const& payload, char const* rep
 // Commands something that no lock concerns.
 Exchange command(char const* request, Json::Value const& payload, char const* report);
 
-// One of the two kinds of function that fill a record from a payload.
+// Holds one of the two kinds of function that fill a record from a payload.
 template <class T> class RecordParser {
 public:
     // Fills the record from any awaited report; the record is then complete.
@@ -71,7 +71,7 @@ private:
     Chooser choose = nullptr;
 };
 
-// The head of a call's record, and what guards the record.
+// Holds the head of a call's record, and the mutex that guards the record.
 struct lockedHead {
     explicit lockedHead(KelvarisSDK_BaseResult& ofRecord) : head(ofRecord) {}
     lockedHead(lockedHead const&) = delete;
@@ -81,7 +81,7 @@ struct lockedHead {
     KelvarisSDK_BaseResult& head;
 };
 
-// A call's record, zeroed at first, shared by the caller and the handler in the event table.
+// Holds a call's record, which is zeroed at first. The caller and the handler in the event table share it.
 template <class T> struct lockedResult : lockedHead {
     lockedResult() : lockedHead(result.base) {}
 
@@ -140,7 +140,7 @@ T wsNonSubscriptionWrapper(bool (*callback)(T, void*), void* userData,
     return wsWrapper(callback, userData, websocket, exchange, {.settingName = exchange.settingName}, parse);
 }
 
-// A record that only says why the call was refused.
+// Returns a record that only says why the call was refused.
 template <class T> T refused(void (*reason)(KelvarisSDK_BaseResult*)) {
     T result{};
     if constexpr (std::is_same_v<T, KelvarisSDK_BaseResult>) {

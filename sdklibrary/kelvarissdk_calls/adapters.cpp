@@ -37,6 +37,12 @@ KelvarisSDK_ConnectionPriority priorityFrom(Json::Value const& number) {
     }
 }
 
+// A text without a number counts as a network of an unknown kind.
+KelvarisSDK_NetworkType stringToNetworkType(Json::Value const& text) {
+    return enumFrom(text, KelvarisSDK_NetworkType_UNKNOWN, KelvarisSDK_NetworkType_toString)
+        .value_or(KelvarisSDK_NetworkType_UNKNOWN);
+}
+
 void setDataUsage(KelvarisSDK_AdapterUsageData& usage, Json::Value const& limits) {
     usage.usage = limits.get(Keys::_usage, 0).asInt64();
     usage.usageDaily = limits.get(Keys::_usageDaily, 0).asInt64();
@@ -52,9 +58,7 @@ void setAdapterData(KelvarisSDK_AdapterData& data, Json::Value const& adapter) {
     copyText(data.name, adapter[Keys::_name]);
     copyText(data.description, adapter[Keys::_description]);
     data.state = connectionStateFrom(adapter[Keys::_connectionState]);
-    data.type =
-        enumFrom(adapter[Keys::_type], KelvarisSDK_NetworkType_UNKNOWN, KelvarisSDK_NetworkType_toString)
-            .value_or(KelvarisSDK_NetworkType_UNKNOWN);
+    data.type = stringToNetworkType(adapter[Keys::_type]);
     data.priority = priorityFrom(adapter[Keys::_priority]);
     copyText(data.ssid, adapter[Keys::_ssid]);
     copyText(data.bssid, adapter[Keys::_bssid]);

@@ -1,4 +1,4 @@
-// What several families read from reports and write into requests.
+// Several families read these from reports and write them into requests.
 
 #pragma once
 
@@ -15,7 +15,7 @@ namespace kelvarissdk {
 // Reads "state" of report_current_state; a number other than 0 to 7 is read as unknown.
 void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload);
 
-// The words of the bonding modes on the wire. A word or a mode that isn't known counts as speed.
+// Bonding modes have words on the wire. A word or a mode that isn't known counts as speed.
 KelvarisSDK_BondingMode bondingModeFrom(Json::Value const& text);
 char const* bondingModeWord(KelvarisSDK_BondingMode mode);
 

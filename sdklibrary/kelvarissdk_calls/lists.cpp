@@ -1,4 +1,4 @@
-// The families whose settings are lists of traffic: firewall, local proxy, streaming.
+// The settings of these families, the firewall, the local proxy and streaming, are lists of traffic.
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -27,7 +27,7 @@ void setSafeBrowsingResult(KelvarisSDK_SafeBrowsingResult& result, Json::Value c
             .value_or(result.networkOverride);
 }
 
-// For calls that the service itself can refuse: its connect error finishes the record without failing the call.
+// The service itself can refuse these calls. Its connect error finishes the record without failing the call.
 bool settingsOrConnectError(KelvarisSDK_SafeBrowsingResult& result, std::string const& event,
                             Json::Value const& payload) {
     if (event == connectErrorReport) {

@@ -1,4 +1,4 @@
-// What the session's files have in common: servers in reports, awaited states, reported errors.
+// The session's files share how servers, states and errors are read from reports.
 
 #pragma once
 
@@ -11,13 +11,13 @@
 
 namespace kelvarissdk {
 
-// Fill the record of one server. The country of a private server is stored without the "private" in front of it.
+// Both fill the record of one server. The country of a private server is stored without the "private" in front of it.
 void setServerData(KelvarisSDK_ServerInformation& info, Json::Value const& server);
 void setServerDetailedData(KelvarisSDK_ServerInformationDetailed& info, Json::Value const& server);
-// The word of a method on the wire; null for one that has none.
+// Returns the word of a method on the wire, or null for a method that has none.
 char const* methodWord(KelvarisSDK_AutoConnectMethod method);
 
-// Make the text that names a place in a request: "country|city" or "country|city|num".
+// Both make the text that names a place in a request: "country|city" or "country|city|num".
 std::string placeText(char const* country, char const* city);
 std::string placeText(char const* country, char const* city, int num);
 

@@ -18,7 +18,8 @@ namespace kelvarissdk {
 
 namespace {
 
-constexpr unsigned maxPeriods = 5; // of one subscription
+// A subscription names as many periods as the record of their statistics holds.
+constexpr unsigned maxPeriods = std::size(KelvarisSDK_SessionStatsResult{}.periods);
 
 // A name that is no protocol leaves the slot as an earlier report filled it.
 void setProtocol(KelvarisSDK_TransportMode& protocol, Json::Value const& connection) {

@@ -4,7 +4,7 @@ namespace kelvarissdk {
 
 namespace {
 
-// One row a place, one column a language, UTF-8. A line is longer than usual so that a column can be read
+// Each row is a place and each column a language, in UTF-8. A line is longer than usual so that a column can be read
 // from top to bottom; a new place needs its name in all languages. These look like slips and stay:
 // - bhs, kowloon, nova, la, nyc and sf are codes of the servers and not the names of their cities; hk and
 //   kowloon have the same names, and so have sg and singapore.

@@ -61,7 +61,7 @@ std::uint64_t readBigEndian(std::span<std::uint8_t const> bytes) {
     return value;
 }
 
-// Nothing when the header isn't complete yet.
+// Returns nothing while the header isn't complete.
 std::optional<wsheader_type> parseHeader(std::span<std::uint8_t const> bytes) {
     if (bytes.size() < 2) {
         return std::nullopt;
@@ -203,7 +203,7 @@ public:
     }
 
 private:
-    // What is assumed about a socket that nobody has waited for, so that it is read until it is dry.
+    // A socket that nobody has waited for is assumed to be readable and ended, so that it is read until it is dry.
     static constexpr short assumedEvents = POLLIN | POLLRDHUP;
 
     // Returns what the wait has found out about the socket. A closed one is left out by its descriptor, -1.

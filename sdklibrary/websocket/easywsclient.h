@@ -85,10 +85,10 @@ public:
     // Closes the descriptor and does nothing else: for the copy of an object in a forked process.
     virtual void closeDescriptor() = 0;
 
-    // Bytes of framed messages that the kernel hasn't taken yet. In CLOSED: those that never left.
+    // Returns the bytes of framed messages that the kernel hasn't taken yet, in CLOSED those that never left.
     virtual std::size_t unsentBytes() const = 0;
 
-    // _dispatch() with any callable that takes a std::string const&.
+    // Does what _dispatch() does, with any callable that takes a std::string const&.
     template <typename Callable> void dispatch(Callable callable) {
         class Wrapper : public Callback_Imp {
         public:

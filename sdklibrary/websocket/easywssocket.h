@@ -1,4 +1,4 @@
-// What the two halves of the WebSocket client share: the descriptor, the bytes that have arrived, sending.
+// The two halves of the WebSocket client share the descriptor, the bytes that have arrived, and how bytes are sent.
 
 #pragma once
 
@@ -50,7 +50,7 @@ private:
     int descriptor;
 };
 
-// Bytes that have arrived and aren't consumed yet, and the storage behind them.
+// Holds the bytes that have arrived and aren't consumed yet, and the storage behind them.
 class ReceiveBuffer {
 public:
     std::size_t size() const {
@@ -82,7 +82,7 @@ public:
         }
     }
 
-    // One read into the free storage, which grows when little of it is left. The result is that of recv().
+    // Reads once into the free storage, which grows when little of it is left. The result is that of recv().
     ssize_t read(int descriptor) {
         if (storage.size() - end <= storage.size() / 4) {
             storage.resize(std::max(initialCapacity, 2 * storage.size()));

@@ -74,7 +74,7 @@ Descriptor connectTo(Address const& address) {
     return Descriptor();
 }
 
-// All lines leave in one segment. A failure isn't looked at: it shows in the read of the answer.
+// All lines leave in one segment. A failure isn't looked at, because it shows when the answer is read.
 void sendUpgrade(int descriptor, Address const& address, std::string const& origin) {
     std::string request = std::string("GET /") + address.path + " HTTP/1.1\r\nHost: " + address.host;
     if (address.port != 80) {

@@ -1,4 +1,4 @@
-// The upgrade: from a URL to a connection that carries frames.
+// The upgrade makes a connection that carries frames from a URL.
 
 #pragma once
 
@@ -14,7 +14,7 @@ struct Upgraded {
     ReceiveBuffer received; // the frames that came with the answer
 };
 
-// Connects and upgrades. Blocks until the peer has answered, without a time limit; nothing on any failure.
+// Connects and upgrades. Blocks until the peer has answered, without a time limit. Returns nothing on any failure.
 std::optional<Upgraded> upgrade(std::string const& url, std::string const& origin);
 
 } // namespace easywsclient

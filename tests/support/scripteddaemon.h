@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// The far end of the link, played inside the test process on a free loopback port: it checks every request to be
+// The scripted daemon plays the far end of the link inside the test process, on a free loopback port. It checks every request to be
 // the styled text of [name, payload, "kelvaris_sdk"], answers by a script, and at the end tells what didn't fit.
 namespace harness {
 
@@ -18,7 +18,7 @@ std::string styled(std::string const& json); // the document as the tool prints 
 
 // One frame as a server sends it, unmasked. `first` is FIN, reserved bits and opcode: 0x81 is a whole text.
 std::string frame(unsigned char first, std::string_view payload);
-// As a client sends it.
+// Returns the frame as a client sends it, masked.
 std::string maskedFrame(unsigned char first, std::string_view payload,
                         std::string const& key = "\xA7\x1C\x5E\x39");
 

@@ -31,7 +31,7 @@ public:
     KelvarisSDK_Handle* sdk;
 };
 
-// What a callback got, for the test's thread to take in order.
+// Holds what a callback got, for the test's thread to take in order.
 template <class T> class InboxOf {
 public:
     static bool keep(T result, void* userData) {
@@ -86,7 +86,7 @@ public:
     }
 };
 
-// An entry of its own in the event table, which writes down what it is called for: its name and the event's.
+// Is an entry of its own in the event table, which writes down what it is called for: its name and the event's.
 class Entry {
 public:
     Entry(kelvarissdk::WebsocketImpl& link, std::string name, std::string& log,

@@ -11,11 +11,11 @@
  *     may hold any number of handles.
  *
  *  2. Arguments. The handle comes first, then the call's own arguments, then the callback, then the
- *     user data. The handle must be valid (only KelvarisSDK_Destroy takes null); texts are
- *     zero-terminated UTF-8, not null where a block doesn't say so, and copied before the call returns.
- *     Arrays go in as a count and a pointer; what is beyond the capacity that a block names isn't sent.
- *     They are read before the call returns and never written; with a count of 0 the pointer may be
- *     null.
+ *     user data. On a null handle every call returns the record of a missing link: SDK (3840). Texts
+ *     are zero-terminated UTF-8 and copied before the call returns. Arrays go in as a count and a pointer;
+ *     what is beyond the capacity that a block names isn't sent. They are read before the call returns and
+ *     never written; with a count of 0 the pointer may be null. A null text or array is refused with
+ *     INVALID_ARGUMENT (3842), where no block gives it a meaning, and nothing is sent.
  *
  *  3. Records come back by value and hold everything in fixed arrays: the caller frees nothing, and
  *     one memory copy copies a record. Every record begins with KelvarisSDK_BaseResult. A field that
@@ -48,8 +48,10 @@
  *     first report only: a report that doesn't finish the call, or the lock of another setting, ends the
  *     guard, and the call then waits without limit. No time-out comes while the library looks up the
  *     address, connects, or waits for the daemon to complete the upgrade, none of which it limits.
- *     Two C++ exceptions can leave the interface: std::system_error leaves KelvarisSDK_CreateWithSettings
- *     when a thread can't be started, and std::bad_alloc may leave any call when memory runs out.
+ *     Memory that runs out ends a call with SDK (3840), "Error from SDK", and nothing of the call is sent;
+ *     when it runs out on the reader thread, the link is lost and made again, and the calls that wait for
+ *     their reports end by their time-outs. The handle stays usable. One C++ exception can leave the
+ *     interface: std::system_error leaves KelvarisSDK_CreateWithSettings when a thread can't be started.
  *
  *  7. Synchronous and asynchronous. With a null callback a call waits and returns the finished record.
  *     With a callback it returns at once: `error` false, `errorCode` 3584, `callbackId` the id of the
@@ -73,7 +75,8 @@
  *     synchronous calls and KelvarisSDK_UnregisterCallback of other threads wait for it. So a callback
  *     must not take a lock that such a thread holds, and callbacks of two handles must not unregister
  *     each other's calls. A synchronous call on any handle is refused there with 3847, and
- *     KelvarisSDK_Destroy must not be called. A C++ exception that leaves a callback ends the process.
+ *     KelvarisSDK_Destroy must not be called. A C++ exception that leaves a callback ends the process by
+ *     std::terminate, which runs the handler that the program has set.
  *
  * 10. Subscriptions. Calls marked "subscription" go on delivering each later report of their kind,
  *     whoever has asked for it, while their callback returns true; false ends them. All others end with
@@ -101,6 +104,13 @@
  *         KelvarisSDK_SettingsResult             5504    KelvarisSDK_DirectoryResult           16224
  *         KelvarisSDK_FirewallSettingsResult     8032    KelvarisSDK_LocalProxySettingsResult  38944
  *         KelvarisSDK_StreamingSettingsResult    8032
+ *
+ * 13. The process. The library's threads block all signals but SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP and
+ *     SIGSYS, so the program's own threads get them. In a process made by fork(), calls on a handle of the
+ *     parent return at once with SDK (3840), KelvarisSDK_Destroy frees it without waiting and without a
+ *     byte to the daemon, and new handles work; the parent's handles don't notice. What the parent's
+ *     threads were changing at the moment of the fork isn't freed. A process may end with handles that
+ *     live. A thread may be cancelled (pthread_cancel) while it waits in a call.
  */
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
@@ -132,7 +142,7 @@ KELVARISSDK_API void KelvarisSDK_InitializeCreateSettings(KelvarisSDK_CreateSett
 
 /**
  * Makes a handle, starts its reader thread and begins to connect. That no daemon can be reached is reported
- * by the calls that follow. The caller owns the handle until KelvarisSDK_Destroy.
+ * by the calls that follow. The caller owns the handle until KelvarisSDK_Destroy. Null when memory runs out.
  */
 KELVARISSDK_API KelvarisSDK_Handle* KelvarisSDK_CreateWithSettings(KelvarisSDK_CreateSettings settings);
 

@@ -99,8 +99,9 @@ typedef bool (*KelvarisSDK_SafeBrowsingStatsCallback)(KelvarisSDK_SafeBrowsingSt
 /**
  * Enables the filter, then initializes it with the configuration. Returns the record of the second step and
  * drops that of the first; a callback runs for both. Only the second step can be unregistered, so the user
- * data must live until both have called back or the handle is destroyed. A synchronous call can last two
- * time-outs, 10 s. As in KelvarisSDK_InitSafeBrowsing, a connect error is a result.
+ * data must live until both have called back or the handle is destroyed. When the call returns with `error`
+ * true because memory ran out between the steps, the callback never runs, though the first request may have
+ * been sent. A synchronous call can last two time-outs, 10 s. As in KelvarisSDK_InitSafeBrowsing, a connect error is a result.
  */
 KELVARISSDK_API KelvarisSDK_SafeBrowsingResult KelvarisSDK_StartSafeBrowsing(
     KelvarisSDK_Handle* sdk, char const* config, KelvarisSDK_SafeBrowsingCallback callback, void* userData);

@@ -109,7 +109,8 @@ KELVARISSDK_API KelvarisSDK_DirectoryResult KelvarisSDK_GetDirectory(KelvarisSDK
 /**
  * The English name of the server's country, of at most 100 bytes: "United States"; "proxy" for the proxy;
  * "{{LOCATION.COUNTRY.xx}}" where no name is known for the code xx (known codes are in lower case); empty
- * where there is no code. A static buffer, valid until the next call.
+ * where there is no code. A static buffer, valid until the next call; null when memory runs out, as in the
+ * next three functions.
  */
 KELVARISSDK_API char const* KelvarisSDK_ServerInformation_GetCountryName(KelvarisSDK_ServerInformation info);
 
