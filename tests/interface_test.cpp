@@ -1,11 +1,11 @@
 // The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
+#include "support/calls.h"
 #include "support/sdk.h"
 #include "support/texts.h"
 
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <regex>
@@ -31,36 +31,26 @@ template <class T> bool keep(T result, void* userData) {
 
 enum class Given { all, noCallback, noTexts, nothing };
 
-// Something for each parameter; the handle stands in for the user data.
-template <class Result, class T> T argument(KelvarisSDK_Handle* sdk, Given given) {
-    bool const texts = given == Given::all || given == Given::noCallback;
-    if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
-        return given == Given::all || given == Given::noTexts ? keep<Result> : nullptr;
-    } else if constexpr (std::is_same_v<T, void*>) {
-        return sdk;
-    } else if constexpr (std::is_same_v<T, char const*>) {
-        return texts ? "text" : nullptr;
-    } else if constexpr (std::is_pointer_v<T>) {
-        return nullptr;
-    } else {
-        return static_cast<T>(!texts);
+// The handle stands in for the user data.
+struct Arguments {
+    KelvarisSDK_Handle* sdk;
+    Given given;
+
+    template <class Result, class T> T give() {
+        bool const texts = given == Given::all || given == Given::noCallback;
+        if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
+            return given == Given::all || given == Given::noTexts ? keep<Result> : nullptr;
+        } else if constexpr (std::is_same_v<T, void*>) {
+            return sdk;
+        } else if constexpr (std::is_same_v<T, char const*>) {
+            return texts ? "text" : nullptr;
+        } else if constexpr (std::is_pointer_v<T>) {
+            return nullptr;
+        } else {
+            return static_cast<T>(!texts);
+        }
     }
-}
-
-// Starts a call and returns the head of its record.
-using Start = std::function<KelvarisSDK_BaseResult(KelvarisSDK_Handle*, Given)>;
-
-template <class Result, class... Args> Start starter(Result (*call)(KelvarisSDK_Handle*, Args...)) {
-    return [call](KelvarisSDK_Handle* sdk, Given given) {
-        return call(sdk, argument<Result, Args>(sdk, given)...).base;
-    };
-}
-
-#define ROW(name) {#name, starter(KelvarisSDK_##name)},
-std::map<std::string, Start> const starts{
-#include "calls.inc"
 };
-#undef ROW
 
 // Returns every report that finishes a call, each of them twice.
 std::string allReports() {
@@ -76,6 +66,12 @@ std::string allReports() {
 struct Call {
     std::string delivery, lock;
     Words requests;
+    KelvarisSDK_BaseResult (*call)(KelvarisSDK_Handle*, Arguments&) = nullptr;
+
+    KelvarisSDK_BaseResult start(KelvarisSDK_Handle* sdk, Given given) const {
+        Arguments arguments{sdk, given};
+        return call(sdk, arguments);
+    }
 };
 
 std::map<std::string, Call> catalogue() {
@@ -86,6 +82,9 @@ std::map<std::string, Call> catalogue() {
         calls[words[0]] = {words[1], words[2], {words.begin() + 3, words.end()}};
     }
     calls.erase("call"); // names the columns
+    for (auto const& [name, call] : callsWith<Arguments>) {
+        calls[std::string(name)].call = call;
+    }
     return calls;
 }
 
@@ -128,8 +127,8 @@ TEST(Interface, CallsDeliverAsCatalogued) {
     InboxOf<KelvarisSDK_SafeBrowsingBlockResult> marks;
     KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, decltype(marks)::keep, &marks);
     daemon.waitForConnections(1);
-    auto const deliveries = [&](std::string const& name, Call const& call, std::string const& locks) {
-        uint64_t const id = starts.at(name)(handle.sdk, Given::all).callbackId;
+    auto const deliveries = [&](Call const& call, std::string const& locks) {
+        uint64_t const id = call.start(handle.sdk, Given::all).callbackId;
         for (std::string const& request : call.requests) {
             daemon.waitForRequest(request);
         }
@@ -153,17 +152,17 @@ TEST(Interface, CallsDeliverAsCatalogued) {
                 otherLocks += setting == call.lock ? "" : frame(0x81, lock(setting, 1));
             }
         }
-        std::vector<Delivery> const unlocked = deliveries(name, call, otherLocks);
+        std::vector<Delivery> const unlocked = deliveries(call, otherLocks);
         EXPECT_EQ(unlocked.size() == 1, call.delivery == "once") << unlocked.size();
         wantsMore = false;
-        EXPECT_EQ(deliveries(name, call, "").size(), 1U);
+        EXPECT_EQ(deliveries(call, "").size(), 1U);
         wantsMore = true;
         for (Delivery const& delivery : unlocked) {
             EXPECT_FALSE(delivery.head.error);
             EXPECT_EQ(delivery.userData == nullptr, name.starts_with("ResetDirectory"));
         }
         for (int reason = 1; reason <= 2 && call.lock != "-"; ++reason) {
-            std::vector<Delivery> const locked = deliveries(name, call, frame(0x81, lock(call.lock, reason)));
+            std::vector<Delivery> const locked = deliveries(call, frame(0x81, lock(call.lock, reason)));
             EXPECT_EQ(locked.size(), 1U);
             for (Delivery const& delivery : locked) {
                 EXPECT_TRUE(delivery.head.error);
@@ -184,10 +183,10 @@ TEST(Interface, NullIsRefused) {
     auto const refuseAll = [&] {
         EXPECT_EQ(KelvarisSDK_EnableStatUpdates(handle.sdk, true, 1, nullptr).errorCode, 3842);
         EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(handle.sdk, nullptr, nullptr, nullptr).base.errorCode, 3842);
-        for (auto const& [name, start] : starts) {
+        for (auto const& [name, call] : catalogue()) {
             for (Given const given : {Given::noTexts, Given::nothing}) {
                 if (wanted.contains(name) && !mayBeNull.contains(name)) {
-                    KelvarisSDK_BaseResult const head = start(handle.sdk, given);
+                    KelvarisSDK_BaseResult const head = call.start(handle.sdk, given);
                     EXPECT_TRUE(head.error && head.errorCode == 3842) << name << ' ' << head.errorCode;
                 }
             }
@@ -213,9 +212,9 @@ TEST(Interface, NoHandleIsAMissingLink) {
     EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(nullptr, nullptr, nullptr, nullptr).base.errorCode, 3840);
     KelvarisSDK_UnregisterCallback(nullptr, 1);
     KelvarisSDK_Destroy(nullptr);
-    for (auto const& [name, start] : starts) {
+    for (auto const& [name, call] : catalogue()) {
         for (Given const given : {Given::all, Given::noCallback, Given::nothing}) {
-            KelvarisSDK_BaseResult const head = start(nullptr, given);
+            KelvarisSDK_BaseResult const head = call.start(nullptr, given);
             EXPECT_TRUE(head.error && head.errorCode == 3840) << name << ' ' << head.errorCode;
         }
     }

@@ -1,5 +1,7 @@
 // A host whose memory runs out. Prints what comes of making a handle and of one call, and then, with memory again, of
-// another call and of the handle's end. Usage: PORT "CALL [async]"
+// another call and of the handle's end. Usage: PORT CALL [async]
+
+#include "support/calls.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,18 +23,14 @@ int nextDescriptor() {
     return next;
 }
 
-// What differs from one report to the next.
-template <class T> void clearWhatChanges(T& result) {
+// Prints a sum of what doesn't differ from one report to the next.
+template <class T> void print(char const* what, T result) {
     result.base.callbackId = 0;
     if constexpr (std::is_same_v<T, KelvarisSDK_AdaptersResult>) {
         for (auto& adapter : result.adapters) {
             adapter.dataUsage.usage = adapter.dataUsage.usageDaily = 0;
         }
     }
-}
-
-template <class T> void print(char const* what, T result) {
-    clearWhatChanges(result);
     unsigned long long sum = 0;
     for (std::size_t i = 0; i < sizeof result; ++i) {
         sum = sum * 31 + reinterpret_cast<unsigned char const*>(&result)[i];
@@ -48,42 +46,38 @@ template <class T> bool take(T result, void* seen) {
     return false;
 }
 
-template <class T, class... Parameters, class... Given>
-void perform(bool async, T (*call)(KelvarisSDK_Handle*, Parameters...), KelvarisSDK_Handle* sdk,
-             Given... given) {
-    static T seen;
-    T const returned = call(sdk, given..., async ? take<T> : nullptr, &seen);
-    if (!async || returned.base.error) {
-        print("record", returned);
-        return;
-    }
-    while (sem_wait(&called) != 0) {
-    }
-    print("record", seen);
-}
+template <class T> T seen;
 
-void perform(std::string_view call, bool async, KelvarisSDK_Handle* sdk) {
-    static char domains[][50] = {"b.x", "c.x"};
-    if (call == "state") {
-        perform(async, KelvarisSDK_GetState, sdk);
-    } else if (call == "directory") {
-        perform(async, KelvarisSDK_GetDirectory, sdk);
-    } else if (call == "jumbo") {
-        perform(async, KelvarisSDK_SetJumboPackets, sdk, true);
-    } else if (call == "adapters") {
-        perform(async, KelvarisSDK_GetAdapters, sdk);
-    } else if (call == "firewall") {
-        perform(async, KelvarisSDK_SetFirewallDomains, sdk, static_cast<unsigned short>(2), domains);
-    } else if (call == "disconnects") {
-        perform(async, KelvarisSDK_GetLastDisconnectEvent, sdk);
-    } else if (call == "safebrowsing") {
-        perform(async, KelvarisSDK_InitSafeBrowsing, sdk, "config");
+struct Arguments {
+    bool async;
+    char domains[2][50] = {"b.x", "c.x"};
+
+    template <class Result, class T> T give() {
+        if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
+            return async ? take<Result> : nullptr;
+        } else if constexpr (std::is_same_v<T, void*>) {
+            return &seen<Result>;
+        } else if constexpr (std::is_same_v<T, char(*)[50]>) {
+            return domains;
+        } else if constexpr (std::is_same_v<T, char const*>) {
+            return "config";
+        } else if constexpr (std::is_pointer_v<T>) {
+            return nullptr;
+        } else {
+            return static_cast<T>(std::is_same_v<T, unsigned short> ? 2 : 1);
+        }
     }
-}
+
+    template <class Result> void see(Result const& returned) const {
+        while (async && !returned.base.error && sem_wait(&called) != 0) {
+        }
+        print("record", async && !returned.base.error ? seen<Result> : returned);
+    }
+};
 
 } // namespace
 
-int main(int, char* argv[]) {
+int main(int argc, char* argv[]) {
     int const free = nextDescriptor();
     sem_init(&called, 0, 0);
     KelvarisSDK_CreateSettings settings;
@@ -97,8 +91,12 @@ int main(int, char* argv[]) {
         return 0;
     }
     std::printf("%s\n", sdk != nullptr ? "handle" : "no handle");
-    std::string_view const call = argv[2];
-    perform(call.substr(0, call.find(' ')), call.ends_with(" async"), sdk);
+    Arguments arguments{.async = argc > 3};
+    for (auto const& [name, start] : harness::callsWith<Arguments>) {
+        if (name == argv[2]) {
+            start(sdk, arguments);
+        }
+    }
     if (void* const failNothingMore = dlsym(RTLD_DEFAULT, "kelvarisFailNothingMore")) {
         reinterpret_cast<void (*)()>(failNothingMore)();
     }
