@@ -1,0 +1,37 @@
+#pragma once
+
+#include "support/sdk.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace harness {
+
+// The status of a child that runs this and ends with what it returns; the negative number of a signal.
+template <class Body> int inChild(Body body) {
+    pid_t const child = fork();
+    if (child == 0) {
+        alarm(static_cast<unsigned>(patience().count()));
+        _exit(body());
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// Counts what is wrong in a child with the handle of a parent, and with one of the child's own.
+inline int wrongInChild(KelvarisSDK_Handle* parents, std::uint16_t port) {
+    auto const codeOf = [](KelvarisSDK_Handle* sdk) {
+        return KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode;
+    };
+    bool const isRefused = codeOf(parents) == KelvarisSDK_ErrorType_SDK &&
+                           KelvarisSDK_GetState(parents, Inbox::keep, nullptr).base.error &&
+                           KelvarisSDK_EnableStatUpdates(parents, true, 0, nullptr).error;
+    KelvarisSDK_UnregisterCallback(parents, 0);
+    KelvarisSDK_Destroy(parents);
+    bool const isOwnRight = codeOf(Handle(port).sdk) == KelvarisSDK_ErrorType_NO_ERROR;
+    return (isRefused ? 0 : 1) + (isOwnRight ? 0 : 2);
+}
+
+} // namespace harness
