@@ -1,13 +1,10 @@
 // The request engine: event table, filters, time-outs, reconnecting, the end.
 
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <future>
-#include <gtest/gtest.h>
 
 using namespace harness;
 using namespace kelvarissdk;

@@ -3,10 +3,8 @@
 
 #include "support/sdk.h"
 #include "support/simulator.h"
-#include "support/texts.h"
 
 #include <csignal>
-#include <future>
 #include <optional>
 
 using namespace harness;

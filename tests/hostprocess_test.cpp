@@ -2,12 +2,10 @@
 
 #include "support/child.h"
 #include "support/simulator.h"
-#include "support/texts.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 using namespace harness;
@@ -18,10 +16,6 @@ extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
 }
 
 namespace {
-
-int codeOf(KelvarisSDK_Handle* sdk) {
-    return KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode;
-}
 
 struct Guest {
     KelvarisSDK_Handle* sdk;

@@ -2,10 +2,8 @@
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 
 using namespace harness;
 

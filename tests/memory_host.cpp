@@ -5,11 +5,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <dlfcn.h>
-#include <kelvarissdk/csdkinterface.h>
 #include <semaphore.h>
-#include <string_view>
 #include <system_error>
 #include <type_traits>
 #include <unistd.h>
@@ -92,9 +89,9 @@ int main(int argc, char* argv[]) {
     }
     std::printf("%s\n", sdk != nullptr ? "handle" : "no handle");
     Arguments arguments{.async = argc > 3};
-    for (auto const& [name, start] : harness::callsWith<Arguments>) {
-        if (name == argv[2]) {
-            start(sdk, arguments);
+    for (auto const& call : harness::callsWith<Arguments>) {
+        if (call.name == argv[2]) {
+            call.start(sdk, arguments);
         }
     }
     if (void* const failNothingMore = dlsym(RTLD_DEFAULT, "kelvarisFailNothingMore")) {

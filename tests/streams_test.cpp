@@ -3,14 +3,10 @@
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <future>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 

@@ -8,7 +8,6 @@
 
 #include "support/calls.h"
 #include "support/child.h"
-#include "support/sdk.h"
 #include "support/simulator.h"
 #include "wswrapper.h"
 
@@ -43,23 +42,13 @@ std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
 std::atomic<long> progress = 0;
 
-// Memory runs out for the library alone: on the threads of its own, and in a call that stands in an object of this kind.
+// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it.
 std::atomic<bool> lacksMemory = false;
-thread_local int callsWithoutMemory = 0;
-struct WithoutMemory {
-    WithoutMemory() {
-        ++callsWithoutMemory;
-    }
-    ~WithoutMemory() {
-        --callsWithoutMemory;
-    }
-    WithoutMemory(WithoutMemory const&) = delete;
-    WithoutMemory& operator=(WithoutMemory const&) = delete;
-};
+thread_local bool isInside = false;
 
 bool allocationFails() {
     static constinit thread_local unsigned long dice = 1; // differs by what each thread does
-    if (!lacksMemory || (callsWithoutMemory == 0 && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
+    if (!lacksMemory || (!isInside && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
         return false;
     }
     dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
@@ -124,7 +113,7 @@ public:
     Caller& operator=(Caller const&) = delete;
 
     void makeAnyCall() {
-        auto const& [name, start] = callsWith<Caller>[random() % std::size(callsWith<Caller>)];
+        auto const& [name, takesTexts, start] = callsWith<Caller>[random() % std::size(callsWith<Caller>)];
         bool const isAnswered = name.starts_with("Get") && name != "GetSessionStats";
         if (!isAnswered && name != "SetJumboPackets" && name != "SetMode") {
             return;
@@ -313,20 +302,27 @@ void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     ++forks;
 }
 
-void useWithoutMemory(KelvarisSDK_Handle* sdk, Random& random) {
+void useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
+    isInside = true;
+    KelvarisSDK_Handle* const sdk =
+        KelvarisSDK_CreateWithSettings({.appName = "stress", .address = "127.0.0.1", .port = port});
+    isInside = false;
+    if (random() % 4 == 0) {
+        fork(sdk, steadyPort);
+    }
     Waiting connections{.sdk = sdk};
     Waiting adapters{.sdk = sdk};
-    {
-        WithoutMemory const here;
-        KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
-        connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
-        judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
-        judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
-        judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
-    }
+    isInside = true;
+    KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
+    connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
+    judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
+    judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
+    judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
+    isInside = false;
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 50));
-    WithoutMemory const here;
+    isInside = true;
     KelvarisSDK_Destroy(sdk);
+    isInside = false;
 }
 
 void trouble(std::chrono::milliseconds duration) {
@@ -344,17 +340,7 @@ void trouble(std::chrono::milliseconds duration) {
         }
     });
     inThreads(goesOn, [&](Random& random) {
-        KelvarisSDK_Handle* sdk = nullptr;
-        {
-            WithoutMemory const here;
-            sdk = KelvarisSDK_CreateWithSettings({.appName = "stress",
-                                                  .address = "127.0.0.1",
-                                                  .port = random() % 2 == 0 ? port : steady.port});
-        }
-        if (random() % 4 == 0) {
-            fork(sdk, steady.port);
-        }
-        useWithoutMemory(sdk, random);
+        useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
     });
     lacksMemory = false;
 }

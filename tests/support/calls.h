@@ -3,6 +3,7 @@
 #include <kelvarissdk/csdkinterface.h>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 
 // Every call of the C interface that takes a callback. A Giver has something for each parameter of a call:
 // give<Result, Parameter>(), the callback and its user data included. Its see(), if it has one, is shown the record returned.
@@ -19,13 +20,22 @@ KelvarisSDK_BaseResult start(Result (*call)(KelvarisSDK_Handle*, Parameters...),
     return returned.base;
 }
 
+template <class Result, class... Parameters>
+constexpr bool takesTexts(Result (* /*call*/)(KelvarisSDK_Handle*, Parameters...)) {
+    return ((std::is_pointer_v<Parameters> && !std::is_same_v<Parameters, void*> &&
+             !std::is_function_v<std::remove_pointer_t<Parameters>>) ||
+            ...);
+}
+
 template <class Giver> struct CallWith {
     std::string_view name;
+    bool takesTexts; // or arrays
     KelvarisSDK_BaseResult (*start)(KelvarisSDK_Handle*, Giver&);
 };
 
 #define ROW(name)                                                                                            \
-    {#name, [](KelvarisSDK_Handle* sdk, Giver& giver) { return start(KelvarisSDK_##name, sdk, giver); }},
+    {#name, takesTexts(KelvarisSDK_##name),                                                                  \
+     [](KelvarisSDK_Handle* sdk, Giver& giver) { return start(KelvarisSDK_##name, sdk, giver); }},
 template <class Giver>
 inline constexpr CallWith<Giver> callsWith[] = {
 #include "calls.inc"

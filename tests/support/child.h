@@ -20,11 +20,12 @@ template <class Body> int inChild(Body body) {
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
 
+inline int codeOf(KelvarisSDK_Handle* sdk) {
+    return KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode;
+}
+
 // Counts what is wrong in a child with the handle of a parent, and with one of the child's own.
 inline int wrongInChild(KelvarisSDK_Handle* parents, std::uint16_t port) {
-    auto const codeOf = [](KelvarisSDK_Handle* sdk) {
-        return KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode;
-    };
     bool const isRefused = codeOf(parents) == KelvarisSDK_ErrorType_SDK &&
                            KelvarisSDK_GetState(parents, Inbox::keep, nullptr).base.error &&
                            KelvarisSDK_EnableStatUpdates(parents, true, 0, nullptr).error;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "kelvarissdk.h"
-#include "support/process.h"
-#include "support/scripteddaemon.h"
+#include "support/texts.h"
 #include "websockets.h"
 
 #include <condition_variable>
@@ -11,8 +10,6 @@
 #include <gtest/gtest.h>
 #include <kelvarissdk/csdkinterface.h>
 #include <mutex>
-#include <string>
-#include <vector>
 
 // The library's end of the link, what its callbacks bring, and its class on a scripted daemon, to reach what no command
 // line does.

@@ -3,8 +3,6 @@
 #include "support/process.h"
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace harness {
 
