@@ -4,7 +4,7 @@
 // them; for as long, handles are made, used and destroyed while the daemon is killed and started again, the process forks
 // and allocations fail at random; then handles are made and destroyed in so many rounds (10000) under the hands of a
 // daemon that never falls silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
-// memory has grown; a hang aborts. User data are freed as soon as no callback may use them any more.
+// memory has grown; a hang ends it by an alarm. User data are freed as soon as no callback may use them any more.
 
 #include "support/calls.h"
 #include "support/child.h"
@@ -40,7 +40,6 @@ std::atomic<long> forks = 0;
 std::atomic<long> hungForks = 0;
 std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
-std::atomic<long> progress = 0;
 
 // Memory runs out for the library alone: on the threads of its own, and on others while they are inside it.
 std::atomic<bool> lacksMemory = false;
@@ -52,12 +51,12 @@ bool allocationFails() {
         return false;
     }
     dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
-    return (dice >> 33) % 2000 == 0 && ++failedAllocations;
+    return (dice >> 33) % 1000 == 0 && ++failedAllocations;
 }
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
 void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
-    ++progress;
+    alarm(30); // for a hang
     static std::map<int, std::string> const texts = {
         {KelvarisSDK_ErrorType_NO_ERROR, ""},
         {KelvarisSDK_ErrorType_ASYNC_CALL, "Result is an async call SDK"},
@@ -86,11 +85,19 @@ struct Waiting {
     KelvarisSDK_Handle* sdk = nullptr;
     uint64_t id = 0;
     unsigned count = 0;
+    bool isRefused = false;
+
+    void note(KelvarisSDK_BaseResult const& returned) {
+        judge(returned);
+        id = returned.callbackId;
+        isRefused = returned.error;
+    }
 };
 
 template <class T> bool deliver(T result, void* userData) {
     auto& waiting = *static_cast<Waiting*>(userData);
     ++deliveries;
+    wrong += waiting.isRefused ? 1 : 0;
     judge(result.base, true);
     if (++waiting.count % 16 == 0) {
         int const code = KelvarisSDK_GetState(waiting.sdk, nullptr, nullptr).base.errorCode;
@@ -302,7 +309,8 @@ void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     ++forks;
 }
 
-void useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
+// Makes a handle and calls on it, all without memory, and gives it back with nothing left of the calls.
+KelvarisSDK_Handle* useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
     isInside = true;
     KelvarisSDK_Handle* const sdk =
         KelvarisSDK_CreateWithSettings({.appName = "stress", .address = "127.0.0.1", .port = port});
@@ -314,12 +322,18 @@ void useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& rand
     Waiting adapters{.sdk = sdk};
     isInside = true;
     KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
-    connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
-    judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
+    connections.note(KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base);
+    adapters.note(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
     judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
     judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
     isInside = false;
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 50));
+    KelvarisSDK_UnregisterCallback(sdk, connections.id);
+    KelvarisSDK_UnregisterCallback(sdk, adapters.id);
+    return sdk;
+}
+
+void destroyWithoutMemory(KelvarisSDK_Handle* sdk) {
     isInside = true;
     KelvarisSDK_Destroy(sdk);
     isInside = false;
@@ -332,29 +346,28 @@ void trouble(std::chrono::milliseconds duration) {
     std::uint16_t const port = restarted->port;
     auto const goesOn = during(duration);
     lacksMemory = true;
-    std::jthread const restarter([&] {
+    std::jthread restarter([&] {
         for (; goesOn(); ++restarts) {
             std::this_thread::sleep_for(std::chrono::milliseconds(700));
             restarted.reset();
             restarted.emplace(options, port);
         }
     });
+    std::array<std::atomic<KelvarisSDK_Handle*>, 50> survivors = {};
     inThreads(goesOn, [&](Random& random) {
-        useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
+        KelvarisSDK_Handle* const sdk =
+            useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
+        destroyWithoutMemory(survivors[random() % survivors.size()].exchange(sdk));
     });
+    restarter.join();
     lacksMemory = false;
-}
-
-// Ends a process in which nothing has returned for long.
-void watch(std::stop_token const& stop) {
-    long last = -1;
-    for (int same = 0; !stop.stop_requested(); std::this_thread::sleep_for(std::chrono::seconds(1))) {
-        same = progress == last ? same + 1 : 0;
-        last = progress;
-        if (same == 30) {
-            std::fputs("stress: no call has returned for 30 seconds\n", stderr);
-            std::abort();
+    for (KelvarisSDK_Handle* const sdk : survivors) {
+        KelvarisSDK_BaseResult const base = KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base;
+        wrong += sdk == nullptr && base.errorCode != KelvarisSDK_ErrorType_SDK ? 1 : 0;
+        if (sdk != nullptr) {
+            judge(base);
         }
+        KelvarisSDK_Destroy(sdk);
     }
 }
 
@@ -408,7 +421,6 @@ int main(int argc, char** argv) {
     long const seconds = argc > 1 ? std::atol(argv[1]) : 30;
     long const rounds = argc > 2 ? std::atol(argv[2]) : 10'000;
     createAndDestroy(10); // what is made once and kept, like the table of locations
-    std::jthread const watchdog(watch);
     Held const before;
     mixedCalls(std::chrono::seconds(seconds));
     quietLinks(std::chrono::seconds(seconds));
