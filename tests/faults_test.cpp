@@ -33,24 +33,13 @@ TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
 // The connection is reset while a callback runs, and only what the callback sends shows it: the next attempt doesn't wait
 // for the time-out of that.
 TEST(Faults, LossThatSendingShowsIsNotWaitedOut) {
-    ScriptedDaemon daemon({}, noName);
-    std::promise<void> entered;
-    std::promise<void> dropped;
-    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
-    EventDescription description;
-    WebsocketImpl::subscribeToEvent(description, "begin");
-    link->getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
-        entered.set_value();
-        dropped.get_future().wait();
+    ScriptedDaemon daemon({asked("version_data", "{}")}, noName);
+    Sdk sdk(daemon);
+    inCallback(sdk.handle(), [&] {
+        daemon.dropConnection();
         EventDescription lost = awaiting("nothing", 60'000, {"lost"});
-        link->getResult(lost, [](auto&&...) { return true; });
-        return true;
+        sdk.link().getResult(lost, [](auto&&...) { return true; });
     });
-    daemon.waitForConnections(1);
-    daemon.send(R"(["begin",{}])");
-    entered.get_future().wait();
-    daemon.dropConnection();
-    dropped.set_value();
     daemon.waitForConnections(2);
 }
 

@@ -23,24 +23,7 @@ struct Guest {
     std::promise<int> result = {};
 };
 
-// Callbacks that do something to their process.
-bool forkInside(KelvarisSDK_VersionResult /*result*/, void* userData) {
-    auto& guest = *static_cast<Guest*>(userData);
-    guest.result.set_value(inChild([&] { return wrongInChild(guest.sdk, guest.port); }));
-    return true;
-}
-
 volatile std::sig_atomic_t faults = 0;
-
-bool raiseFault(KelvarisSDK_VersionResult /*result*/, void* userData) {
-    std::raise(SIGFPE);
-    static_cast<Guest*>(userData)->result.set_value(int{faults});
-    return true;
-}
-
-bool throwOutOfMemory(KelvarisSDK_VersionResult /*result*/, void* /*userData*/) {
-    throw std::bad_alloc();
-}
 
 // Names one place after the other, for as long as the process lives.
 bool namePlaces(KelvarisSDK_ConnectResult result, void* userData) {
@@ -72,9 +55,10 @@ TEST(HostProcess, KeepsItsSignals) {
     EXPECT_EQ(received, SIGTERM);
 
     std::signal(SIGFPE, [](int) { faults = faults + 1; });
-    Guest guest{handle.sdk, simulator.port};
-    KelvarisSDK_GetVersion(handle.sdk, raiseFault, &guest);
-    EXPECT_EQ(guest.result.get_future().get(), 1);
+    inCallback(handle.sdk, [] {
+        std::raise(SIGFPE);
+        EXPECT_EQ(faults, 1);
+    });
 }
 
 // Each child makes one request, on a connection of its own. The parent's sees nothing of it.
@@ -97,9 +81,8 @@ TEST(HostProcess, MayForkInACallback) {
     Simulator const simulator;
     Handle const handle(simulator.port);
     KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
-    Guest guest{handle.sdk, simulator.port};
-    KelvarisSDK_GetVersion(handle.sdk, forkInside, &guest);
-    EXPECT_EQ(guest.result.get_future().get(), 0);
+    inCallback(handle.sdk,
+               [&] { EXPECT_EQ(inChild([&] { return wrongInChild(handle.sdk, simulator.port); }), 0); });
 }
 
 TEST(HostProcess, MayEndWithALiveHandle) {
@@ -123,7 +106,10 @@ TEST(HostProcess, SeesWhatACallbackThrows) {
     EXPECT_EQ(inChild([&] {
                   std::set_terminate([] { _exit(42); });
                   Handle const handle(simulator.port);
-                  KelvarisSDK_GetVersion(handle.sdk, throwOutOfMemory, nullptr);
+                  auto const callback = [](KelvarisSDK_VersionResult, void*) -> bool {
+                      throw std::bad_alloc();
+                  };
+                  KelvarisSDK_GetVersion(handle.sdk, callback, nullptr);
                   pause();
                   return 0;
               }),

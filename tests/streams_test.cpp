@@ -83,27 +83,20 @@ TEST(Stats, SubscriptionAndItsRepeat) {
 
 // The thread that it starts ends at once, and the end waits for it.
 TEST(Stats, FirstSubscriptionWhileTheHandleEnds) {
-    ScriptedDaemon daemon(
-        {{"request_current_state", "null", {state(6)}}, {"stat_subscribe", R"({"enable":true})"}}, noName);
+    ScriptedDaemon daemon({asked("version_data", "{}"), {"stat_subscribe", R"({"enable":true})"}}, noName);
     auto sdk = std::make_unique<Sdk>(daemon);
-    struct Ending {
-        Sdk* sdk;
-        std::promise<void> begun;
-        KelvarisSDK_BaseResult result;
-    } ending{sdk.get(), {}, {}};
-    auto const subscribe = [](KelvarisSDK_StateResult, void* userData) {
-        Ending& data = *static_cast<Ending*>(userData);
-        data.begun.set_value();
-        while (data.sdk->isAlive()) {
-            std::this_thread::yield();
-        }
-        data.result = data.sdk->enableStatUpdates(true, 0, nullptr);
-        return false;
-    };
-    sdk->getState(subscribe, &ending);
-    ending.begun.get_future().wait();
+    std::promise<void> begun;
+    auto inside = std::async(std::launch::async, [&, &own = *sdk] {
+        inCallback(own.handle(), [&] {
+            begun.set_value();
+            while (own.isAlive()) {
+                std::this_thread::yield();
+            }
+            EXPECT_FALSE(own.enableStatUpdates(true, 0, nullptr).error);
+        });
+    });
+    begun.get_future().wait();
     sdk.reset();
-    EXPECT_FALSE(ending.result.error);
 }
 
 TEST(Stats, BriefForm) {

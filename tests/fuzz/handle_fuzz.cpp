@@ -152,7 +152,7 @@ void settle(ScriptedDaemon& daemon, Sdk& library, bool isIntact) {
 void perform(Input& input, ScriptedDaemon& daemon, std::size_t connection) {
     std::vector<std::unique_ptr<Waiting>> waiting;
     Sdk library(daemon);
-    auto* const sdk = reinterpret_cast<KelvarisSDK_Handle*>(static_cast<kelvarissdk::KelvarisSDK*>(&library));
+    KelvarisSDK_Handle* const sdk = library.handle();
     daemon.waitForConnections(connection);
     for (bool isIntact = true; !input.isEmpty();) {
         std::uint8_t const what = input.byte();

@@ -51,16 +51,6 @@ void* realloc(void* memory, size_t size) {
     return fails() ? NULL : next(memory, size);
 }
 
-void* aligned_alloc(size_t alignment, size_t size) {
-    NEXT(aligned_alloc)
-    return fails() ? NULL : next(alignment, size);
-}
-
-int posix_memalign(void** memory, size_t alignment, size_t size) {
-    NEXT(posix_memalign)
-    return fails() ? ENOMEM : next(memory, alignment, size);
-}
-
 /* operator new, which the sanitizers define without malloc, and what throws std::bad_alloc. */
 extern void throwBadAlloc(void) __asm__("_ZSt17__throw_bad_allocv") __attribute__((weak, noreturn));
 void* operatorNew(size_t size) __asm__("_Znwm");
