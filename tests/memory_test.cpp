@@ -20,12 +20,6 @@ using namespace harness;
 
 namespace {
 
-// How many failures each run is tried with, alone and lasting.
-long failuresPerRun() {
-    char const* const number = std::getenv("KELVARIS_FAILURES");
-    return number == nullptr ? 2 : std::atol(number);
-}
-
 // Of the runs of a transcript one for each action. The clock of a run is this test's matter; runs with a shell of their
 // own or without a daemon are left to the transcripts' own test.
 std::vector<Row> actionsOf(std::string const& family) {
@@ -110,6 +104,7 @@ class Memory : public testing::TestWithParam<char const*> {};
 
 // The failures are spread over a run, and from run to run elsewhere in it.
 TEST_P(Memory, RunsOutInTheTool) {
+    char const* const failures = std::getenv("KELVARIS_FAILURES"); // of each kind that a run is tried with
     std::mutex mutex;
     std::map<std::string, long> outcomes;
     std::vector<std::function<void()>> attempts;
@@ -121,7 +116,7 @@ TEST_P(Memory, RunsOutInTheTool) {
             << intact->err;
         long const count = std::stol(counted[1]);
         intact->err.erase(static_cast<std::size_t>(counted.position()));
-        long const step = std::max(count / failuresPerRun(), 1L);
+        long const step = std::max(count / (failures == nullptr ? 2 : std::atol(failures)), 1L);
         auto const first =
             static_cast<long>(std::hash<std::string>()(row.words) % static_cast<unsigned long>(step));
         for (long at = 2 * (1 + first); at <= 2 * count + 1; at += at % 2 == 0 ? 1 : 2 * step - 1) {

@@ -119,17 +119,13 @@ TEST(SafeBrowsing, StartWithACallback) {
                              report("safe_browsing_settings", R"({"enabled":true})")}}},
                           {.appName = std::nullopt});
     Handle const handle(daemon.port());
-    std::promise<KelvarisSDK_SafeBrowsingResult> steps[2];
-    auto const callback = [](KelvarisSDK_SafeBrowsingResult result, void* userData) {
-        static_cast<std::promise<KelvarisSDK_SafeBrowsingResult>*>(userData)[result.enabled].set_value(
-            result);
-        return true;
-    };
-    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", callback, steps);
-    KelvarisSDK_SafeBrowsingResult const second = steps[0].get_future().get();
+    InboxOf<KelvarisSDK_SafeBrowsingResult> steps;
+    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", decltype(steps)::keep, &steps);
+    KelvarisSDK_SafeBrowsingResult const second = steps.take();
     EXPECT_EQ(second.base.callbackId, returned.base.callbackId);
     EXPECT_EQ(second.connectErrorCode, 5);
-    EXPECT_FALSE(steps[1].get_future().get().connectErrorSet);
+    KelvarisSDK_SafeBrowsingResult const first = steps.take();
+    EXPECT_TRUE(first.enabled && !first.connectErrorSet);
 }
 
 // A full message runs on into the host; behind a full host the record ends. 0 seconds and -1 have no end.

@@ -63,8 +63,7 @@ void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
         {KelvarisSDK_ErrorType_TIMEOUT, "Timeout"},
         {KelvarisSDK_ErrorType_NOT_CONNECTED, "Unable to connect"},
         {KelvarisSDK_ErrorType_LOCKED_BY_SERVER, "Setting locked by server configuration"}};
-    bool const isFailure = lacksMemory && base.error && base.errorCode == KelvarisSDK_ErrorType_SDK;
-    if (isFailure) {
+    if (lacksMemory && base.error && base.errorCode == KelvarisSDK_ErrorType_SDK) {
         return;
     }
     auto const text = texts.find(base.errorCode);
@@ -252,11 +251,7 @@ void registerAndUnregister(Link const& link) {
 
 // The thread sanitizer takes a thread that was cancelled in its wait for one that still waits, and overlooks its atomic
 // operations from then on.
-#ifdef __SANITIZE_THREAD__
-constexpr bool cancelInWait = false;
-#else
-constexpr bool cancelInWait = true;
-#endif
+constexpr bool cancelInWait = std::string_view(SANITIZED_BY) != "thread";
 
 void quietLinks(std::chrono::milliseconds duration) {
     Simulator const quiet({"--interval", "3600000"});
@@ -289,11 +284,7 @@ void quietLinks(std::chrono::milliseconds duration) {
 
 // This address sanitizer doesn't take the locks of its allocator before a fork, so that a child may wait for a thread that
 // only the parent has. Such a child is ended by its alarm.
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool allocatorMayHang = true;
-#else
-constexpr bool allocatorMayHang = false;
-#endif
+constexpr bool allocatorMayHang = std::string_view(SANITIZED_BY).starts_with("address");
 
 void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     int const status = inChild([&] {
