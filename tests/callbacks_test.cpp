@@ -1,12 +1,10 @@
 // These tests hold the C interface to what it promises about callbacks, threads and handles.
 
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <future>
 
 using namespace harness;
 

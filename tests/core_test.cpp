@@ -2,25 +2,19 @@
 
 #include "productStringReplacement.h"
 #include "prompt.h"
-#include "stream.h"
 #include "support/texts.h"
 
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <memory>
-#include <new>
 #include <regex>
 #include <unistd.h>
 
 using namespace harness;
 
 namespace {
-
-int allocationsToFailure = 0; // 0: none fails
 
 std::string const loggedIn = styled(R"({"state":"LOGGED_IN"})");
 
@@ -29,22 +23,6 @@ std::string usageOf(std::string const& program) {
 }
 
 } // namespace
-
-// Inlined, these would look to the compiler like a mismatch of new and free.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
-        throw std::bad_alloc();
-    }
-    return std::malloc(size);
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
-    std::free(memory);
-}
 
 // Help prints it; whatever isn't an action shows it as an error, and so do options without an action.
 TEST(Frame, UsageText) {
@@ -79,23 +57,6 @@ TEST(Product, PlaceholderIsReplaced) {
     std::string const full = replaceProductString(("{kelvarisProductName}" + std::string(300, 'x')).c_str());
     EXPECT_EQ(full, "Kelvaris" + std::string(192, 'x'));
     EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
-}
-
-// Whichever allocation of a report fails, nothing of the report is written, and the stream ends.
-TEST(Product, ReportsAreWrittenWholeOrNotAtAll) {
-    auto const record = std::make_unique<KelvarisSDK_AdaptersResult>();
-    record->adapterCount = 8;
-    bool failed = true;
-    for (int failing = 1; failed; ++failing) {
-        Stream stream;
-        testing::internal::CaptureStdout();
-        allocationsToFailure = failing;
-        bool const goesOn = printReport("adapters", *record, &stream, printAdaptersResult);
-        failed = std::exchange(allocationsToFailure, 0) == 0;
-        EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), failed) << failing;
-        EXPECT_EQ(goesOn, !failed);
-        EXPECT_EQ(stream.lacksMemory, failed);
-    }
 }
 
 // This process has the secret in two pieces, so that whoever has both in a row has a copy of the prompt's.

@@ -2,13 +2,10 @@
 
 #include "secrettext.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <future>
-#include <gtest/gtest.h>
 #include <random>
 #include <string_view>
 
@@ -208,25 +205,6 @@ TEST_F(Unlinked, TimeOutCountsFromTheEndOfCallbacks) {
     Entry behind(link, "behind", log, awaiting("never", 100));
     inside->wait();
     EXPECT_EQ(log, "behind:sdk_error inside:sdk_error ");
-}
-
-// Requests queued while there is no link leave with the next one, what was sent before isn't repeated, and a
-// subscription hears what the daemon says after the reconnect. Its records keep the code of the returned one.
-TEST(Engine, ReconnectKeepsTheTableAndRepeatsNothing) {
-    ScriptedDaemon daemon(
-        {asked({state(6)}, Then::reset),
-         {"request_version_data", "null", {R"(["report_version_data",{"maj":1}])", state(2)}}},
-        noName);
-    Handle handle(daemon.port());
-    Inbox inbox;
-    KelvarisSDK_StateResult const returned = KelvarisSDK_GetState(handle.sdk, Inbox::keep, &inbox);
-    daemon.waitForConnections(2);
-    EXPECT_EQ(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).maj, 1);
-    EXPECT_EQ(returned.state, 0U);
-    for (KelvarisSDK_StateResult const& result : {returned, inbox.take(), inbox.take()}) {
-        EXPECT_EQ(textOf(result.base), "3584 Result is an async call SDK") << result.state;
-        EXPECT_EQ(result.base.callbackId, returned.base.callbackId);
-    }
 }
 
 // The quickest attempt follows at once when its time has come; all of them together show that none came early.

@@ -3,56 +3,53 @@
 
 #include "support/sdk.h"
 #include "support/simulator.h"
-#include "support/texts.h"
 
 #include <csignal>
-#include <future>
 #include <optional>
 
 using namespace harness;
 using namespace kelvarissdk;
 
 // The daemon resets the connection at the first of two requests that leave together, holds the next attempt
-// in its upgrade, and accepts the third.
+// in its upgrade, and accepts the third. A subscription hears it before and after, and its records keep the code of the
+// returned one.
 TEST(Faults, RequestsAroundAReconnectLeaveOnce) {
-    ScriptedDaemon daemon(
-        {{.request = "first", .then = Then::reset}, {"during"}, {"still during"}, {"after"}},
-        {.appName = std::nullopt, .upgrades = {{}, {.bytes = "HTTP/1.1 101"}}});
-    WebsocketImpl link("127.0.0.1", daemon.port());
+    ScriptedDaemon daemon({asked("current_state", R"({"state":6})"),
+                           {.request = "first", .then = Then::reset},
+                           {"during"},
+                           {"still during"},
+                           {"after", "null", {state(2)}}},
+                          {.appName = std::nullopt, .upgrades = {{}, {.bytes = "HTTP/1.1 101"}}});
+    Sdk sdk(daemon);
+    Inbox inbox;
+    KelvarisSDK_StateResult const returned = sdk.getState(Inbox::keep, &inbox);
+    EXPECT_EQ(inbox.take().state, KelvarisSDK_State_CONNECTED);
     std::string log;
     auto lost = std::async(std::launch::async, [&] {
-        Entry(link, "", log, awaiting("never", 600, {"first", "second"})).wait();
+        Entry(sdk.link(), "", log, awaiting("never", 600, {"first", "second"})).wait();
     });
     daemon.waitForConnections(2);
-    link.sendRequest("during");
-    link.sendRequest("still during");
+    sdk.link().sendRequest("during");
+    sdk.link().sendRequest("still during");
     daemon.dropConnection(Then::reset);
     daemon.waitForRequest("still during");
-    link.sendRequest("after");
-    daemon.waitForRequest("after");
+    sdk.link().sendRequest("after");
+    KelvarisSDK_StateResult const later = inbox.take();
+    EXPECT_EQ(later.state, 2U);
+    EXPECT_EQ(later.base.errorCode, KelvarisSDK_ErrorType_ASYNC_CALL);
+    EXPECT_EQ(later.base.callbackId, returned.base.callbackId);
 }
 
 // The connection is reset while a callback runs, and only what the callback sends shows it: the next attempt doesn't wait
 // for the time-out of that.
 TEST(Faults, LossThatSendingShowsIsNotWaitedOut) {
-    ScriptedDaemon daemon({}, noName);
-    std::promise<void> entered;
-    std::promise<void> dropped;
-    auto const link = std::make_unique<WebsocketImpl>("127.0.0.1", daemon.port());
-    EventDescription description;
-    WebsocketImpl::subscribeToEvent(description, "begin");
-    link->getResult(description, [&](std::string const&, std::string const&, Json::Value const&) {
-        entered.set_value();
-        dropped.get_future().wait();
+    ScriptedDaemon daemon({asked("version_data", "{}")}, noName);
+    Sdk sdk(daemon);
+    inCallback(sdk.handle(), [&] {
+        daemon.dropConnection();
         EventDescription lost = awaiting("nothing", 60'000, {"lost"});
-        link->getResult(lost, [](auto&&...) { return true; });
-        return true;
+        sdk.link().getResult(lost, [](auto&&...) { return true; });
     });
-    daemon.waitForConnections(1);
-    daemon.send(R"(["begin",{}])");
-    entered.get_future().wait();
-    daemon.dropConnection();
-    dropped.set_value();
     daemon.waitForConnections(2);
 }
 

@@ -1,14 +1,9 @@
 // The C interface as a whole: how each call delivers and which lock ends it, the texts of the enumerations.
 
+#include "support/calls.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <atomic>
-#include <filesystem>
-#include <functional>
-#include <gtest/gtest.h>
-#include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <type_traits>
@@ -31,36 +26,26 @@ template <class T> bool keep(T result, void* userData) {
 
 enum class Given { all, noCallback, noTexts, nothing };
 
-// Something for each parameter; the handle stands in for the user data.
-template <class Result, class T> T argument(KelvarisSDK_Handle* sdk, Given given) {
-    bool const texts = given == Given::all || given == Given::noCallback;
-    if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
-        return given == Given::all || given == Given::noTexts ? keep<Result> : nullptr;
-    } else if constexpr (std::is_same_v<T, void*>) {
-        return sdk;
-    } else if constexpr (std::is_same_v<T, char const*>) {
-        return texts ? "text" : nullptr;
-    } else if constexpr (std::is_pointer_v<T>) {
-        return nullptr;
-    } else {
-        return static_cast<T>(!texts);
+// The handle stands in for the user data.
+struct Arguments {
+    KelvarisSDK_Handle* sdk;
+    Given given;
+
+    template <class Result, class T> T give() {
+        bool const texts = given == Given::all || given == Given::noCallback;
+        if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
+            return given == Given::all || given == Given::noTexts ? keep<Result> : nullptr;
+        } else if constexpr (std::is_same_v<T, void*>) {
+            return sdk;
+        } else if constexpr (std::is_same_v<T, char const*>) {
+            return texts ? "text" : nullptr;
+        } else if constexpr (std::is_pointer_v<T>) {
+            return nullptr;
+        } else {
+            return static_cast<T>(!texts);
+        }
     }
-}
-
-// Starts a call and returns the head of its record.
-using Start = std::function<KelvarisSDK_BaseResult(KelvarisSDK_Handle*, Given)>;
-
-template <class Result, class... Args> Start starter(Result (*call)(KelvarisSDK_Handle*, Args...)) {
-    return [call](KelvarisSDK_Handle* sdk, Given given) {
-        return call(sdk, argument<Result, Args>(sdk, given)...).base;
-    };
-}
-
-#define ROW(name) {#name, starter(KelvarisSDK_##name)},
-std::map<std::string, Start> const starts{
-#include "calls.inc"
 };
-#undef ROW
 
 // Returns every report that finishes a call, each of them twice.
 std::string allReports() {
@@ -72,40 +57,32 @@ std::string allReports() {
     return frames + frames;
 }
 
+using AnyCall = CallWith<Arguments>;
+
+KelvarisSDK_BaseResult start(AnyCall const& call, KelvarisSDK_Handle* sdk, Given given) {
+    Arguments arguments{sdk, given};
+    return call.start(sdk, arguments);
+}
+
 // Holds a line of the catalogue of calls.
-struct Call {
+struct Line {
+    AnyCall call;
     std::string delivery, lock;
     Words requests;
 };
 
-std::map<std::string, Call> catalogue() {
-    std::map<std::string, Call> calls;
-    std::istringstream lines(golden("calls.txt"));
-    for (std::string line; std::getline(lines, line);) {
+std::vector<Line> catalogue() {
+    std::vector<Line> lines;
+    std::istringstream text(golden("calls.txt"));
+    std::string line;
+    std::getline(text, line); // names the columns
+    for (AnyCall const& call : callsWith<Arguments>) {
+        std::getline(text, line);
         Words const words = split(line);
-        calls[words[0]] = {words[1], words[2], {words.begin() + 3, words.end()}};
+        EXPECT_EQ(words[0], call.name);
+        lines.push_back({call, words[1], words[2], {words.begin() + 3, words.end()}});
     }
-    calls.erase("call"); // names the columns
-    return calls;
-}
-
-// Returns the files of a folder, but not those of the folders in it.
-std::string sources(std::string const& folder) {
-    std::string texts;
-    for (auto const& file : std::filesystem::directory_iterator(SOURCE_DIR "/" + folder)) {
-        texts += file.is_regular_file() ? source(folder + '/' + file.path().filename().string()) : "";
-    }
-    return texts;
-}
-
-// Returns what the pattern's group captures.
-std::set<std::string> found(std::string const& pattern, std::string const& text) {
-    std::set<std::string> captures;
-    std::regex const expression(pattern);
-    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match) {
-        captures.insert((*match)[1]);
-    }
-    return captures;
+    return lines;
 }
 
 // Appends the text of each number that has one of its own, and that of all others.
@@ -128,8 +105,8 @@ TEST(Interface, CallsDeliverAsCatalogued) {
     InboxOf<KelvarisSDK_SafeBrowsingBlockResult> marks;
     KelvarisSDK_ListenForSafeBrowsingBlock(handle.sdk, decltype(marks)::keep, &marks);
     daemon.waitForConnections(1);
-    auto const deliveries = [&](std::string const& name, Call const& call, std::string const& locks) {
-        uint64_t const id = starts.at(name)(handle.sdk, Given::all).callbackId;
+    auto const deliveries = [&](Line const& call, std::string const& locks) {
+        uint64_t const id = start(call.call, handle.sdk, Given::all).callbackId;
         for (std::string const& request : call.requests) {
             daemon.waitForRequest(request);
         }
@@ -144,26 +121,26 @@ TEST(Interface, CallsDeliverAsCatalogued) {
         }
         return delivered;
     };
-    auto const calls = catalogue();
-    for (auto const& [name, call] : calls) {
-        SCOPED_TRACE(name);
+    auto const lines = catalogue();
+    for (Line const& call : lines) {
+        SCOPED_TRACE(call.call.name);
         std::string otherLocks;
-        for (auto const& [otherName, other] : calls) {
+        for (Line const& other : lines) {
             for (std::string const& setting : other.requests) {
                 otherLocks += setting == call.lock ? "" : frame(0x81, lock(setting, 1));
             }
         }
-        std::vector<Delivery> const unlocked = deliveries(name, call, otherLocks);
+        std::vector<Delivery> const unlocked = deliveries(call, otherLocks);
         EXPECT_EQ(unlocked.size() == 1, call.delivery == "once") << unlocked.size();
         wantsMore = false;
-        EXPECT_EQ(deliveries(name, call, "").size(), 1U);
+        EXPECT_EQ(deliveries(call, "").size(), 1U);
         wantsMore = true;
         for (Delivery const& delivery : unlocked) {
             EXPECT_FALSE(delivery.head.error);
-            EXPECT_EQ(delivery.userData == nullptr, name.starts_with("ResetDirectory"));
+            EXPECT_EQ(delivery.userData == nullptr, call.call.name.starts_with("ResetDirectory"));
         }
         for (int reason = 1; reason <= 2 && call.lock != "-"; ++reason) {
-            std::vector<Delivery> const locked = deliveries(name, call, frame(0x81, lock(call.lock, reason)));
+            std::vector<Delivery> const locked = deliveries(call, frame(0x81, lock(call.lock, reason)));
             EXPECT_EQ(locked.size(), 1U);
             for (Delivery const& delivery : locked) {
                 EXPECT_TRUE(delivery.head.error);
@@ -175,36 +152,23 @@ TEST(Interface, CallsDeliverAsCatalogued) {
 
 // Nothing is sent, and a refusal for the arguments comes before that of a synchronous call in a callback.
 TEST(Interface, NullIsRefused) {
-    std::set<std::string> const wanted =
-        found(R"(KelvarisSDK_(\w+)\([^;]*(?:char const\*|unsigned short count)[^;]*\bcallback\b)",
-              sources("sdklibrary/include/kelvarissdk"));
-    std::set<std::string> const mayBeNull = {"SetDirectoryDomain", "SetDirectoryGatewayURI"};
-    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}}}, noName);
+    std::set<std::string_view> const mayBeNull = {"SetDirectoryDomain", "SetDirectoryGatewayURI"};
+    ScriptedDaemon daemon({asked("version_data", "{}")}, noName);
     Handle const handle(daemon.port());
     auto const refuseAll = [&] {
         EXPECT_EQ(KelvarisSDK_EnableStatUpdates(handle.sdk, true, 1, nullptr).errorCode, 3842);
         EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(handle.sdk, nullptr, nullptr, nullptr).base.errorCode, 3842);
-        for (auto const& [name, start] : starts) {
+        for (AnyCall const& call : callsWith<Arguments>) {
             for (Given const given : {Given::noTexts, Given::nothing}) {
-                if (wanted.contains(name) && !mayBeNull.contains(name)) {
-                    KelvarisSDK_BaseResult const head = start(handle.sdk, given);
-                    EXPECT_TRUE(head.error && head.errorCode == 3842) << name << ' ' << head.errorCode;
+                if (call.takesTexts && !mayBeNull.contains(call.name)) {
+                    KelvarisSDK_BaseResult const head = start(call, handle.sdk, given);
+                    EXPECT_TRUE(head.error && head.errorCode == 3842) << call.name << ' ' << head.errorCode;
                 }
             }
         }
     };
     refuseAll();
-    std::promise<void> refused;
-    auto const inCallback = [&] {
-        refuseAll();
-        refused.set_value();
-    };
-    auto const callback = [](KelvarisSDK_StateResult, void* userData) {
-        (*static_cast<decltype(&inCallback)>(userData))();
-        return false;
-    };
-    KelvarisSDK_GetState(handle.sdk, callback, const_cast<void*>(static_cast<void const*>(&inCallback)));
-    refused.get_future().wait();
+    inCallback(handle.sdk, refuseAll);
 }
 
 TEST(Interface, NoHandleIsAMissingLink) {
@@ -213,64 +177,11 @@ TEST(Interface, NoHandleIsAMissingLink) {
     EXPECT_EQ(KelvarisSDK_StartSafeBrowsing(nullptr, nullptr, nullptr, nullptr).base.errorCode, 3840);
     KelvarisSDK_UnregisterCallback(nullptr, 1);
     KelvarisSDK_Destroy(nullptr);
-    for (auto const& [name, start] : starts) {
+    for (AnyCall const& call : callsWith<Arguments>) {
         for (Given const given : {Given::all, Given::noCallback, Given::nothing}) {
-            KelvarisSDK_BaseResult const head = start(nullptr, given);
-            EXPECT_TRUE(head.error && head.errorCode == 3840) << name << ' ' << head.errorCode;
+            KelvarisSDK_BaseResult const head = start(call, nullptr, given);
+            EXPECT_TRUE(head.error && head.errorCode == 3840) << call.name << ' ' << head.errorCode;
         }
-    }
-}
-
-// A call that is declared and forgotten in the catalogue is named by the difference.
-TEST(Interface, EveryCallIsCatalogued) {
-    std::set<std::string> declared = found(R"(KelvarisSDK_(\w+)\(\s*KelvarisSDK_Handle\*[^;]*\bcallback\b)",
-                                           sources("sdklibrary/include/kelvarissdk"));
-    declared.erase("StartSafeBrowsing"); // two calls each, which their own test looks at
-    declared.erase("StopSafeBrowsing");
-    std::set<std::string> catalogued;
-    for (auto const& [name, call] : catalogue()) {
-        catalogued.insert(name);
-    }
-    EXPECT_EQ(catalogued, declared);
-}
-
-// The simulated daemon may share a mistake of the library, so a test has to spell each key and each request too.
-TEST(Interface, EveryWordOnTheWireIsTested) {
-    std::string const tests = sources("tests");
-    std::string const transcripts = sources("tests/golden/transcripts");
-    for (std::string const& key :
-         found(R"re(StaticString const _\w+\{"(\w+)"\})re", source("sdklibrary/engine/keys.h"))) {
-        EXPECT_NE((tests + transcripts).find('"' + key + '"'), std::string::npos)
-            << "no test has the key " << key;
-    }
-    for (auto const& [name, call] : catalogue()) {
-        for (std::string const& request : call.requests) {
-            EXPECT_TRUE(tests.find('"' + request + '"') != std::string::npos ||
-                        transcripts.find("> " + request) != std::string::npos)
-                << "no test awaits the request " << request;
-        }
-    }
-}
-
-// A field that may hide in a record's padding too, and the size in the table of records.
-TEST(Interface, EveryFieldHasItsPlace) {
-    std::string const records = '\n' + golden("records.txt") + "\n";
-    for (std::string const& record :
-         found(R"(struct KelvarisSDK_(\w+ \{[^}]*)\})", sources("sdklibrary/include/kelvarissdk"))) {
-        std::string const name = record.substr(0, record.find(' '));
-        std::size_t const begin = records.find('\n' + name + ' ');
-        ASSERT_NE(begin, std::string::npos) << name;
-        std::string const places = records.substr(begin, records.find("\n\n", begin) - begin);
-        for (std::string const& field : found(R"(\n    \w[\w ]* (\w+)[\[\]\w]*;)", record)) {
-            EXPECT_NE(places.find("\n    " + field + ' '), std::string::npos) << name << ' ' << field;
-        }
-    }
-    auto const sizes = found(R"(\bKelvarisSDK_(\w+ +\d+)\b)", sources("sdklibrary/include/kelvarissdk"));
-    EXPECT_GT(sizes.size(), 20U);
-    for (std::string const& size : sizes) {
-        EXPECT_NE(records.find('\n' + std::regex_replace(size, std::regex(" +"), " ") + '\n'),
-                  std::string::npos)
-            << "the table of sizes says " << size;
     }
 }
 

@@ -2,10 +2,8 @@
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 
 using namespace harness;
 
@@ -128,13 +126,12 @@ TEST(Library, NumbersWithoutAWord) {
 TEST(Library, PrivacyFlags) {
     std::vector<std::string> const flags = {"killswitch", "dnsleak", "ipleak", "do_not_store_credentials"};
     for (std::string const& flag : flags) {
-        SCOPED_TRACE(flag);
         ScriptedDaemon daemon({asked("privacy_settings", "{\"" + flag + "\":true}")}, noName);
-        KelvarisSDK_PrivacySettingsResult const result = Sdk(daemon).getPrivacySettings(nullptr, nullptr);
-        EXPECT_EQ(result.killswitch, flag == flags[0]);
-        EXPECT_EQ(result.dnsleak, flag == flags[1]);
-        EXPECT_EQ(result.ipleak, flag == flags[2]);
-        EXPECT_EQ(result.doNotStoreCredentials, flag == flags[3]);
+        auto const result = Sdk(daemon).getPrivacySettings(nullptr, nullptr);
+        std::vector<bool> const set = {result.killswitch, result.dnsleak, result.ipleak,
+                                       result.doNotStoreCredentials};
+        EXPECT_EQ(flags[static_cast<std::size_t>(std::find(set.begin(), set.end(), true) - set.begin())],
+                  flag);
     }
 }
 

@@ -5,12 +5,10 @@
 #include "translator.h"
 
 #include <clocale>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
 #include <thread>
-#include <vector>
 
 using namespace kelvaris::localization;
 using namespace kelvarissdk;

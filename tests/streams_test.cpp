@@ -3,14 +3,10 @@
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
-#include "support/texts.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <future>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 
@@ -87,27 +83,20 @@ TEST(Stats, SubscriptionAndItsRepeat) {
 
 // The thread that it starts ends at once, and the end waits for it.
 TEST(Stats, FirstSubscriptionWhileTheHandleEnds) {
-    ScriptedDaemon daemon(
-        {{"request_current_state", "null", {state(6)}}, {"stat_subscribe", R"({"enable":true})"}}, noName);
+    ScriptedDaemon daemon({asked("version_data", "{}"), {"stat_subscribe", R"({"enable":true})"}}, noName);
     auto sdk = std::make_unique<Sdk>(daemon);
-    struct Ending {
-        Sdk* sdk;
-        std::promise<void> begun;
-        KelvarisSDK_BaseResult result;
-    } ending{sdk.get(), {}, {}};
-    auto const subscribe = [](KelvarisSDK_StateResult, void* userData) {
-        Ending& data = *static_cast<Ending*>(userData);
-        data.begun.set_value();
-        while (data.sdk->isAlive()) {
-            std::this_thread::yield();
-        }
-        data.result = data.sdk->enableStatUpdates(true, 0, nullptr);
-        return false;
-    };
-    sdk->getState(subscribe, &ending);
-    ending.begun.get_future().wait();
+    std::promise<void> begun;
+    auto inside = std::async(std::launch::async, [&, &own = *sdk] {
+        inCallback(own.handle(), [&] {
+            begun.set_value();
+            while (own.isAlive()) {
+                std::this_thread::yield();
+            }
+            EXPECT_FALSE(own.enableStatUpdates(true, 0, nullptr).error);
+        });
+    });
+    begun.get_future().wait();
     sdk.reset();
-    EXPECT_FALSE(ending.result.error);
 }
 
 TEST(Stats, BriefForm) {
@@ -130,17 +119,13 @@ TEST(SafeBrowsing, StartWithACallback) {
                              report("safe_browsing_settings", R"({"enabled":true})")}}},
                           {.appName = std::nullopt});
     Handle const handle(daemon.port());
-    std::promise<KelvarisSDK_SafeBrowsingResult> steps[2];
-    auto const callback = [](KelvarisSDK_SafeBrowsingResult result, void* userData) {
-        static_cast<std::promise<KelvarisSDK_SafeBrowsingResult>*>(userData)[result.enabled].set_value(
-            result);
-        return true;
-    };
-    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", callback, steps);
-    KelvarisSDK_SafeBrowsingResult const second = steps[0].get_future().get();
+    InboxOf<KelvarisSDK_SafeBrowsingResult> steps;
+    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", decltype(steps)::keep, &steps);
+    KelvarisSDK_SafeBrowsingResult const second = steps.take();
     EXPECT_EQ(second.base.callbackId, returned.base.callbackId);
     EXPECT_EQ(second.connectErrorCode, 5);
-    EXPECT_FALSE(steps[1].get_future().get().connectErrorSet);
+    KelvarisSDK_SafeBrowsingResult const first = steps.take();
+    EXPECT_TRUE(first.enabled && !first.connectErrorSet);
 }
 
 // A full message runs on into the host; behind a full host the record ends. 0 seconds and -1 have no end.

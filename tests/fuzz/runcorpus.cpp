@@ -1,7 +1,6 @@
 // Runs a fuzz target over the files of folders, for builds without a fuzzer.
 
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>

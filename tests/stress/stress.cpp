@@ -4,36 +4,26 @@
 // them; for as long, handles are made, used and destroyed while the daemon is killed and started again, the process forks
 // and allocations fail at random; then handles are made and destroyed in so many rounds (10000) under the hands of a
 // daemon that never falls silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
-// memory has grown; a hang aborts. User data are freed as soon as no callback may use them any more.
+// memory has grown; a hang ends it by an alarm. User data are freed as soon as no callback may use them any more.
 
-#include "support/sdk.h"
+#include "support/calls.h"
+#include "support/child.h"
 #include "support/simulator.h"
 #include "wswrapper.h"
 
-#include <array>
 #include <atomic>
-#include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <malloc.h>
 #include <map>
 #include <memory>
-#include <new>
-#include <optional>
-#include <pthread.h>
 #include <random>
-#include <stop_token>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-#include <vector>
 
 using namespace harness;
 using Clock = std::chrono::steady_clock;
+using Random = std::minstd_rand;
 
 namespace {
 
@@ -50,42 +40,30 @@ std::atomic<long> forks = 0;
 std::atomic<long> hungForks = 0;
 std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
-std::atomic<long> progress = 0;
 
-// Memory runs out for the library alone: on the threads of its own, and in a call that stands in an object of this kind.
+// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it.
 std::atomic<bool> lacksMemory = false;
-thread_local int callsWithoutMemory = 0;
-struct WithoutMemory {
-    WithoutMemory() {
-        ++callsWithoutMemory;
-    }
-    ~WithoutMemory() {
-        --callsWithoutMemory;
-    }
-    WithoutMemory(WithoutMemory const&) = delete;
-    WithoutMemory& operator=(WithoutMemory const&) = delete;
-};
+thread_local bool isInside = false;
 
 bool allocationFails() {
     static constinit thread_local unsigned long dice = 1; // differs by what each thread does
-    if (!lacksMemory || (callsWithoutMemory == 0 && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
+    if (!lacksMemory || (!isInside && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
         return false;
     }
     dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
-    return (dice >> 33) % 2000 == 0 && ++failedAllocations;
+    return (dice >> 33) % 1000 == 0 && ++failedAllocations;
 }
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
 void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
-    ++progress;
+    alarm(30); // for a hang
     static std::map<int, std::string> const texts = {
         {KelvarisSDK_ErrorType_NO_ERROR, ""},
         {KelvarisSDK_ErrorType_ASYNC_CALL, "Result is an async call SDK"},
         {KelvarisSDK_ErrorType_TIMEOUT, "Timeout"},
         {KelvarisSDK_ErrorType_NOT_CONNECTED, "Unable to connect"},
         {KelvarisSDK_ErrorType_LOCKED_BY_SERVER, "Setting locked by server configuration"}};
-    bool const isFailure = lacksMemory && base.error && base.errorCode == KelvarisSDK_ErrorType_SDK;
-    if (isFailure) {
+    if (lacksMemory && base.error && base.errorCode == KelvarisSDK_ErrorType_SDK) {
         return;
     }
     auto const text = texts.find(base.errorCode);
@@ -106,11 +84,19 @@ struct Waiting {
     KelvarisSDK_Handle* sdk = nullptr;
     uint64_t id = 0;
     unsigned count = 0;
+    bool isRefused = false;
+
+    void note(KelvarisSDK_BaseResult const& returned) {
+        judge(returned);
+        id = returned.callbackId;
+        isRefused = returned.error;
+    }
 };
 
 template <class T> bool deliver(T result, void* userData) {
     auto& waiting = *static_cast<Waiting*>(userData);
     ++deliveries;
+    wrong += waiting.isRefused ? 1 : 0;
     judge(result.base, true);
     if (++waiting.count % 16 == 0) {
         int const code = KelvarisSDK_GetState(waiting.sdk, nullptr, nullptr).base.errorCode;
@@ -120,11 +106,10 @@ template <class T> bool deliver(T result, void* userData) {
     return waiting.count % 10 != 0;
 }
 
-// One thread's calls.
+// Some calls of one thread. It begins with every read that the daemon answers and two settings.
 class Caller {
 public:
-    Caller(std::vector<KelvarisSDK_Handle*> handles, unsigned seed)
-        : random(seed), sdks(std::move(handles)) {}
+    Caller(std::vector<KelvarisSDK_Handle*> const& handles, Random& dice) : random(dice), sdks(handles) {}
     ~Caller() {
         while (!waiting.empty()) {
             unregisterOne();
@@ -133,26 +118,41 @@ public:
     Caller(Caller const&) = delete;
     Caller& operator=(Caller const&) = delete;
 
-    std::mt19937 random;
-
-    template <auto call> void make() {
+    void makeAnyCall() {
+        auto const& [name, takesTexts, start] = callsWith<Caller>[random() % std::size(callsWith<Caller>)];
+        bool const isAnswered = name.starts_with("Get") && name != "GetSessionStats";
+        if (!isAnswered && name != "SetJumboPackets" && name != "SetMode") {
+            return;
+        }
         KelvarisSDK_Handle* const sdk = sdks[random() % sdks.size()];
-        if (random() % 2 == 0) {
-            auto const result = call(sdk, nullptr, nullptr);
-            judge(result.base);
-            if constexpr (requires { result.build; }) { // what one thread finds is its own
-                wrong += result.base.error || result.build == 9063 ? 0 : 1;
-            }
+        isSynchronous = random() % 2 == 0;
+        if (isSynchronous) {
+            start(sdk, *this);
             ++synchronous;
             return;
         }
         waiting.push_back(std::make_unique<Waiting>(Waiting{.sdk = sdk}));
-        auto const returned = call(sdk, deliver, waiting.back().get());
-        judge(returned.base);
-        waiting.back()->id = returned.base.callbackId;
+        waiting.back()->id = start(sdk, *this).callbackId;
         ++asynchronous;
         while (random() % 3 == 0 ? !waiting.empty() : waiting.size() > 20) {
             unregisterOne();
+        }
+    }
+
+    template <class Result, class T> T give() {
+        if constexpr (std::is_same_v<T, bool (*)(Result, void*)>) {
+            return isSynchronous ? nullptr : deliver<Result>;
+        } else if constexpr (std::is_same_v<T, void*>) {
+            return isSynchronous ? nullptr : waiting.back().get();
+        } else {
+            return T(1);
+        }
+    }
+
+    template <class Result> void see(Result const& returned) {
+        judge(returned.base);
+        if constexpr (requires { returned.build; }) { // what one thread finds is its own
+            wrong += !isSynchronous || returned.base.error || returned.build == 9063 ? 0 : 1;
         }
     }
 
@@ -163,37 +163,26 @@ private:
         waiting.erase(which);
     }
 
-    std::vector<KelvarisSDK_Handle*> const sdks;
+    Random& random;
+    std::vector<KelvarisSDK_Handle*> const& sdks;
     std::vector<std::unique_ptr<Waiting>> waiting;
+    bool isSynchronous = true;
 };
 
-template <auto set, auto value>
-KelvarisSDK_SettingsResult to(KelvarisSDK_Handle* sdk, KelvarisSDK_SettingsCallback callback,
-                              void* userData) {
-    return set(sdk, value, callback, userData);
-}
-
-template <auto... calls> void makeOneOf(Caller& caller) {
-    constexpr std::array<void (Caller::*)(), sizeof...(calls)> each = {&Caller::make<calls>...};
-    (caller.*each[caller.random() % each.size()])();
-}
-
-// The reads of every family, and some settings.
-constexpr auto makeAnyCall =
-    makeOneOf<KelvarisSDK_GetState, KelvarisSDK_GetVersion, KelvarisSDK_GetAccountingData,
-              KelvarisSDK_GetDirectory, KelvarisSDK_GetConnectedServer, KelvarisSDK_GetServerSettings,
-              KelvarisSDK_GetDirectorySettings, KelvarisSDK_GetSettings, KelvarisSDK_GetPrivacySettings,
-              KelvarisSDK_GetAdapters, KelvarisSDK_GetFirewallSettings, KelvarisSDK_GetLocalProxySettings,
-              KelvarisSDK_GetStreamingSettings, KelvarisSDK_GetConnectionStats, KelvarisSDK_GetStreamingStats,
-              KelvarisSDK_GetLastDisconnectEvent, KelvarisSDK_GetSpeedTestResults,
-              KelvarisSDK_GetSafeBrowsing, to<KelvarisSDK_SetJumboPackets, true>,
-              to<KelvarisSDK_SetMode, KelvarisSDK_BondingMode_REDUNDANT>>;
-
-void inThreads(std::function<void(unsigned)> const& body) {
+// Lets each of the threads repeat the body for as long as it goes on.
+void inThreads(std::function<bool()> const& goesOn, std::function<void(Random&)> const& body) {
     std::vector<std::jthread> threads;
-    for (unsigned i = 0; i < threadCount; ++i) {
-        threads.emplace_back(body, i);
+    for (unsigned i = 1; i <= threadCount; ++i) {
+        threads.emplace_back([&, random = Random(i)]() mutable {
+            while (goesOn()) {
+                body(random);
+            }
+        });
     }
+}
+
+std::function<bool()> during(std::chrono::milliseconds duration) {
+    return [end = Clock::now() + duration] { return Clock::now() < end; };
 }
 
 void mixedCalls(std::chrono::milliseconds duration) {
@@ -205,14 +194,14 @@ void mixedCalls(std::chrono::milliseconds duration) {
     Handle const first(dropping.port);
     Handle const second(alsoDropping.port);
     Handle const third(steady.port);
-    for (Handle const* handle : {&first, &second, &third}) {
-        KelvarisSDK_EnableStatUpdates(handle->sdk, true, 0, nullptr);
+    std::vector<KelvarisSDK_Handle*> const sdks = {first.sdk, second.sdk, third.sdk};
+    for (KelvarisSDK_Handle* const sdk : sdks) {
+        KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
     }
-    auto const end = Clock::now() + duration;
-    inThreads([&](unsigned number) {
-        Caller caller({first.sdk, second.sdk, third.sdk}, number);
-        while (Clock::now() < end) {
-            makeAnyCall(caller);
+    inThreads(during(duration), [&](Random& random) {
+        Caller caller(sdks, random);
+        for (int i = 0; i < 300; ++i) {
+            caller.makeAnyCall();
         }
     });
 }
@@ -220,21 +209,19 @@ void mixedCalls(std::chrono::milliseconds duration) {
 void createAndDestroy(long rounds) {
     Simulator const chatty({"--interval", "1"});
     std::atomic<long> next = 0;
-    inThreads([&](unsigned number) {
-        std::mt19937 random(number);
-        while (next++ < rounds) {
-            Waiting connections;
-            Waiting state;
-            Handle const handle(chatty.port);
-            connections.sdk = state.sdk = handle.sdk;
-            KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
-            KelvarisSDK_GetConnectionStats(handle.sdk, deliver, &connections);
-            KelvarisSDK_GetState(handle.sdk, deliver, &state);
-            if (random() % 2 == 0) {
-                judge(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).base);
-            }
-        }
-    });
+    inThreads([&] { return next++ < rounds; },
+              [&](Random& random) {
+                  Waiting connections;
+                  Waiting state;
+                  Handle const handle(chatty.port);
+                  connections.sdk = state.sdk = handle.sdk;
+                  KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
+                  KelvarisSDK_GetConnectionStats(handle.sdk, deliver, &connections);
+                  KelvarisSDK_GetState(handle.sdk, deliver, &state);
+                  if (random() % 2 == 0) {
+                      judge(KelvarisSDK_GetVersion(handle.sdk, nullptr, nullptr).base);
+                  }
+              });
 }
 
 using Link = std::unique_ptr<kelvarissdk::WebsocketImpl>;
@@ -264,91 +251,83 @@ void registerAndUnregister(Link const& link) {
 
 // The thread sanitizer takes a thread that was cancelled in its wait for one that still waits, and overlooks its atomic
 // operations from then on.
-#ifdef __SANITIZE_THREAD__
-constexpr bool cancelInWait = false;
-#else
-constexpr bool cancelInWait = true;
-#endif
+constexpr bool cancelInWait = std::string_view(SANITIZED_BY) != "thread";
 
 void quietLinks(std::chrono::milliseconds duration) {
     Simulator const quiet({"--interval", "3600000"});
     Simulator const dropping({"--interval", "3600000", "--drop-after", "17"});
     Simulator const closing({"--interval", "3600000", "--close-frame-after", "5"});
     std::array const ports = {quiet.port, quiet.port, dropping.port, closing.port};
-    auto const end = Clock::now() + duration;
-    inThreads([&](unsigned number) {
-        std::minstd_rand random(number);
-        while (Clock::now() < end) {
-            std::uint16_t const port = ports[random() % ports.size()];
-            auto const link = std::make_unique<kelvarissdk::WebsocketImpl>("127.0.0.1", port);
-            auto const start = [&](bool endless, unsigned long count) {
-                return std::thread(
-                    [&link, endless, count, answers = port == quiet.port, dice = random]() mutable {
-                        for (unsigned long i = 0; endless || i < count; ++i) {
-                            dice() % 4 == 0 || (endless && !cancelInWait) ? registerAndUnregister(link)
-                                                                          : ask(link, answers, dice());
-                            pthread_testcancel();
-                        }
-                    });
-            };
-            std::thread victim = start(true, 0);
-            std::thread other = start(false, random() % 10);
-            std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
-            pthread_cancel(victim.native_handle());
-            victim.join();
-            other.join();
-            start(false, 2).join();
-            ++cancelled;
-        }
+    inThreads(during(duration), [&](Random& random) {
+        std::uint16_t const port = ports[random() % ports.size()];
+        auto const link = std::make_unique<kelvarissdk::WebsocketImpl>("127.0.0.1", port);
+        auto const start = [&](bool endless, unsigned long count) {
+            return std::thread(
+                [&link, endless, count, answers = port == quiet.port, dice = random]() mutable {
+                    for (unsigned long i = 0; endless || i < count; ++i) {
+                        dice() % 4 == 0 || (endless && !cancelInWait) ? registerAndUnregister(link)
+                                                                      : ask(link, answers, dice());
+                        pthread_testcancel();
+                    }
+                });
+        };
+        std::thread victim = start(true, 0);
+        std::thread other = start(false, random() % 10);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+        pthread_cancel(victim.native_handle());
+        victim.join();
+        other.join();
+        start(false, 2).join();
+        ++cancelled;
     });
 }
 
 // This address sanitizer doesn't take the locks of its allocator before a fork, so that a child may wait for a thread that
 // only the parent has. Such a child is ended by its alarm.
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool allocatorMayHang = true;
-#else
-constexpr bool allocatorMayHang = false;
-#endif
+constexpr bool allocatorMayHang = std::string_view(SANITIZED_BY).starts_with("address");
 
-// A child has nothing of its parent's handle and makes one of its own.
-void tryInChild(KelvarisSDK_Handle* sdk, std::uint16_t port) {
-    pid_t const child = fork();
-    if (child == 0) {
-        alarm(20);
+void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
+    int const status = inChild([&] {
         lacksMemory = false;
-        bool const isRefused =
-            KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode == KelvarisSDK_ErrorType_SDK;
-        KelvarisSDK_Destroy(sdk);
-        Handle const own(port);
-        _exit(isRefused && !KelvarisSDK_GetVersion(own.sdk, nullptr, nullptr).base.error ? 0 : 1);
-    }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    if (status == SIGALRM && allocatorMayHang) {
+        return wrongInChild(sdk, port);
+    });
+    if (status == -SIGALRM && allocatorMayHang) {
         ++hungForks;
     } else if (status != 0) {
         ++wrong;
-        std::fprintf(stderr, "stress: a child ended with %#x\n", static_cast<unsigned>(status));
+        std::fprintf(stderr, "stress: a child ended with %d\n", status);
     }
     ++forks;
 }
 
-void useWithoutMemory(KelvarisSDK_Handle* sdk, std::minstd_rand& random) {
+// Makes a handle and calls on it, all without memory, and gives it back with nothing left of the calls.
+KelvarisSDK_Handle* useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
+    isInside = true;
+    KelvarisSDK_Handle* const sdk =
+        KelvarisSDK_CreateWithSettings({.appName = "stress", .address = "127.0.0.1", .port = port});
+    isInside = false;
+    if (random() % 4 == 0) {
+        fork(sdk, steadyPort);
+    }
     Waiting connections{.sdk = sdk};
     Waiting adapters{.sdk = sdk};
-    {
-        WithoutMemory const here;
-        KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
-        connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
-        judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
-        judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
-        judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
-    }
+    isInside = true;
+    KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
+    connections.note(KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base);
+    adapters.note(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
+    judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
+    judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
+    isInside = false;
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 50));
-    WithoutMemory const here;
+    KelvarisSDK_UnregisterCallback(sdk, connections.id);
+    KelvarisSDK_UnregisterCallback(sdk, adapters.id);
+    return sdk;
+}
+
+void destroyWithoutMemory(KelvarisSDK_Handle* sdk) {
+    isInside = true;
     KelvarisSDK_Destroy(sdk);
+    isInside = false;
 }
 
 void trouble(std::chrono::milliseconds duration) {
@@ -356,44 +335,30 @@ void trouble(std::chrono::milliseconds duration) {
     Simulator const steady(options);
     std::optional<Simulator> restarted(std::in_place, options);
     std::uint16_t const port = restarted->port;
-    auto const end = Clock::now() + duration;
+    auto const goesOn = during(duration);
     lacksMemory = true;
-    std::jthread const restarter([&] {
-        for (; Clock::now() < end; ++restarts) {
+    std::jthread restarter([&] {
+        for (; goesOn(); ++restarts) {
             std::this_thread::sleep_for(std::chrono::milliseconds(700));
             restarted.reset();
             restarted.emplace(options, port);
         }
     });
-    inThreads([&](unsigned number) {
-        std::minstd_rand random(number + 1);
-        while (Clock::now() < end) {
-            KelvarisSDK_Handle* sdk = nullptr;
-            {
-                WithoutMemory const here;
-                sdk = KelvarisSDK_CreateWithSettings({.appName = "stress",
-                                                      .address = "127.0.0.1",
-                                                      .port = number % 2 == 0 ? port : steady.port});
-            }
-            if (random() % 4 == 0) {
-                tryInChild(sdk, steady.port);
-            }
-            useWithoutMemory(sdk, random);
-        }
+    std::array<std::atomic<KelvarisSDK_Handle*>, 50> survivors = {};
+    inThreads(goesOn, [&](Random& random) {
+        KelvarisSDK_Handle* const sdk =
+            useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
+        destroyWithoutMemory(survivors[random() % survivors.size()].exchange(sdk));
     });
+    restarter.join();
     lacksMemory = false;
-}
-
-// Ends a process in which nothing has returned for long.
-void watch(std::stop_token const& stop) {
-    long last = -1;
-    for (int same = 0; !stop.stop_requested(); std::this_thread::sleep_for(std::chrono::seconds(1))) {
-        same = progress == last ? same + 1 : 0;
-        last = progress;
-        if (same == 30) {
-            std::fputs("stress: no call has returned for 30 seconds\n", stderr);
-            std::abort();
+    for (KelvarisSDK_Handle* const sdk : survivors) {
+        KelvarisSDK_BaseResult const base = KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base;
+        wrong += sdk == nullptr && base.errorCode != KelvarisSDK_ErrorType_SDK ? 1 : 0;
+        if (sdk != nullptr) {
+            judge(base);
         }
+        KelvarisSDK_Destroy(sdk);
     }
 }
 
@@ -447,7 +412,6 @@ int main(int argc, char** argv) {
     long const seconds = argc > 1 ? std::atol(argv[1]) : 30;
     long const rounds = argc > 2 ? std::atol(argv[2]) : 10'000;
     createAndDestroy(10); // what is made once and kept, like the table of locations
-    std::jthread const watchdog(watch);
     Held const before;
     mixedCalls(std::chrono::seconds(seconds));
     quietLinks(std::chrono::seconds(seconds));

@@ -1,30 +1,25 @@
-#include "support/process.h"
-
 #include "support/texts.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
-#include <utility>
 
 namespace harness {
 
 namespace {
 
 using namespace std::chrono_literals;
-using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 int checked(ssize_t result, char const* what) {
@@ -34,19 +29,12 @@ int checked(ssize_t result, char const* what) {
     return static_cast<int>(result);
 }
 
-void closeEnd(int& end) {
-    if (end >= 0) {
-        close(std::exchange(end, -1));
-    }
-}
-
-// Appends what is there; at the end of the stream the descriptor is closed.
-void drain(int& end, short events, std::string& text) {
+// Appends what the descriptor has behind the text.
+void readOn(int descriptor, std::string& text) {
     std::array<char, 65536> chunk;
-    ssize_t const size = events == 0 ? 0 : read(end, chunk.data(), chunk.size());
-    text.append(chunk.data(), static_cast<std::size_t>(std::max<ssize_t>(0, size)));
-    if (events != 0 && (size == 0 || (size < 0 && errno != EINTR))) {
-        closeEnd(end);
+    for (ssize_t size = 1; size > 0;) {
+        size = pread(descriptor, chunk.data(), chunk.size(), static_cast<off_t>(text.size()));
+        text.append(chunk.data(), static_cast<std::size_t>(std::max<ssize_t>(0, size)));
     }
 }
 
@@ -99,74 +87,68 @@ pid_t spawn(Command const& command, int in, int out, int err) {
     return checked(pid, command.path.c_str());
 }
 
-// Takes away what libfaketime leaves of a process that ends by a signal.
-int reap(pid_t pid) {
-    int status = 0;
-    checked(waitpid(pid, &status, 0), "waitpid");
-    unlink(("/dev/shm/faketime_shm_" + std::to_string(pid)).c_str());
-    unlink(("/dev/shm/sem.faketime_sem_" + std::to_string(pid)).c_str());
-    return status;
-}
-
 } // namespace
 
 Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * patience()) {
-    int in = -1;
+    for (int* file : {&input, &output, &errors}) {
+        *file = checked(memfd_create("stream", MFD_CLOEXEC), "memfd_create");
+    }
     if (command.input) {
-        in = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
-        checked(pwrite(in, command.input->data(), command.input->size(), 0), "write the input");
+        checked(pwrite(input, command.input->data(), command.input->size(), 0), "write the input");
     } else {
         std::array<char, 64> name = {};
-        keyboard = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
+        keyboard = checked(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK), "posix_openpt");
         checked(unlockpt(keyboard), "unlockpt");
         checked(ptsname_r(keyboard, name.data(), name.size()), "ptsname_r");
-        in = terminal = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
+        close(input);
+        input = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
     }
-    std::array<int, 2> out = {-1, -1};
-    std::array<int, 2> err = {-1, -1};
-    checked(pipe2(out.data(), O_CLOEXEC), "pipe2");
-    checked(pipe2(err.data(), O_CLOEXEC), "pipe2");
-    outEnd = out[0];
-    errEnd = err[0];
-    pid = spawn(command, in, out[1], err[1]);
-    for (int end : {in == terminal ? -1 : in, out[1], err[1]}) {
-        closeEnd(end);
-    }
+    pid = spawn(command, input, output, errors);
 }
 
 Process::~Process() {
     if (pid > 0) {
         kill(pid, SIGKILL);
-        reap(pid);
+        wait();
     }
-    for (int* end : {&outEnd, &errEnd, &keyboard, &terminal}) {
-        closeEnd(*end);
+    for (int const file : {input, output, errors, keyboard}) {
+        close(file);
     }
 }
 
-// One round with the child: whatever it has written, at most for the limit.
-void Process::exchange(milliseconds limit) {
+// Takes what the child has written until now. Nothing tells of that, nor of a changed flag of the terminal.
+bool Process::goesOn() {
     if (steady_clock::now() >= deadline) {
         ADD_FAILURE() << "killed after 120 s; it had printed:\n" << outcome.out << outcome.err;
         kill(pid, SIGKILL);
-        closeEnd(outEnd);
-        closeEnd(errEnd);
-        return;
+        deadline = steady_clock::time_point::max();
     }
-    std::array<pollfd, 3> ends = {{{outEnd, POLLIN, 0}, {errEnd, POLLIN, 0}, {keyboard, POLLIN, 0}}};
-    if (poll(ends.data(), ends.size(), static_cast<int>(limit.count())) > 0) {
-        drain(outEnd, ends[0].revents, outcome.out);
-        drain(errEnd, ends[1].revents, outcome.err);
-        drain(keyboard, ends[2].revents, outcome.terminal);
+    int status = 0;
+    bool const hasEnded = checked(waitpid(pid, &status, WNOHANG), "waitpid") == pid;
+    readOn(output, outcome.out);
+    readOn(errors, outcome.err);
+    std::array<char, 4096> chunk;
+    for (ssize_t size = 1; size > 0 && keyboard >= 0;) {
+        size = read(keyboard, chunk.data(), chunk.size());
+        outcome.terminal.append(chunk.data(), static_cast<std::size_t>(std::max<ssize_t>(0, size)));
     }
+    if (hasEnded) { // libfaketime leaves something of a process that ends by a signal
+        unlink(("/dev/shm/faketime_shm_" + std::to_string(pid)).c_str());
+        unlink(("/dev/shm/sem.faketime_sem_" + std::to_string(pid)).c_str());
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+        pid = -1;
+        return false;
+    }
+    std::this_thread::sleep_for(1ms);
+    return true;
 }
 
 void Process::waitForOutput(std::string const& text) {
     auto const seen = [&] {
         return std::min(outcome.out.find(text), outcome.err.find(text)) != std::string::npos;
     };
-    while (!seen() && isOpen()) {
-        exchange(patience());
+    while (!seen() && pid > 0) {
+        goesOn();
     }
     EXPECT_TRUE(seen()) << "never printed: " << text << "\nbut:\n" << outcome.out << outcome.err;
 }
@@ -174,12 +156,11 @@ void Process::waitForOutput(std::string const& text) {
 void Process::waitForEcho(bool on) {
     auto const isSo = [&] {
         termios attributes = {};
-        checked(tcgetattr(terminal, &attributes), "tcgetattr");
+        checked(tcgetattr(input, &attributes), "tcgetattr");
         return ((attributes.c_lflag & ECHO) != 0) == on;
     };
-    // Nothing tells of a changed flag.
-    while (!isSo() && isOpen()) {
-        exchange(1ms);
+    while (!isSo() && pid > 0) {
+        goesOn();
     }
     EXPECT_TRUE(isSo()) << "the terminal's ECHO stayed " << (on ? "off" : "on");
 }
@@ -199,15 +180,7 @@ bool Process::catches(int signal) const {
 }
 
 Outcome const& Process::wait() {
-    while (isOpen()) {
-        exchange(patience());
-    }
-    int const status = reap(std::exchange(pid, -1));
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    // What was typed last may have been echoed after the last look.
-    pollfd shown = {keyboard, POLLIN, 0};
-    while (poll(&shown, 1, 0) > 0) {
-        drain(keyboard, shown.revents, outcome.terminal);
+    while (goesOn()) {
     }
     return outcome;
 }

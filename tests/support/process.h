@@ -44,20 +44,17 @@ public:
     std::string const& out() const {
         return outcome.out;
     }
-    Outcome const& wait(); // once; both streams are read to their ends
+    Outcome const& wait(); // once
 
 private:
-    void exchange(std::chrono::milliseconds limit);
-    bool isOpen() const {
-        return outEnd >= 0 || errEnd >= 0;
-    }
+    bool goesOn();
 
     pid_t pid = -1;
     std::chrono::steady_clock::time_point deadline;
-    int outEnd = -1;
-    int errEnd = -1;
+    int input = -1; // the terminal, if that is what the child has
+    int output = -1;
+    int errors = -1;
     int keyboard = -1; // the end of the terminal that types and sees
-    int terminal = -1; // the child's, kept to look at its flags
     Outcome outcome;
 };
 

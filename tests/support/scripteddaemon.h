@@ -61,6 +61,8 @@ struct Options {
     std::optional<std::string> appName = "Kelvaris";
     std::vector<Upgrade> upgrades = {}; // the first connections'; the later ones are upgraded properly
     bool listen = true;                 // false: the port is taken, but nobody listens there
+    // The client may leave requests out. A "set_" behind a read has to follow it.
+    bool mayMiss = false;
 };
 
 // A test may drive the daemon by a script, by hand with the calls below, or by both. All of them are for the

@@ -1,18 +1,16 @@
 #pragma once
 
 #include "kelvarissdk.h"
-#include "support/process.h"
-#include "support/scripteddaemon.h"
+#include "support/texts.h"
 #include "websockets.h"
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <future>
 #include <gtest/gtest.h>
 #include <kelvarissdk/csdkinterface.h>
 #include <mutex>
-#include <string>
-#include <vector>
 
 // The library's end of the link, what its callbacks bring, and its class on a scripted daemon, to reach what no command
 // line does.
@@ -70,10 +68,24 @@ using Inbox = InboxOf<KelvarisSDK_StateResult>;
 
 inline Options const noName{.appName = std::nullopt};
 
+// Runs this on the library's own thread, inside a callback of a call that the daemon answers, and waits for its end.
+inline void inCallback(KelvarisSDK_Handle* sdk, std::function<void()> body) {
+    std::packaged_task<void()> task(std::move(body));
+    auto const callback = [](KelvarisSDK_VersionResult, void* userData) {
+        (*static_cast<std::packaged_task<void()>*>(userData))();
+        return true;
+    };
+    KelvarisSDK_GetVersion(sdk, callback, &task);
+    task.get_future().get();
+}
+
 class Sdk : public kelvarissdk::KelvarisSDK {
 public:
     explicit Sdk(ScriptedDaemon const& daemon)
         : KelvarisSDK({.appName = "", .address = "127.0.0.1", .port = daemon.port()}) {}
+    KelvarisSDK_Handle* handle() {
+        return reinterpret_cast<KelvarisSDK_Handle*>(static_cast<kelvarissdk::KelvarisSDK*>(this));
+    }
     kelvarissdk::WebsocketImpl& link() {
         return *websocket;
     }

@@ -3,13 +3,10 @@
 #include "support/process.h"
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace harness {
 
-// The simulated daemon as a child, which listens once the object stands; killed with it. What it
-// prints is read at its end only, so it must not be told to log much.
+// The simulated daemon as a child, which listens once the object stands; killed with it.
 class Simulator {
 public:
     explicit Simulator(std::vector<std::string> const& options = {}, std::uint16_t wanted = 0)

@@ -3,9 +3,6 @@
 #include "support/process.h"
 #include "support/scripteddaemon.h"
 
-#include <string>
-#include <vector>
-
 // The tool's command line, the messages of the daemon by their names behind "report_", and files.
 namespace harness {
 
