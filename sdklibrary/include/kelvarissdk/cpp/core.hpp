@@ -194,8 +194,8 @@ private:
     void superviseStatistics(Lock& lock);
     bool hasStatistics() const;
     void changeLink(Link to);
-    void probe(Lock& lock);
-    static bool onProbe(KelvarisSDK_StateResult record, void* core);
+    template <auto read> void probe(Lock& lock);
+    static bool onProbe(KelvarisSDK_BaseResult const& head, void* core);
     void readAnew(Lock& lock);
     void replaceHandle(Lock& lock);
     void enableStatistics(Lock& lock);
@@ -235,8 +235,8 @@ private:
     std::uint64_t probeId = 0;
     Clock::time_point probedAt;
     bool probeEnded = false;
-    bool probeAgain = false;
-    bool probedAgain = false;
+    bool standingWanted = false;
+    bool standingRenewed = false;
     bool everUp = false;
     bool returned = false;
     std::map<Operation const*, std::function<void(Link)>> watchers;

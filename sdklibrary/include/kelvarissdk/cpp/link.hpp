@@ -2,11 +2,11 @@
  * A client's helper thread: it ends calls by their time-outs, unregisters, watches the link, and ends the client where
  * that can't be done at once. It starts with the first of these.
  *
- * The C interface reports no link, so its loss is found by a read of the state, which is made when nothing has come for
- * a second, one at a time. The read is a subscription that stays until it is answered, because the library keeps the
- * request of a read while it has no link. The one made before the loss may have gone down with the link: at the
- * loss another one takes its place and is left standing, and once more if the library says after five seconds that there
- * is no link. So a daemon that comes back after whatever time finds three at most.
+ * The C interface reports no link, so its loss is found by a read of the version, which no subscription hears, when
+ * nothing has come for a second; there is one read at a time. That request may have gone down with the link, so at the
+ * loss a read of the state takes its place and is left standing: the library keeps the request while it has no link, and
+ * the subscription that this read is stays until it is answered. Once more it is made anew, if the library says after
+ * five seconds that there is no link. So a daemon that comes back after whatever time finds three requests at most.
  *
  * Include kelvarissdk.hpp; it opens with the conventions and brings in this header.
  */
@@ -109,8 +109,10 @@ inline void Core::unregisterDiscarded(Lock& lock) {
     std::vector<OperationPtr> own;
     own.swap(discarded);
     lock.unlock();
+    bool isUnregistered = false;
     {
         std::shared_lock const handleLock(handleMutex);
+        isUnregistered = handle != nullptr; // while it is destroyed, callbacks still come
         for (OperationPtr const& operation : own) {
             KelvarisSDK_UnregisterCallback(handle, operation->id);
         }
@@ -118,7 +120,7 @@ inline void Core::unregisterDiscarded(Lock& lock) {
     lock.lock();
     for (OperationPtr const& operation : own) {
         // One that calls back twice can be unregistered for its second time only.
-        if (operation->traits.callbacks == 1) {
+        if (isUnregistered && operation->traits.callbacks == 1) {
             operation->registered = false;
             live.erase(operation.get());
         }
@@ -167,7 +169,8 @@ inline void Core::changeLink(Link to) {
     }
     returned = returned || (to == Link::UP && link == Link::LOST && everUp);
     everUp = everUp || to == Link::UP;
-    probedAgain = false;
+    standingWanted = to == Link::LOST;
+    standingRenewed = false;
     link = to;
     for (auto const& [operation, tell] : watchers) {
         tell(to);
@@ -197,55 +200,56 @@ inline void Core::superviseLink(Lock& lock) {
     }
     auto const now = Clock::now();
     if (link == Link::LOST) {
-        if (std::exchange(probeAgain, false)) {
-            probe(lock);
+        if (std::exchange(standingWanted, false)) {
+            probe<KelvarisSDK_GetState>(lock);
         }
     } else if (now >= lastHeard + quietLimit) {
         // What came after a probe shows that there was a link, and says nothing of now.
         if (!probing || probedAt < lastHeard) {
-            probe(lock);
+            probe<KelvarisSDK_GetVersion>(lock);
         } else if (now >= probedAt + quietLimit) {
             changeLink(Link::LOST);
             flush(lock);
-            probe(lock);
+            lock.lock();
         }
     }
 }
 
-inline void Core::probe(Lock& lock) {
+template <auto read> void Core::probe(Lock& lock) {
     std::uint64_t const before = probeId;
-    bool const replaces = std::exchange(probing, true);
-    probedAt = Clock::now();
-    if (lock.owns_lock()) {
-        lock.unlock();
-    }
-    KelvarisSDK_StateResult record{};
-    {
+    bool const replaces = probing;
+    lock.unlock();
+    if (replaces) {
         std::shared_lock const handleLock(handleMutex);
-        if (replaces) {
-            KelvarisSDK_UnregisterCallback(handle, before);
-        }
-        record = KelvarisSDK_GetState(handle, onProbe, this);
+        KelvarisSDK_UnregisterCallback(handle, before);
     }
     lock.lock();
-    if (record.base.error) {
+    probing = true; // before the answer, which may come before the call returns
+    probedAt = Clock::now();
+    lock.unlock();
+    KelvarisSDK_BaseResult head{};
+    {
+        std::shared_lock const handleLock(handleMutex);
+        head = read(handle, [](auto record, void* core) { return onProbe(record.base, core); }, this).base;
+    }
+    lock.lock();
+    probeId = head.callbackId;
+    if (head.error) {
         probing = false;
-    } else {
-        probeId = record.base.callbackId;
     }
 }
 
-inline bool Core::onProbe(KelvarisSDK_StateResult record, void* core) {
+inline bool Core::onProbe(KelvarisSDK_BaseResult const& head, void* core) {
     Core& self = *static_cast<Core*>(core);
     ReaderScope const here(&self);
     Lock lock(self.mutex);
-    bool const waits = record.base.error && record.base.errorCode == KelvarisSDK_ErrorType_NOT_CONNECTED;
+    bool const waits = head.error && head.errorCode == KelvarisSDK_ErrorType_NOT_CONNECTED;
     if (waits) {
         self.changeLink(Link::LOST);
-        self.probeAgain = !std::exchange(self.probedAgain, true);
+        self.standingWanted = !std::exchange(self.standingRenewed, true);
     } else {
         self.probing = false;
-        if (record.base.error && record.base.errorCode == KelvarisSDK_ErrorType_TIMEOUT) {
+        if (head.error && head.errorCode == KelvarisSDK_ErrorType_TIMEOUT) {
             self.probeEnded = true;
         } else { // also a report that can't be read is one
             self.lastHeard = Clock::now();
@@ -259,6 +263,7 @@ inline bool Core::onProbe(KelvarisSDK_StateResult record, void* core) {
 
 // A read's report reaches the subscriptions of its kind, so they needn't be made again.
 inline void Core::readAnew(Lock& lock) {
+    enableStatistics(lock); // before a read of them, which names no periods
     std::vector<OperationPtr> streams;
     for (auto const& [key, operation] : live) {
         if (operation->registered && operation->stream && !operation->settled && operation->traits.reread) {
@@ -273,7 +278,7 @@ inline void Core::readAnew(Lock& lock) {
         }
     }
     streams.clear();
-    enableStatistics(lock);
+    lock.lock();
 }
 
 // Nobody but the helper gets here, so there is one at a time.
@@ -314,10 +319,12 @@ inline void Core::replaceHandle(Lock& lock) {
         ++entry;
     }
     flush(lock);
+    enableStatistics(lock);
+    lock.unlock();
     for (OperationPtr const& operation : streams) {
         enroll(operation);
     }
-    enableStatistics(lock);
+    lock.lock();
 }
 
 // ---- Statistics ----
