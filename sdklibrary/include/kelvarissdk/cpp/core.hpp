@@ -2,8 +2,8 @@
  * What a client's calls and subscriptions share: the handle, the list of those that live, what waits to be delivered.
  *
  * One mutex guards all of it. Nothing that may wait for a callback of the library, and no code of the program, runs
- * while it is held: unregistering and destroying are done by the helper thread, or on the reader thread itself. The
- * handle has a lock of its own, which calls of the C interface share and which is taken before the mutex.
+ * while it is held: unregistering and destroying are done by the helper thread, or on the reader thread itself. Who
+ * calls the C interface counts as a user of the handle, which is destroyed when it has been taken away and has none.
  *
  * Include kelvarissdk.hpp; it opens with the conventions and brings in this header.
  */
@@ -19,7 +19,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <shared_mutex>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -172,7 +171,8 @@ public:
 
 private:
     KelvarisSDK_Handle* create() const;
-    KelvarisSDK_Handle* takeHandle();
+    KelvarisSDK_Handle* takeHandle(Lock& lock);
+    template <class Use> auto useHandle(Lock& lock, Use use);
     void enroll(OperationPtr const& operation);
     void discard(Operation& operation);
     void runToken(Lock& lock);
@@ -203,10 +203,9 @@ private:
     pid_t const owner = getpid();
     int signal = -1; // the queue's descriptor
 
-    std::shared_mutex handleMutex;
-    KelvarisSDK_Handle* handle = nullptr; // guarded by that one
-
     // Guarded by the mutex:
+    KelvarisSDK_Handle* handle = nullptr;
+    std::size_t uses = 0; // calls of the C interface
     bool closing = false;
     bool closeAsked = false;
     bool over = false; // the end has delivered what there was
@@ -218,7 +217,7 @@ private:
     std::size_t owedPosts = 0;
     bool draining = false;
     std::size_t running = 0;
-    std::condition_variable ran;
+    std::condition_variable ran; // or used
     std::vector<OperationPtr> discarded; // to be unregistered
     std::multimap<Clock::time_point, OperationPtr> timers;
 
@@ -279,10 +278,24 @@ inline KelvarisSDK_Handle* Core::create() const {
     return KelvarisSDK_CreateWithSettings(plain);
 }
 
-// From then on the calls of other threads find none.
-inline KelvarisSDK_Handle* Core::takeHandle() {
-    std::lock_guard const lock(handleMutex);
-    return std::exchange(handle, nullptr);
+// From then on others find none. Waits for those who use it.
+inline KelvarisSDK_Handle* Core::takeHandle(Lock& lock) {
+    KelvarisSDK_Handle* const own = std::exchange(handle, nullptr);
+    ran.wait(lock, [this] { return uses == 0; });
+    return own;
+}
+
+// Calls the C interface without the mutex.
+template <class Use> auto Core::useHandle(Lock& lock, Use use) {
+    KelvarisSDK_Handle* const own = handle;
+    ++uses;
+    lock.unlock();
+    auto const result = use(own);
+    lock.lock();
+    if (--uses == 0 && handle == nullptr) {
+        ran.notify_all();
+    }
+    return result;
 }
 
 // ---- The life of an operation ----
@@ -318,23 +331,17 @@ inline void Core::start(OperationPtr const& operation) {
 }
 
 inline void Core::enroll(OperationPtr const& operation) {
-    Begun begun;
-    {
-        std::shared_lock const handleLock(handleMutex);
-        Lock lock(mutex);
-        if (replacing) {
-            return; // the new handle takes it
-        }
-        if (operation->settled) {
-            live.erase(operation.get());
-            return;
-        }
-        operation->enrolling = true;
-        operation->generation = generation;
-        lock.unlock();
-        begun = operation->begin(handle);
-    }
     Lock lock(mutex);
+    if (replacing) {
+        return; // the new handle takes it
+    }
+    if (operation->settled) {
+        live.erase(operation.get());
+        return;
+    }
+    operation->enrolling = true;
+    operation->generation = generation;
+    Begun const begun = useHandle(lock, [&](KelvarisSDK_Handle* own) { return operation->begin(own); });
     operation->enrolling = false;
     bool const lives = live.count(operation.get()) != 0; // it has not had its last callback yet
     if (begun.refusal) {
@@ -640,7 +647,10 @@ inline void Core::close(Lock& lock) {
     }
     over = true;
     flush(lock);
-    KelvarisSDK_Destroy(takeHandle());
+    lock.lock();
+    KelvarisSDK_Handle* const own = takeHandle(lock);
+    lock.unlock();
+    KelvarisSDK_Destroy(own);
     lock.lock();
     auto const ended = std::exchange(live, {});
     discarded.clear();

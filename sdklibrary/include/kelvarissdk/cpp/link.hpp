@@ -108,16 +108,12 @@ inline void Core::expire(Lock& lock) {
 inline void Core::unregisterDiscarded(Lock& lock) {
     std::vector<OperationPtr> own;
     own.swap(discarded);
-    lock.unlock();
-    bool isUnregistered = false;
-    {
-        std::shared_lock const handleLock(handleMutex);
-        isUnregistered = handle != nullptr; // while it is destroyed, callbacks still come
+    bool const isUnregistered = useHandle(lock, [&own](KelvarisSDK_Handle* of) {
         for (OperationPtr const& operation : own) {
-            KelvarisSDK_UnregisterCallback(handle, operation->id);
+            KelvarisSDK_UnregisterCallback(of, operation->id);
         }
-    }
-    lock.lock();
+        return of != nullptr; // while it is destroyed, callbacks still come
+    });
     for (OperationPtr const& operation : own) {
         // One that calls back twice can be unregistered for its second time only.
         if (isUnregistered && operation->traits.callbacks == 1) {
@@ -135,7 +131,9 @@ inline Clock::time_point Core::nextDue() const {
     if (!timers.empty()) {
         due = timers.begin()->first;
     }
-    if (settings.probing && !readerBusy && link != Link::LOST) {
+    if (settings.probing && readerBusy) {
+        due = std::min(due, Clock::now() + quietLimit);
+    } else if (settings.probing && link != Link::LOST) {
         due = std::min(due, quietLimit + (probing && probedAt >= lastHeard ? probedAt : lastHeard));
         if (link == Link::UP && hasStatistics()) {
             due = std::min(due, statisticsHeard + statisticsPatience);
@@ -216,23 +214,17 @@ inline void Core::superviseLink(Lock& lock) {
 }
 
 template <auto read> void Core::probe(Lock& lock) {
-    std::uint64_t const before = probeId;
-    bool const replaces = probing;
-    lock.unlock();
-    if (replaces) {
-        std::shared_lock const handleLock(handleMutex);
-        KelvarisSDK_UnregisterCallback(handle, before);
+    if (probing) {
+        useHandle(lock, [before = probeId](KelvarisSDK_Handle* own) {
+            KelvarisSDK_UnregisterCallback(own, before);
+            return true;
+        });
     }
-    lock.lock();
     probing = true; // before the answer, which may come before the call returns
     probedAt = Clock::now();
-    lock.unlock();
-    KelvarisSDK_BaseResult head{};
-    {
-        std::shared_lock const handleLock(handleMutex);
-        head = read(handle, [](auto record, void* core) { return onProbe(record.base, core); }, this).base;
-    }
-    lock.lock();
+    KelvarisSDK_BaseResult const head = useHandle(lock, [this](KelvarisSDK_Handle* own) {
+        return read(own, [](auto record, void* core) { return onProbe(record.base, core); }, this).base;
+    });
     probeId = head.callbackId;
     if (head.error) {
         probing = false;
@@ -270,15 +262,13 @@ inline void Core::readAnew(Lock& lock) {
             streams.push_back(operation);
         }
     }
-    lock.unlock();
-    {
-        std::shared_lock const handleLock(handleMutex);
+    useHandle(lock, [&streams](KelvarisSDK_Handle* own) {
         for (OperationPtr const& operation : streams) {
-            operation->readAnew(handle);
+            operation->readAnew(own);
         }
-    }
-    streams.clear();
-    lock.lock();
+        streams.clear(); // here, because the last of one may go
+        return true;
+    });
 }
 
 // Nobody but the helper gets here, so there is one at a time.
@@ -288,15 +278,15 @@ inline void Core::replaceHandle(Lock& lock) {
     replacing = true;
     changeLink(Link::ENDED);
     flush(lock);
-    KelvarisSDK_Destroy(takeHandle());
+    lock.lock();
+    KelvarisSDK_Handle* const old = takeHandle(lock);
+    lock.unlock();
+    KelvarisSDK_Destroy(old);
     KelvarisSDK_Handle* const fresh = create();
-    {
-        std::lock_guard const handleLock(handleMutex);
-        handle = fresh;
-    }
     std::vector<OperationPtr> streams;
     std::vector<OperationPtr> ended;
     lock.lock();
+    handle = fresh;
     ++generation;
     replacing = false;
     lastHeard = Clock::now();
@@ -319,6 +309,7 @@ inline void Core::replaceHandle(Lock& lock) {
         ++entry;
     }
     flush(lock);
+    lock.lock();
     enableStatistics(lock);
     lock.unlock();
     for (OperationPtr const& operation : streams) {
@@ -341,22 +332,13 @@ inline void Core::wantStatistics(bool enable, std::vector<unsigned> const& ofPer
     nudge();
 }
 
-// Takes the mutex and keeps it.
 inline void Core::enableStatistics(Lock& lock) {
-    if (!lock.owns_lock()) {
-        lock.lock();
+    if (statistics) {
+        statisticsHeard = Clock::now();
+        useHandle(lock, [own = periods](KelvarisSDK_Handle* of) mutable {
+            return KelvarisSDK_EnableStatUpdates(of, true, static_cast<unsigned char>(own.size()), own.data());
+        });
     }
-    if (!statistics) {
-        return;
-    }
-    statisticsHeard = Clock::now();
-    auto own = periods;
-    lock.unlock();
-    {
-        std::shared_lock const handleLock(handleMutex);
-        KelvarisSDK_EnableStatUpdates(handle, true, static_cast<unsigned char>(own.size()), own.data());
-    }
-    lock.lock();
 }
 
 inline bool Core::hasStatistics() const {
