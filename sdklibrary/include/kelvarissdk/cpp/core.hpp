@@ -177,7 +177,9 @@ private:
     void discard(Operation& operation);
     void runToken(Lock& lock);
     void drainHere(Lock& lock);
-    void drain(Lock& lock);
+    void deliverRest(Lock& lock);
+    void run(OperationPtr const& operation, Lock& lock);
+    bool give(Delivery::Task const& task);
     void post(std::size_t count);
     void close(Lock& lock);
     static bool isInsideCallable(Core const* core);
@@ -308,10 +310,7 @@ inline void Core::start(OperationPtr const& operation) {
     Lock lock(mutex);
     if (closing || closeAsked) {
         settle(*operation, errorOf(ErrorType::CANCELLED));
-        if (over && settings.delivery.kind != Delivery::Kind::executor) {
-            drain(lock);
-        }
-        flush(lock);
+        over ? deliverRest(lock) : flush(lock);
         return;
     }
     live.emplace(operation.get(), operation);
@@ -467,9 +466,22 @@ inline void Core::flush(Lock& lock) {
     }
 }
 
-inline void Core::drain(Lock& lock) {
+// What is left at the end. A task that the executor drops then keeps nothing alive.
+inline void Core::deliverRest(Lock& lock) {
+    std::deque<OperationPtr> rest;
+    if (settings.delivery.kind == Delivery::Kind::executor) {
+        rest.swap(ready);
+        unposted = 0;
+    }
     while (!ready.empty()) {
         runToken(lock);
+    }
+    flush(lock);
+    for (OperationPtr const& operation : rest) {
+        give([operation] {
+            Lock own(operation->core->mutex);
+            operation->core->run(operation, own);
+        });
     }
 }
 
@@ -498,6 +510,10 @@ inline void Core::runToken(Lock& lock) {
         eventfd_t count = 0;
         eventfd_read(signal, &count);
     }
+    run(operation, lock);
+}
+
+inline void Core::run(OperationPtr const& operation, Lock& lock) {
     if (operation->running) { // in a pool of threads
         ++operation->owed;
         return;
@@ -531,22 +547,27 @@ inline void Core::post(std::size_t count) {
         }
     };
     for (; count > 0; --count) {
-#if defined(__cpp_exceptions)
-        try {
-            settings.delivery.post(task);
-        } catch (...) {
-            {
-                Lock const lock(mutex);
-                ++owedPosts;
-            }
-            if (settings.onException) {
-                settings.onException(std::current_exception());
-            }
+        if (!give(task)) {
+            Lock const lock(mutex);
+            ++owedPosts;
         }
-#else
-        settings.delivery.post(task);
-#endif
     }
+}
+
+inline bool Core::give(Delivery::Task const& task) {
+#if defined(__cpp_exceptions)
+    try {
+        settings.delivery.post(task);
+    } catch (...) {
+        if (settings.onException) {
+            settings.onException(std::current_exception());
+        }
+        return false;
+    }
+#else
+    settings.delivery.post(task);
+#endif
+    return true;
 }
 
 inline std::size_t Core::dispatch(std::size_t max) {
@@ -642,17 +663,17 @@ inline void Core::close(Lock& lock) {
         }
     }
     cancelAll(false);
-    if (settings.delivery.kind != Delivery::Kind::executor) {
-        drain(lock);
-    }
-    over = true;
-    flush(lock);
+    over = true; // from here on a call that begins delivers its cancelling itself
+    deliverRest(lock);
     lock.lock();
     KelvarisSDK_Handle* const own = takeHandle(lock);
     lock.unlock();
     KelvarisSDK_Destroy(own);
     lock.lock();
     auto const ended = std::exchange(live, {});
+    for (auto const& [key, operation] : ended) {
+        operation->registered = false;
+    }
     discarded.clear();
     timers.clear();
     watchers.clear();
