@@ -70,7 +70,8 @@ std::vector<Form> const forms{
         return std::jthread();
     },
     [](auto call, Arrival& outcome) {
-        return std::jthread([future = call.future(), &outcome]() mutable { outcome.set_value(future.get()); });
+        return std::jthread(
+            [future = call.future(), &outcome]() mutable { outcome.set_value(future.get()); });
     },
     [](auto call, Arrival& outcome) {
         await(call, outcome);
@@ -94,8 +95,9 @@ template <class Done> void dispatchUntil(Client const& client, Done done) {
 TEST(CppClient, EachFormHasEachOutcome) {
     for (Form const& form : forms) {
         for (auto const& delivery : {Delivery::onReaderThread(), threads()}) {
-            ScriptedDaemon daemon({version, {"request_version_data"}, {"request_version_data"}, {"request_version_data"}},
-                                  noName);
+            ScriptedDaemon daemon(
+                {version, {"request_version_data"}, {"request_version_data"}, {"request_version_data"}},
+                noName);
             std::optional<Client> client = clientOf(daemon.port(), delivery);
             auto const result = [&](Call<VersionResult> const& call, std::function<void()> const& meanwhile) {
                 Arrival outcome;
@@ -156,8 +158,9 @@ TEST(CppClient, ArgumentsAndErrors) {
 
 // The reader thread must not wait; the thread that dispatches may.
 TEST(CppClient, WaitingInACallable) {
-    for (auto const& [delivery, code] : {std::pair(Delivery::onReaderThread(), ErrorType::SYNCHRONOUS_IN_CALLBACK),
-                                         std::pair(Delivery::byQueue(), ErrorType::NO_ERROR)}) {
+    for (auto const& [delivery, code] :
+         {std::pair(Delivery::onReaderThread(), ErrorType::SYNCHRONOUS_IN_CALLBACK),
+          std::pair(Delivery::byQueue(), ErrorType::NO_ERROR)}) {
         Simulator const simulator;
         Client const client = clientOf(simulator.port, delivery);
         std::atomic<bool> told = false;
@@ -173,8 +176,10 @@ TEST(CppClient, WaitingInACallable) {
 }
 
 TEST(CppClient, UnitsInOtherModes) {
-    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}}, version,
-                           {"request_current_state", "null", {state(6)}}, version},
+    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}},
+                           version,
+                           {"request_current_state", "null", {state(6)}},
+                           version},
                           noName);
     Client client = clientOf(daemon.port());
     EXPECT_TRUE(servesIn17(client));
@@ -288,9 +293,8 @@ TEST(CppQueue, DispatchingOneByOneLosesNothing) {
     Client const client = clientOf(daemon.port(), Delivery::byQueue());
     int seen = 0;
     std::size_t latest = 0;
-    Subscription const all = client.getState().subscribe([&](auto const& result) {
-        EXPECT_EQ(static_cast<int>(result.value().state), seen++ % 8);
-    });
+    Subscription const all = client.getState().subscribe(
+        [&](auto const& result) { EXPECT_EQ(static_cast<int>(result.value().state), seen++ % 8); });
     Subscription const last = client.getState().subscribe(keepLatest, [&](auto const& result) {
         ++latest;
         EXPECT_EQ(static_cast<int>(result.value().state), (count - 1) % 8);
@@ -318,7 +322,8 @@ TEST(CppClient, ExceptionsGoToTheHook) {
     ScriptedDaemon daemon({{"request_current_state"}}, noName);
     std::atomic<int> hooked = 0;
     std::atomic<int> posts = 0;
-    CreateSettings settings{.port = daemon.port(), .probing = false, .onException = [&](auto const&) { ++hooked; }};
+    CreateSettings settings{
+        .port = daemon.port(), .probing = false, .onException = [&](auto const&) { ++hooked; }};
     settings.delivery = Delivery::byExecutor([&](Delivery::Task task) {
         if (posts++ == 0) {
             throw std::bad_alloc();
@@ -368,7 +373,8 @@ TEST(CppBadInput, TextsAndNumbersOfOthers) {
     daemon.send(report("directory_settings", R"({"domain":")" + cut + R"("})"));
     EXPECT_EQ(domain.get().value().domain, std::string(98, 'd'));
     EXPECT_EQ(client.getState().get().value().state, State::UNKNOWN);
-    EXPECT_EQ(ProtocolPortPair::from({static_cast<KelvarisSDK_PortProtocol>(2), 1}).protocol, PortProtocol::UNKNOWN);
+    EXPECT_EQ(ProtocolPortPair::from({static_cast<KelvarisSDK_PortProtocol>(2), 1}).protocol,
+              PortProtocol::UNKNOWN);
     KelvarisSDK_BaseResult head{};
     head.errorCode = 9;
     EXPECT_EQ(detail::errorOf(head).code, ErrorType::UNKNOWN);

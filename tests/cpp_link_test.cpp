@@ -128,8 +128,8 @@ TEST(CppLink, EndsAndIsMadeAnew) {
     Inbox<Link> links;
     Inbox<State> states;
     Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byExecutor([](auto task) {
-                                           std::thread(task).detach();
-                                       })});
+                                                                  std::thread(task).detach();
+                                                              })});
     Subscription const link = client.onLink([&](Link to) { links.put(to); });
     Subscription const state = client.getState().subscribe([&](auto const& report) {
         if (report) {
@@ -150,7 +150,8 @@ TEST(CppLink, EndsAndIsMadeAnew) {
 
 // The requests that wait for a daemon are few after whatever time.
 TEST(CppLink, DoesNotFloodADaemonThatReturns) {
-    ScriptedDaemon daemon({}, {.appName = std::nullopt, .upgrades = std::vector<Upgrade>(40, {.bytes = "no", .then = Then::reset})});
+    ScriptedDaemon daemon({}, {.appName = std::nullopt,
+                               .upgrades = std::vector<Upgrade>(40, {.bytes = "no", .then = Then::reset})});
     Inbox<Link> links;
     Client const client(CreateSettings{.port = daemon.port()});
     Subscription const link = client.onLink([&](Link to) { links.put(to); });

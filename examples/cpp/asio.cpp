@@ -25,14 +25,15 @@ int main(int argc, char* argv[]) {
     long left = argc > 2 ? std::atol(argv[2]) : -1; // below 0: no end
     kelvaris::Client const client(std::move(settings));
 
-    auto const states = client.getState().subscribe([&](kelvaris::Result<kelvaris::StateResult> const& state) {
-        std::puts(state ? toString(state->state) : state.error().message.c_str());
-        std::fflush(stdout);
-        if (--left == 0) {
-            work.reset();
-            context.stop();
-        }
-    });
+    auto const states =
+        client.getState().subscribe([&](kelvaris::Result<kelvaris::StateResult> const& state) {
+            std::puts(state ? toString(state->state) : state.error().message.c_str());
+            std::fflush(stdout);
+            if (--left == 0) {
+                work.reset();
+                context.stop();
+            }
+        });
     context.run();
     return 0;
 }

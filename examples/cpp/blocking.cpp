@@ -17,7 +17,8 @@ int main(int argc, char* argv[]) {
     kelvaris::Client const client(settings);
 
     // A result is a value or an error.
-    kelvaris::Result<kelvaris::StateResult> const state = client.getState().within(std::chrono::seconds(2)).get();
+    kelvaris::Result<kelvaris::StateResult> const state =
+        client.getState().within(std::chrono::seconds(2)).get();
     if (!state) {
         std::fprintf(stderr, "%s\n", state.error().message.c_str());
         return 1;

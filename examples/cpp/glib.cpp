@@ -26,13 +26,14 @@ int main(int argc, char* argv[]) {
     kelvaris::Client client(settings);
 
     GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-    auto const states = client.getState().subscribe([&](kelvaris::Result<kelvaris::StateResult> const& state) {
-        std::puts(state ? toString(state->state) : state.error().message.c_str());
-        std::fflush(stdout);
-        if (--left == 0) {
-            g_main_loop_quit(loop);
-        }
-    });
+    auto const states =
+        client.getState().subscribe([&](kelvaris::Result<kelvaris::StateResult> const& state) {
+            std::puts(state ? toString(state->state) : state.error().message.c_str());
+            std::fflush(stdout);
+            if (--left == 0) {
+                g_main_loop_quit(loop);
+            }
+        });
     guint const source = g_unix_fd_add(client.fd(), G_IO_IN, dispatch, &client);
     g_main_loop_run(loop);
     g_source_remove(source);

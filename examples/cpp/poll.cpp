@@ -18,11 +18,12 @@ int main(int argc, char* argv[]) {
     long left = argc > 2 ? std::atol(argv[2]) : -1; // below 0: no end
     kelvaris::Client const client(settings);
 
-    auto const states = client.getState().subscribe([&left](kelvaris::Result<kelvaris::StateResult> const& state) {
-        std::puts(state ? toString(state->state) : state.error().message.c_str());
-        std::fflush(stdout);
-        --left;
-    });
+    auto const states =
+        client.getState().subscribe([&left](kelvaris::Result<kelvaris::StateResult> const& state) {
+            std::puts(state ? toString(state->state) : state.error().message.c_str());
+            std::fflush(stdout);
+            --left;
+        });
     auto const link = client.onLink([](kelvaris::Link to) {
         std::fputs(to == kelvaris::Link::UP ? "linked\n" : "the daemon is away\n", stderr);
     });

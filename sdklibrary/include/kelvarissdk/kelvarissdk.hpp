@@ -112,7 +112,8 @@ public:
 
     /** Calls `callable` with a Link for each change of the link, and at once with what is known of it. */
     template <class Callable> Subscription onLink(Callable&& callable) const {
-        auto tell = [callable = std::forward<Callable>(callable)](Result<detail::LinkChange> const& change) mutable {
+        auto tell = [callable =
+                         std::forward<Callable>(callable)](Result<detail::LinkChange> const& change) mutable {
             if (change) {
                 callable(change->link);
             }

@@ -31,10 +31,11 @@ inline char const* toString(ConnectionPriority value) {
 
 /** What an adapter has carried and may carry; no value: none reported. */
 struct AdapterUsageData {
-    std::int64_t usage = 0;                    /**< bytes in the month */
-    std::int64_t usageDaily = 0;               /**< bytes in the day */
-    std::optional<std::int64_t> max;           /**< bytes per month */
-    std::optional<std::int64_t> resetDay;      /**< day of the month; no value: usage is that of the last 30 days */
+    std::int64_t usage = 0;          /**< bytes in the month */
+    std::int64_t usageDaily = 0;     /**< bytes in the day */
+    std::optional<std::int64_t> max; /**< bytes per month */
+    std::optional<std::int64_t>
+        resetDay; /**< day of the month; no value: usage is that of the last 30 days */
     std::optional<std::int64_t> maxDaily;      /**< bytes per day */
     std::int64_t boostDaily = 0;               /**< bytes added to the daily limit */
     std::optional<std::int64_t> overlimitRate; /**< bits per second once over a limit */
@@ -109,7 +110,8 @@ public:
     }
     Call<AdaptersResult> setAdapterMonthlyDataLimit(std::string adapterID, std::int64_t bytes,
                                                     std::int64_t resetDay) const {
-        return call<AdaptersResult, KelvarisSDK_SetAdapterMonthlyDataLimit>(std::move(adapterID), bytes, resetDay);
+        return call<AdaptersResult, KelvarisSDK_SetAdapterMonthlyDataLimit>(std::move(adapterID), bytes,
+                                                                            resetDay);
     }
     Call<AdaptersResult> disableAdapterMonthlyDataLimit(std::string adapterID) const {
         return call<AdaptersResult, KelvarisSDK_DisableAdapterMonthlyDataLimit>(std::move(adapterID));
@@ -123,8 +125,10 @@ public:
     Call<AdaptersResult> addAdapterDailyDataLimitBoost(std::string adapterID, std::int64_t bytes) const {
         return call<AdaptersResult, KelvarisSDK_AddAdapterDailyDataLimitBoost>(std::move(adapterID), bytes);
     }
-    Call<AdaptersResult> setAdapterOverlimitRateLimit(std::string adapterID, std::int64_t bitsPerSecond) const {
-        return call<AdaptersResult, KelvarisSDK_SetAdapterOverlimitRateLimit>(std::move(adapterID), bitsPerSecond);
+    Call<AdaptersResult> setAdapterOverlimitRateLimit(std::string adapterID,
+                                                      std::int64_t bitsPerSecond) const {
+        return call<AdaptersResult, KelvarisSDK_SetAdapterOverlimitRateLimit>(std::move(adapterID),
+                                                                              bitsPerSecond);
     }
     Call<AdaptersResult> resetAdapterUsage(std::string adapterID) const {
         return call<AdaptersResult, KelvarisSDK_ResetAdapterUsage>(std::move(adapterID));

@@ -176,7 +176,8 @@ private:
 /** A call that can also be subscribed to. */
 template <class T> class [[nodiscard]] StreamCall : public Call<T> {
 public:
-    StreamCall(std::shared_ptr<detail::Core> ofCore, detail::Traits with, typename Call<T>::Operation::Starter by)
+    StreamCall(std::shared_ptr<detail::Core> ofCore, detail::Traits with,
+               typename Call<T>::Operation::Starter by)
         : Call<T>(std::move(ofCore), with, std::move(by)), keep(with.statistics ? keepLatest : keepAll) {}
 
     /**
@@ -224,7 +225,9 @@ protected:
 
     template <class T, auto function, class... Arguments> static auto starterOf(Arguments... arguments) {
         return [arguments...](KelvarisSDK_Handle* handle, typename TypedOperation<T>::Callback callback,
-                              void* userData) { return function(handle, passed(arguments)..., callback, userData); };
+                              void* userData) {
+            return function(handle, passed(arguments)..., callback, userData);
+        };
     }
 
     std::shared_ptr<Core> core; // null once the client was moved from

@@ -219,7 +219,7 @@ private:
     std::size_t owedPosts = 0;
     bool draining = false;
     std::size_t running = 0;
-    std::condition_variable ran; // or used
+    std::condition_variable ran;         // or used
     std::vector<OperationPtr> discarded; // to be unregistered
     std::multimap<Clock::time_point, OperationPtr> timers;
 
@@ -542,7 +542,8 @@ inline void Core::run(OperationPtr const& operation, Lock& lock) {
 inline void Core::post(std::size_t count) {
     auto const task = [core = shared_from_this()] {
         Lock lock(core->mutex);
-        for (std::size_t left = 1 + std::exchange(core->owedPosts, 0); left > 0 && !core->ready.empty(); --left) {
+        for (std::size_t left = 1 + std::exchange(core->owedPosts, 0); left > 0 && !core->ready.empty();
+             --left) {
             core->runToken(lock);
         }
     };

@@ -61,8 +61,9 @@ enum class Link : std::uint32_t {
 
 /** What a client is made with. */
 struct CreateSettings {
-    std::string appName = {};               /**< at most 32 bytes, by which the daemon knows the program */
-    std::string address = defaults().address; /**< IPv4 or a host name; with more than 45 bytes each call ends with SDK */
+    std::string appName = {}; /**< at most 32 bytes, by which the daemon knows the program */
+    std::string address =
+        defaults().address; /**< IPv4 or a host name; with more than 45 bytes each call ends with SDK */
     std::uint16_t port = defaults().port; /**< the daemon's TCP port */
     Delivery delivery = Delivery::onReaderThread();
     bool probing = true; /**< whether the link is watched, see 6 in kelvarissdk.hpp */

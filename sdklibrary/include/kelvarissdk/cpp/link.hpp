@@ -18,7 +18,8 @@
 namespace kelvaris {
 namespace detail {
 
-inline constexpr std::chrono::seconds quietLimit{1};  // until a probe is sent, and until it is taken for unanswered
+inline constexpr std::chrono::seconds quietLimit{
+    1}; // until a probe is sent, and until it is taken for unanswered
 inline constexpr std::chrono::seconds statisticsLimit{3};
 inline constexpr std::chrono::seconds longestStatisticsLimit{45};
 
@@ -223,7 +224,9 @@ template <auto read> void Core::probe(Lock& lock) {
     probing = true; // before the answer, which may come before the call returns
     probedAt = Clock::now();
     KelvarisSDK_BaseResult const head = useHandle(lock, [this](KelvarisSDK_Handle* own) {
-        return read(own, [](auto record, void* core) { return onProbe(record.base, core); }, this).base;
+        return read(
+                   own, [](auto record, void* core) { return onProbe(record.base, core); }, this)
+            .base;
     });
     probeId = head.callbackId;
     if (head.error) {
@@ -336,7 +339,8 @@ inline void Core::enableStatistics(Lock& lock) {
     if (statistics) {
         statisticsHeard = Clock::now();
         useHandle(lock, [own = periods](KelvarisSDK_Handle* of) mutable {
-            return KelvarisSDK_EnableStatUpdates(of, true, static_cast<unsigned char>(own.size()), own.data());
+            return KelvarisSDK_EnableStatUpdates(of, true, static_cast<unsigned char>(own.size()),
+                                                 own.data());
         });
     }
 }

@@ -30,8 +30,8 @@ struct ListBlock {
     std::vector<ProtocolPortPair> ports;
 
     static ListBlock from(KelvarisSDK_ListBlock const& record) {
-        return {detail::texts(record.domains, record.domainCount), detail::items(record.ipv4, record.ipv4Count),
-                detail::items(record.ipv6, record.ipv6Count),
+        return {detail::texts(record.domains, record.domainCount),
+                detail::items(record.ipv4, record.ipv4Count), detail::items(record.ipv6, record.ipv6Count),
                 detail::values<ProtocolPortPair>(record.ports, record.portCount)};
     }
 };
@@ -96,7 +96,8 @@ public:
         return call<FirewallSettingsResult, KelvarisSDK_SetFirewallMode>(mode);
     }
     Call<FirewallSettingsResult> setFirewallDomains(std::vector<std::string> const& domains) const {
-        return callWithList<FirewallSettingsResult, KelvarisSDK_SetFirewallDomains>(detail::slots<50>(domains));
+        return callWithList<FirewallSettingsResult, KelvarisSDK_SetFirewallDomains>(
+            detail::slots<50>(domains));
     }
     Call<FirewallSettingsResult> setFirewallIPv4(std::vector<in_addr> addresses) const {
         return callWithList<FirewallSettingsResult, KelvarisSDK_SetFirewallIPv4>(std::move(addresses));
@@ -115,7 +116,8 @@ public:
         return call<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyEnabled>(enabled);
     }
     Call<LocalProxySettingsResult> setLocalProxyDomains(std::vector<std::string> const& domains) const {
-        return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyDomains>(detail::slots<50>(domains));
+        return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyDomains>(
+            detail::slots<50>(domains));
     }
     Call<LocalProxySettingsResult> setLocalProxyIPv4(std::vector<in_addr> addresses) const {
         return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyIPv4>(std::move(addresses));
@@ -124,17 +126,20 @@ public:
         return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyIPv6>(std::move(addresses));
     }
     Call<LocalProxySettingsResult> setLocalProxyPorts(std::vector<ProtocolPortPair> const& ports) const {
-        return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyPorts>(detail::plainPorts(ports));
+        return callWithList<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyPorts>(
+            detail::plainPorts(ports));
     }
     Call<LocalProxySettingsResult> setLocalProxyDomainWatchlistEnable(std::string title, bool enabled) const {
-        return call<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyDomainWatchlistEnable>(std::move(title), enabled);
+        return call<LocalProxySettingsResult, KelvarisSDK_SetLocalProxyDomainWatchlistEnable>(
+            std::move(title), enabled);
     }
 
     StreamCall<StreamingSettingsResult> getStreamingSettings() const {
         return stream<StreamingSettingsResult, KelvarisSDK_GetStreamingSettings>();
     }
     Call<StreamingSettingsResult> setStreamingDomains(std::vector<std::string> const& domains) const {
-        return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingDomains>(detail::slots<50>(domains));
+        return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingDomains>(
+            detail::slots<50>(domains));
     }
     Call<StreamingSettingsResult> setStreamingIPv4(std::vector<in_addr> addresses) const {
         return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingIPv4>(std::move(addresses));
@@ -143,7 +148,8 @@ public:
         return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingIPv6>(std::move(addresses));
     }
     Call<StreamingSettingsResult> setStreamingPorts(std::vector<ProtocolPortPair> const& ports) const {
-        return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingPorts>(detail::plainPorts(ports));
+        return callWithList<StreamingSettingsResult, KelvarisSDK_SetStreamingPorts>(
+            detail::plainPorts(ports));
     }
 
 protected:

@@ -27,9 +27,11 @@ template <class Record> KelvarisSDK_BaseResult const& headOf(Record const& recor
 
 inline Error errorOf(KelvarisSDK_BaseResult const& head) {
     auto const number = static_cast<std::uint32_t>(head.errorCode);
-    bool const named = number <= KelvarisSDK_ErrorType_VPN_ADAPTER || number == KelvarisSDK_ErrorType_ASYNC_CALL ||
-                       (number >= KelvarisSDK_ErrorType_SDK && number <= KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT);
-    return {named ? static_cast<ErrorType>(number) : ErrorType::UNKNOWN, text(head.errorMessage), head.errorCode};
+    bool const named =
+        number <= KelvarisSDK_ErrorType_VPN_ADAPTER || number == KelvarisSDK_ErrorType_ASYNC_CALL ||
+        (number >= KelvarisSDK_ErrorType_SDK && number <= KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT);
+    return {named ? static_cast<ErrorType>(number) : ErrorType::UNKNOWN, text(head.errorMessage),
+            head.errorCode};
 }
 
 // A call of the C interface whose record becomes a T.
@@ -39,7 +41,8 @@ public:
     using Callback = bool (*)(Record, void*);
     using Starter = std::function<Record(KelvarisSDK_Handle*, Callback, void*)>;
 
-    TypedOperation(std::shared_ptr<Core> ofCore, Starter by) : Operation(std::move(ofCore)), starter(std::move(by)) {}
+    TypedOperation(std::shared_ptr<Core> ofCore, Starter by)
+        : Operation(std::move(ofCore)), starter(std::move(by)) {}
 
     // The library's callback.
     static bool onRecord(Record record, void* userData) {
@@ -80,7 +83,8 @@ public:
         return {std::nullopt, head.callbackId};
     }
     void readAnew(KelvarisSDK_Handle* handle) override {
-        starter(handle, [](Record, void*) { return false; }, nullptr);
+        starter(
+            handle, [](Record, void*) { return false; }, nullptr);
     }
     void putError(Error error) override {
         items.emplace_back(std::move(error));

@@ -113,7 +113,8 @@ class SafeBrowsingCalls : public TelemetryCalls {
 public:
     /** Ends with the result of its second step. Without get() both steps are sent at once. */
     Call<SafeBrowsingResult> startSafeBrowsing(std::string config) const {
-        return {core, twoSteps, starterOf<SafeBrowsingResult, KelvarisSDK_StartSafeBrowsing>(std::move(config))};
+        return {core, twoSteps,
+                starterOf<SafeBrowsingResult, KelvarisSDK_StartSafeBrowsing>(std::move(config))};
     }
     Call<SafeBrowsingResult> stopSafeBrowsing() const {
         return {core, twoSteps, starterOf<SafeBrowsingResult, KelvarisSDK_StopSafeBrowsing>()};
@@ -136,10 +137,11 @@ public:
     Call<SafeBrowsingResult> refreshSafeBrowsingToken(std::string token) const {
         return call<SafeBrowsingResult, KelvarisSDK_RefreshSafeBrowsingToken>(std::move(token));
     }
-    Call<SafeBrowsingResult> reportSafeBrowsingHomeNetworkWithParameters(unsigned retries, std::uint64_t delay,
+    Call<SafeBrowsingResult> reportSafeBrowsingHomeNetworkWithParameters(unsigned retries,
+                                                                         std::uint64_t delay,
                                                                          std::uint64_t timeout) const {
-        return call<SafeBrowsingResult, KelvarisSDK_ReportSafeBrowsingHomeNetworkWithParameters>(retries, delay,
-                                                                                                 timeout);
+        return call<SafeBrowsingResult, KelvarisSDK_ReportSafeBrowsingHomeNetworkWithParameters>(
+            retries, delay, timeout);
     }
     Call<SafeBrowsingResult> updateSafeBrowsingExtraInfo(std::string info) const {
         return call<SafeBrowsingResult, KelvarisSDK_UpdateSafeBrowsingExtraInfo>(std::move(info));

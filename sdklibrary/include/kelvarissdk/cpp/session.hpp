@@ -95,7 +95,8 @@ struct ServerInformationDetailed : ServerInformation {
 namespace detail {
 
 // The library's names stand in static buffers, which one thread at a time may use.
-template <class Record, class Server, class Function> std::string nameOf(Server const& server, Function function) {
+template <class Record, class Server, class Function>
+std::string nameOf(Server const& server, Function function) {
     static std::mutex mutex;
     Record record{};
     fill(record.country, server.country);
@@ -111,7 +112,8 @@ template <class Record, class Server, class Function> std::string nameOf(Server 
 
 /** The English name of the server's country: "United States". */
 inline std::string getCountryName(ServerInformation const& server) {
-    return detail::nameOf<KelvarisSDK_ServerInformation>(server, KelvarisSDK_ServerInformation_GetCountryName);
+    return detail::nameOf<KelvarisSDK_ServerInformation>(server,
+                                                         KelvarisSDK_ServerInformation_GetCountryName);
 }
 /** The English name of the server's city: "New York City". */
 inline std::string getCityName(ServerInformation const& server) {
@@ -122,8 +124,8 @@ inline std::string toString(ServerInformation const& server) {
     return detail::nameOf<KelvarisSDK_ServerInformation>(server, KelvarisSDK_ServerInformation_toString);
 }
 inline std::string toString(ServerInformationDetailed const& server) {
-    return detail::nameOf<KelvarisSDK_ServerInformationDetailed>(server,
-                                                                 KelvarisSDK_ServerInformationDetailed_toString);
+    return detail::nameOf<KelvarisSDK_ServerInformationDetailed>(
+        server, KelvarisSDK_ServerInformationDetailed_toString);
 }
 
 /** The servers that the account may use. */
@@ -180,7 +182,8 @@ class Resets {
 
 public:
     template <auto function>
-    static Operation::Record begin(KelvarisSDK_Handle* handle, Operation::Callback /*callback*/, void* userData) {
+    static Operation::Record begin(KelvarisSDK_Handle* handle, Operation::Callback /*callback*/,
+                                   void* userData) {
         std::lock_guard const lock(mutex);
         for (auto each = waiting.begin(); each != waiting.end();) {
             each = each->second.expired() ? waiting.erase(each) : std::next(each);
@@ -267,10 +270,12 @@ public:
         return call<ServerSettingsResult, KelvarisSDK_SetConnectMethodCountry>(std::move(country));
     }
     Call<ServerSettingsResult> setConnectMethodCity(std::string country, std::string city) const {
-        return call<ServerSettingsResult, KelvarisSDK_SetConnectMethodCity>(std::move(country), std::move(city));
+        return call<ServerSettingsResult, KelvarisSDK_SetConnectMethodCity>(std::move(country),
+                                                                            std::move(city));
     }
     Call<ServerSettingsResult> setConnectMethodServer(std::string country, std::string city, int num) const {
-        return call<ServerSettingsResult, KelvarisSDK_SetConnectMethodServer>(std::move(country), std::move(city), num);
+        return call<ServerSettingsResult, KelvarisSDK_SetConnectMethodServer>(std::move(country),
+                                                                              std::move(city), num);
     }
 
     StreamCall<DirectorySettingsResult> getDirectorySettings() const {

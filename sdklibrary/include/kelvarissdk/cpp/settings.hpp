@@ -58,7 +58,8 @@ struct SettingsResult {
         value.bondingMode = detail::known(record.bondingMode, BondingMode::STREAMING);
         value.startupConnect = record.startupConnect;
         value.transportMode = detail::known(record.transportMode, TransportMode::TCP_MULTI);
-        value.forwardedPorts = detail::values<ProtocolPortPair>(record.forwardedPorts, record.forwardedPortCount);
+        value.forwardedPorts =
+            detail::values<ProtocolPortPair>(record.forwardedPorts, record.forwardedPortCount);
         value.perConnectionEncryptionEnabled = record.perConnectionEncryptionEnabled;
         value.perConnectionEncryptionSettings = detail::values<ConnectionEncryption>(
             record.perConnectionEncryptionSettings, record.perConnectionEncryptionCount);
@@ -160,8 +161,10 @@ public:
     Call<CaptivePortalCheckResult> checkForCaptivePortals() const {
         return call<CaptivePortalCheckResult, KelvarisSDK_CheckForCaptivePortals>();
     }
-    Call<CaptivePortalLoginResult> setCaptivePortalLoginMode(bool enable, std::optional<std::string> adapterID) const {
-        return call<CaptivePortalLoginResult, KelvarisSDK_SetCaptivePortalLoginMode>(enable, std::move(adapterID));
+    Call<CaptivePortalLoginResult> setCaptivePortalLoginMode(bool enable,
+                                                             std::optional<std::string> adapterID) const {
+        return call<CaptivePortalLoginResult, KelvarisSDK_SetCaptivePortalLoginMode>(enable,
+                                                                                     std::move(adapterID));
     }
 
 protected:

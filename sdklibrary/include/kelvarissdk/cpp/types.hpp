@@ -102,7 +102,8 @@ public:
         return call<VersionResult, KelvarisSDK_GetVersion>();
     }
     Call<Done> daemonExit() const {
-        return {core, atOnce, [](KelvarisSDK_Handle* handle, auto, void*) { return KelvarisSDK_DaemonExit(handle); }};
+        return {core, atOnce,
+                [](KelvarisSDK_Handle* handle, auto, void*) { return KelvarisSDK_DaemonExit(handle); }};
     }
 
 protected:
