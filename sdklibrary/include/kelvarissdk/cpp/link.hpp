@@ -13,7 +13,7 @@
 #ifndef KELVARISSDK_CPP_LINK_HPP
 #define KELVARISSDK_CPP_LINK_HPP
 
-#include <kelvarissdk/cpp/core.hpp>
+#include <kelvarissdk/cpp/life.hpp>
 
 namespace kelvaris {
 namespace detail {
