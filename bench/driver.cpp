@@ -290,7 +290,7 @@ private:
         }
         table.add("a blocking call through C++", Unit::seconds, layered, {{"C's", plain, {.max = 1.1}}});
         auto const times = interleave<double>(
-            7, {inProcess("cppDelivered/100000", "median"), inProcess("delivered/100000", "median")});
+            7, {inProcess("cppDelivered/1000", "median"), inProcess("delivered/1000", "median")});
         Samples more;
         for (std::size_t round = 0; round < times[0].size(); ++round) {
             more.push_back(times[0][round] - times[1][round]);

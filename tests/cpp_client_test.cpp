@@ -7,6 +7,7 @@
 #include <kelvarissdk/kelvarissdk.hpp>
 
 #include <atomic>
+#include <ctime>
 #include <functional>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -154,6 +155,10 @@ TEST(CppClient, ArgumentsAndErrors) {
     EXPECT_EQ(clientOf(0).setMode(BondingMode::SPEED).within(1ms).get().error().code, ErrorType::TIMEOUT);
     Client const nowhere(CreateSettings{.address = std::string(46, '1'), .delivery = Delivery::byQueue()});
     EXPECT_EQ(nowhere.getState().get().error().code, ErrorType::SDK);
+    auto const link = nowhere.onLink([](Link to) { EXPECT_EQ(to, Link::LOST); });
+    std::clock_t const before = std::clock();
+    dispatchUntil(nowhere, [done = 0]() mutable { return done++ == 150; }); // over a second
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 2);
 }
 
 // The reader thread must not wait; the thread that dispatches may.

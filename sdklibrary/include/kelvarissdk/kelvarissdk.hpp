@@ -15,7 +15,8 @@
  *
  *  3. Errors are those of the C interface (see 6 in csdkinterface.h), and CANCELLED. A call ends once, with what comes first:
  *     its result, its time-out, which within() makes shorter and never longer, its cancelling, or the end of its client.
- *     get() on the reader thread, and in any callable that is delivered there, ends with SYNCHRONOUS_IN_CALLBACK.
+ *     get() on the reader thread, and in any callable that is delivered there, ends with SYNCHRONOUS_IN_CALLBACK; a future
+ *     must not be waited for there.
  *
  *  4. A Subscription keeps a callable subscribed; see there. A callable that throws is reported to onException, and the
  *     subscription goes on. Units with -fno-exceptions may be linked with others; there, what a callable calls must not
@@ -48,7 +49,8 @@
  *     closes is ENDED, one that restarts LOST and UP, see 6. One that floods fills the bounded queues, where the
  *     oldest reports are dropped and counted. A text cut within a character and an unknown number: see 2. A callable that
  *     blocks holds up the reader thread if it runs there, and otherwise its own queue. A daemon that neither reports nor
- *     closes for as long as the time-out of a read, five seconds, is taken for ENDED.
+ *     closes for as long as the time-out of a read, five seconds, is taken for ENDED. Memory that runs out while a record
+ *     becomes a value ends the process, as an exception in a callback of the C interface does.
  */
 #ifndef KELVARISSDK_KELVARISSDK_HPP
 #define KELVARISSDK_KELVARISSDK_HPP

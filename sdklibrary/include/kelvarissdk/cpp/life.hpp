@@ -53,15 +53,21 @@ inline KelvarisSDK_Handle* Core::takeHandle(Lock& lock) {
 
 // Calls the C interface without the mutex.
 template <class Use> auto Core::useHandle(Lock& lock, Use use) {
+    struct Return {
+        ~Return() {
+            lock.lock();
+            if (--core.uses == 0 && core.handle == nullptr) {
+                core.ran.notify_all();
+            }
+        }
+        Core& core;
+        Lock& lock;
+    };
     KelvarisSDK_Handle* const own = handle;
     ++uses;
     lock.unlock();
-    auto const result = use(own);
-    lock.lock();
-    if (--uses == 0 && handle == nullptr) {
-        ran.notify_all();
-    }
-    return result;
+    Return const back{*this, lock};
+    return use(own);
 }
 
 // ---- The life of an operation ----
@@ -136,6 +142,9 @@ inline void Core::enroll(OperationPtr const& operation) {
 }
 
 inline void Core::cancel(OperationPtr const& operation) {
+    if (isInherited()) {
+        return;
+    }
     Lock lock(mutex);
     settle(*operation, errorOf(ErrorType::CANCELLED));
     if (operation->registered) {

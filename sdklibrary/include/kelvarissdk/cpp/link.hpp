@@ -229,8 +229,9 @@ template <auto read> void Core::probe(Lock& lock) {
             .base;
     });
     probeId = head.callbackId;
-    if (head.error) {
+    if (head.error) { // there is no handle
         probing = false;
+        changeLink(Link::LOST);
     }
 }
 
