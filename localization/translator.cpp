@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <pthread.h>
 
 namespace kelvaris::localization {
 
@@ -21,6 +22,17 @@ std::string& baseLanguage = base.object;
 std::string& usedLanguage = used.object;
 
 namespace {
+
+void lockTables() {
+    translationTablesMutex.lock();
+}
+
+void unlockTables() {
+    translationTablesMutex.unlock();
+}
+
+// A process may be forked off while another thread looks something up, and the child needs a mutex that is free.
+[[maybe_unused]] int const forkHandlers = pthread_atfork(lockTables, unlockTables, unlockTables);
 
 std::string const* findText(TranslationTable const& table, std::string const& language,
                             std::string const& key) {

@@ -82,6 +82,8 @@ void reportLackOfMemory() {
     funlockfile(stderr);
 }
 
+std::terminate_handler endAsEver = nullptr; // the runtime's own, constant while other threads run
+
 // An exception that finds no memory for itself ends here; another one that nobody catches ends the process as ever.
 [[noreturn]] void endUncaught() {
     std::type_info const* const thrown = abi::__cxa_current_exception_type();
@@ -89,6 +91,7 @@ void reportLackOfMemory() {
         reportLackOfMemory();
         std::_Exit(1);
     }
+    endAsEver();
     std::abort();
 }
 
@@ -119,7 +122,7 @@ int main(int argc, char* argv[]) {
     shareOneArena();
     occupyStandardDescriptors();
     setBinName(argc > 0 ? argv[0] : "");
-    std::set_terminate(endUncaught);
+    endAsEver = std::set_terminate(endUncaught);
 
     // Apart from a thread that can't be started, an action throws only when memory runs out.
     int status = 1;

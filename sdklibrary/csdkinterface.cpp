@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <functional>
+#include <pthread.h>
 #include <system_error>
 #include <type_traits>
 
@@ -33,6 +34,23 @@ template <class... Rest> bool lacksOne(char const* text, Rest... rest) {
 template <class Item, class... Rest> bool lacksOne(unsigned short count, Item* items, Rest... rest) {
     return (count > 0 && items == nullptr) || lacksOne(rest...);
 }
+
+// While one lives, a request to cancel the calling thread has to wait. Making and destroying a handle wait for threads and
+// close descriptors in destructors, and a cancellation that leaves a destructor ends the process.
+class CancellationDelayed {
+public:
+    CancellationDelayed() {
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
+    }
+    ~CancellationDelayed() {
+        pthread_setcancelstate(previous, nullptr);
+    }
+    CancellationDelayed(CancellationDelayed const&) = delete;
+    CancellationDelayed& operator=(CancellationDelayed const&) = delete;
+
+private:
+    int previous = PTHREAD_CANCEL_ENABLE;
+};
 
 // Makes a call. A handle without a link to the daemon of its own, because it is null or a parent process owns it,
 // and memory that runs out end in a record that says so.
@@ -84,6 +102,7 @@ void KelvarisSDK_InitializeCreateSettings(KelvarisSDK_CreateSettings* settings) 
 }
 
 KelvarisSDK_Handle* KelvarisSDK_CreateWithSettings(KelvarisSDK_CreateSettings settings) {
+    CancellationDelayed const delayed;
     try {
         return reinterpret_cast<KelvarisSDK_Handle*>(new KelvarisSDK(settings));
     } catch (std::system_error const&) {
@@ -94,6 +113,7 @@ KelvarisSDK_Handle* KelvarisSDK_CreateWithSettings(KelvarisSDK_CreateSettings se
 }
 
 void KelvarisSDK_Destroy(KelvarisSDK_Handle* sdk) {
+    CancellationDelayed const delayed;
     if (sdk != nullptr && object(sdk)->isInherited()) {
         KelvarisSDK::destroyInherited(object(sdk));
     } else {

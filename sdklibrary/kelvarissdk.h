@@ -273,9 +273,9 @@ protected: // tests make objects without a link
     void sendStatSubscription(bool enable, unsigned char periodCount, unsigned int const* periods);
 
     std::mutex statsLock;                 // held while a subscription is sent
-    bool statsEnabled = false;            // guarded by statsLock, as is the next; the subscription is wanted
-    bool statsRunnerActive = true;        // the runner shall go on; false for good once the object ends
-    std::condition_variable statsChanged; // one of the two flags
+    bool statsEnabled = false;            // guarded by statsLock, as is the next; a subscription is wanted
+    bool statsRunnerActive = true;        // the thread goes on; false for good once the object ends
+    std::condition_variable statsChanged; // tells the thread that one of the two flags has changed
 
     // Constant after construction.
     char appName[32];

@@ -33,6 +33,19 @@ std::unique_ptr<Json::StreamWriter> makeWriter() {
     return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
 }
 
+// A text that no key introduces may be anything.
+Json::Value masked(Json::Value value, bool hasKey) {
+    if (value.isString() && !hasKey) {
+        return mask;
+    }
+    hasKey = hasKey || value.isObject();
+    for (auto member = value.begin(); member != value.end(); ++member) {
+        bool const isSecret = std::count(secretKeys.begin(), secretKeys.end(), member.name()) != 0;
+        *member = isSecret ? Json::Value(mask) : masked(*member, hasKey);
+    }
+    return value;
+}
+
 } // namespace
 
 Json::Value parseRequest(std::string const& text) {
@@ -60,19 +73,18 @@ std::string compactText(Json::Value const& value) {
 }
 
 Json::Value withoutSecrets(Json::Value request) {
-    for (auto member = request.begin(); member != request.end(); ++member) {
-        bool const isSecret = std::count(secretKeys.begin(), secretKeys.end(), member.name()) != 0;
-        *member = isSecret ? Json::Value(mask) : withoutSecrets(*member);
-    }
+    request[1] = masked(request[1], false);
     return request;
 }
 
 std::string withoutSecrets(std::string const& text) {
     std::size_t end = text.size();
-    for (std::string const key : secretKeys) {
-        std::size_t const found = text.find(key);
-        end = found < end ? found + key.size() : end;
-    }
+    auto const endBehind = [&](std::string const& word) {
+        std::size_t const found = text.find(word);
+        end = found < end ? found + word.size() : end;
+    };
+    endBehind("login"); // what follows may be a secret without a key
+    std::for_each(secretKeys.begin(), secretKeys.end(), endBehind);
     return end == text.size() ? text : text.substr(0, end) + mask;
 }
 

@@ -30,18 +30,19 @@ std::string usageOf(std::string const& program) {
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// Inlined, these would look to the compiler like a mismatch of new and free.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
         throw std::bad_alloc();
     }
     return std::malloc(size);
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
 
@@ -185,4 +186,27 @@ TEST(Login, PromptEchoesWhileItIsStopped) {
     EXPECT_EQ(outcome.out.substr(outcome.out.size() - loggedIn.size()), loggedIn);
     EXPECT_EQ(outcome.terminal.find("secret"), std::string::npos);
     EXPECT_EQ(daemon.finish(), "");
+}
+
+// SIGSTOP leaves no time to let the terminal echo. What it goes back to isn't forgotten in the background.
+TEST(Login, PromptEchoesAfterAStopThatCantBeCaught) {
+    ScriptedDaemon daemon({{"login", R"({"password":"secret","username":"me"})", {state(2)}}});
+    std::string const run =
+        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key";
+    Process process(
+        {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .input = std::nullopt});
+    process.waitForOutput("Enter password : ");
+    process.waitForEcho(false);
+    std::string const shell = std::to_string(process.id());
+    kill(std::stoi(contents("/proc/" + shell + "/task/" + shell + "/children")), SIGSTOP);
+    for (std::string const stop : {"one\n", "two\n"}) {
+        process.waitForOutput(stop);
+        process.type("\n");
+    }
+    process.type("secret\n");
+    process.waitForOutput(loggedIn + "three\n");
+    process.waitForEcho(true);
+    process.type("\n");
+    EXPECT_EQ(process.wait().status, 0);
 }

@@ -1,5 +1,6 @@
 // The request engine: event table, filters, time-outs, reconnecting, the end.
 
+#include "secrettext.h"
 #include "support/sdk.h"
 #include "support/texts.h"
 
@@ -8,6 +9,8 @@
 #include <cstring>
 #include <future>
 #include <gtest/gtest.h>
+#include <random>
+#include <string_view>
 
 using namespace harness;
 using namespace kelvarissdk;
@@ -36,6 +39,25 @@ protected:
 };
 
 } // namespace
+
+// Texts are escaped here and by jsoncpp alike, also where they are no UTF-8.
+TEST(Engine, SecretsAreWrittenAsJsoncppWritesThem) {
+    constexpr std::string_view bytes =
+        "a ~\x7f/\"\\\b\f\n\r\t\x01\x1f\x80\xbf\xc3\xa9\xc0\xe2\x82\xac\xed\xa0\xf0\x9f\x98\x80\xf8\xff";
+    std::minstd_rand random;
+    for (int round = 0; round < 20000; ++round) {
+        Json::Value request(Json::arrayValue);
+        request.append("login");
+        for (char const* const key : {"username", "password", "\xe9\"", ""}) {
+            std::string text(random() % 12, '\0');
+            std::generate(text.begin(), text.end(), [&] { return bytes[random() % bytes.size()]; });
+            request[1][key] = text;
+        }
+        request.append("kelvaris_sdk");
+        ASSERT_TRUE(holdsTextsOnly(request[1]));
+        ASSERT_EQ(secretText("login", request[1], "kelvaris_sdk") + '\n', request.toStyledString());
+    }
+}
 
 // The name is sent whole and without what stands behind it.
 TEST(Engine, NameWithoutATerminator) {

@@ -30,11 +30,20 @@ constexpr bool childMayStartThreads = true;
 
 namespace {
 
+// A child that a callback forks off inherits the signals that the library's thread blocks.
+void limitTime() {
+    sigset_t alarms;
+    sigemptyset(&alarms);
+    sigaddset(&alarms, SIGALRM);
+    pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+    alarm(static_cast<unsigned>(patience().count()));
+}
+
 // The status of a child that runs this and ends with what it returns; the negative number of a signal.
 template <class Body> int inChild(Body body) {
     pid_t const child = fork();
     if (child == 0) {
-        alarm(static_cast<unsigned>(patience().count()));
+        limitTime();
         _exit(body());
     }
     int status = 0;
@@ -51,6 +60,8 @@ struct Guest {
     std::uint16_t port;
     std::promise<int> result = {};
 };
+
+InboxOf<KelvarisSDK_VersionResult> versions;
 
 // Counts what is wrong with the handle of a parent, and with one of the child's own.
 int tryInChild(Guest const& parents) {
@@ -72,6 +83,19 @@ int tryInChild(Guest const& parents) {
 bool forkInside(KelvarisSDK_VersionResult /*result*/, void* userData) {
     auto& guest = *static_cast<Guest*>(userData);
     guest.result.set_value(tryInChild(guest));
+    return true;
+}
+
+// Forks while a request is queued.
+bool forkAndReturn(KelvarisSDK_VersionResult /*result*/, void* userData) {
+    auto& guest = *static_cast<Guest*>(userData);
+    KelvarisSDK_GetVersion(guest.sdk, InboxOf<KelvarisSDK_VersionResult>::keep, &versions);
+    pid_t const child = fork();
+    if (child == 0) {
+        limitTime();
+    } else {
+        guest.result.set_value(child);
+    }
     return true;
 }
 
@@ -147,6 +171,54 @@ TEST(HostProcess, MayForkInACallback) {
     Guest guest{handle.sdk, simulator.port};
     KelvarisSDK_GetVersion(handle.sdk, forkInside, &guest);
     EXPECT_EQ(guest.result.get_future().get(), 0);
+}
+
+// The child's one thread is a copy of the handle's own, so the child ends with it.
+TEST(HostProcess, ChildOfACallbackEndsWithIt) {
+    Step const version{"request_version_data", "null", {report("version_data", "{}")}};
+    ScriptedDaemon daemon({version, version, version}, {.appName = std::nullopt});
+    Handle const handle(daemon.port());
+    Guest guest{handle.sdk, daemon.port()};
+    KelvarisSDK_GetVersion(handle.sdk, forkAndReturn, &guest);
+    int status = -1;
+    waitpid(guest.result.get_future().get(), &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(versions.take().base.error);
+    EXPECT_EQ(codeOf(handle.sdk), KelvarisSDK_ErrorType_NO_ERROR);
+}
+
+// The handle is gone, and the thread ends where it can be cancelled next.
+TEST(HostProcess, MayCancelAThreadThatDestroys) {
+    Simulator const simulator;
+    KelvarisSDK_Handle* const sdk =
+        KelvarisSDK_CreateWithSettings({.appName = "", .address = "127.0.0.1", .port = simulator.port});
+    pthread_t thread{};
+    auto const destroy = [](void* handle) -> void* {
+        pthread_cancel(pthread_self());
+        KelvarisSDK_Destroy(static_cast<KelvarisSDK_Handle*>(handle));
+        pthread_testcancel();
+        return nullptr;
+    };
+    pthread_create(&thread, nullptr, destroy, sdk);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+}
+
+// The first look-up fills the table, and each takes the table's lock.
+TEST(HostProcess, MayForkWhileItNamesPlaces) {
+    KelvarisSDK_ServerInformation const place{"us", "nyc", 0, false};
+    std::atomic<bool> goesOn = true;
+    auto names = std::async(std::launch::async, [&] {
+        while (goesOn) {
+            KelvarisSDK_ServerInformation_GetCountryName(place);
+        }
+    });
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(inChild([&] { return *KelvarisSDK_ServerInformation_GetCityName(place) == 'N' ? 0 : 1; }),
+                  0);
+    }
+    goesOn = false;
 }
 
 TEST(HostProcess, MayEndWithALiveHandle) {

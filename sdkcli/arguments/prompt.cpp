@@ -38,11 +38,13 @@ void silence() {
     tcsetattr(STDIN_FILENO, TCSANOW, &current);
 }
 
+// SIGSTOP can't be caught, so the process may come here in the background with the terminal still silent: what it goes
+// back to is kept then until the process has the terminal again.
 void echo() {
     if (isSilent && !isInBackground()) {
         tcsetattr(STDIN_FILENO, TCSANOW, &echoing);
+        isSilent = false;
     }
-    isSilent = false;
 }
 
 // The handler is installed to fire once, so the signal has its default effect when it comes again, which it does

@@ -11,7 +11,7 @@
 
 #include "finish.h"
 
-// What the library's thread, which prints a stream, tells the main thread, which waits for its end. A stream is static,
+// The library's thread, which prints a stream, tells this to the main thread, which waits for its end. A stream is static,
 // because callbacks may run until the library object is destroyed, whatever ends the action.
 struct Stream {
     std::atomic<std::time_t> firstReportTime = 0; // 0 until the first document came

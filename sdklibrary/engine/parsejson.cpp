@@ -14,29 +14,30 @@ bool isTooDeep(std::exception const& failure) {
     return std::strstr(failure.what(), "stackLimit") != nullptr;
 }
 
-// This reader of jsoncpp refuses what strict JSON refuses, a trailing comma for example; its successor doesn't.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 // Returns what is wrong with the text, or nothing.
-std::optional<std::string> problemOf(Json::Value& value, std::string const& text) {
-    // Making a reader costs more than parsing a small report, so each thread keeps one.
-    thread_local Json::Reader reader;
+std::optional<std::string> problemOf(JsonReader& reader, Json::Value& value, std::string const& text) {
     char const* const end = text.data() + text.size();
-    // A number is read through a stream, which takes memory that runs out for a number that isn't one: the second look
-    // tells.
-    if (reader.parse(text.data(), end, value, false) || reader.parse(text.data(), end, value, false)) {
+    if (reader.parse(text.data(), end, value, false)) {
         return std::nullopt;
     }
-    return reader.getFormattedErrorMessages();
+    std::string const problem = reader.getFormattedErrorMessages();
+    // A number is read through a stream, which takes memory that runs out for a number that isn't one. What is wrong
+    // with the text itself shows again.
+    if (reader.parse(text.data(), end, value, false)) {
+        return std::nullopt;
+    }
+    if (reader.getFormattedErrorMessages() != problem) {
+        throw std::bad_alloc();
+    }
+    return problem;
 }
-#pragma GCC diagnostic pop
 
 } // namespace
 
-void parseJson(Json::Value& value, std::string const& text) {
+void parseJson(JsonReader& reader, Json::Value& value, std::string const& text) {
     std::optional<std::string> problem;
     try {
-        problem = problemOf(value, text);
+        problem = problemOf(reader, value, text);
         if (!problem) {
             return;
         }

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <csignal>
-#include <mutex>
 #include <new>
 #include <pthread.h>
 #include <system_error>
@@ -45,6 +44,9 @@ void enterChild() {
     WebsocketImpl::isInReaderThread = false;
 }
 
+// 0 where forks are counted. This stands before the host can fork.
+int const forkHandler = pthread_atfork(nullptr, nullptr, enterChild);
+
 } // namespace
 
 std::thread startThread(std::function<void()> body) {
@@ -57,12 +59,9 @@ std::thread startThread(std::function<void()> body) {
 }
 
 unsigned forkGeneration() {
-    static std::once_flag counted;
-    std::call_once(counted, [] {
-        if (pthread_atfork(nullptr, nullptr, enterChild) != 0) {
-            throw std::bad_alloc();
-        }
-    });
+    if (forkHandler != 0) {
+        throw std::bad_alloc();
+    }
     return generation;
 }
 

@@ -11,8 +11,8 @@ namespace kelvarissdk {
 // the text "thread constructor failed", memory that runs out std::bad_alloc.
 std::thread startThread(std::function<void()> body);
 
-// Differs between a process and those that are forked off from it. Forks are counted from the first call on; memory that
-// runs out in that throws std::bad_alloc.
+// Differs between a process and those that are forked off from it. Where memory had run out before forks
+// could be counted, it throws std::bad_alloc.
 unsigned forkGeneration();
 
 } // namespace kelvarissdk

@@ -16,19 +16,14 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
-#include <cstring>
 #include <exception>
 #include <iterator>
 #include <new>
-#include <optional>
-#include <sstream>
-#include <string_view>
 #include <utility>
 
 #include <kelvarissdk/types.h>
 
 #include "keys.h"
-#include "parsejson.h"
 #include "step.h"
 #include "threads.h"
 
@@ -40,22 +35,6 @@ constexpr int drainMs = 100;                // for what is queued when the objec
 constexpr int maxWaitWithoutWakeupMs = 100; // where the process had no descriptor for the signal
 constexpr int reconnectMs = 250;
 
-// A payload passes when it passes every filter object of the entry's "members".
-bool passesFilter(Json::Value const& members, Json::Value const& payload) {
-    if (!payload.isObject()) {
-        return false;
-    }
-    bool passes = true;
-    for (Json::Value const& filter : members) {
-        for (auto wanted = filter.begin(); wanted != filter.end(); ++wanted) {
-            std::string const key = wanted.name();
-            Json::Value const* value = payload.find(key.data(), key.data() + key.size());
-            passes = passes && value != nullptr && (wanted->isNull() || *value == *wanted);
-        }
-    }
-    return passes;
-}
-
 // What a handler is told of a time-out.
 Json::Value errorMessage(char const* text, KelvarisSDK_ErrorType type) {
     Json::Value message;
@@ -64,64 +43,12 @@ Json::Value errorMessage(char const* text, KelvarisSDK_ErrorType type) {
     return message;
 }
 
-// Overwrites the texts of a value, which leaves the rest of it as it is.
-void wipe(Json::Value& value) {
-    if (value.isString()) {
-        char const* begin = nullptr;
-        char const* end = nullptr;
-        value.getString(&begin, &end);
-        explicit_bzero(const_cast<char*>(begin), static_cast<std::size_t>(end - begin));
-    } else if (value.isArray() || value.isObject()) {
-        for (Json::Value& element : value) {
-            wipe(element);
-        }
-    }
-}
-
-bool namesEvent(Json::Value const& awaited, std::string const& name) {
-    char const* begin = nullptr;
-    char const* end = nullptr;
-    return awaited["event"].getString(&begin, &end) && std::string_view(begin, end) == name;
-}
-
 } // namespace
 
 uint64_t getTimeMillis() {
     auto const now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()) /
            1'000'000;
-}
-
-// One message from the daemon, which is parsed once, and only when somebody wants it.
-class WebsocketImpl::Message {
-public:
-    Message(std::string eventName, std::string const& rawText) : name(std::move(eventName)), text(rawText) {}
-
-    void parse() {
-        if (!isParsed) {
-            isParsed = true;
-            parseJson(document, text);
-        }
-    }
-
-    // Null as long as nobody has wanted it parsed.
-    Json::Value const& parsed() const {
-        return document;
-    }
-
-    std::string const name;
-    std::string const& text;
-
-private:
-    Json::Value document;
-    bool isParsed = false;
-};
-
-Request::Request(std::string ofName, Json::Value withPayload)
-    : name(std::move(ofName)), payload(std::move(withPayload)) {}
-
-Request::~Request() {
-    wipe(payload);
 }
 
 std::atomic<uint64_t> WebsocketImpl::nextEventId = 0;
@@ -155,24 +82,6 @@ void WebsocketImpl::end() {
     runningChanged.notify_all();
     wakeup.signal();
     readerThread.join();
-}
-
-std::string WebsocketImpl::requestToString(std::string const& request, Json::Value const& payload) {
-    Request envelope{{}, Json::arrayValue};
-    envelope.payload.append(request);
-    envelope.payload.append(payload);
-    envelope.payload.append("kelvaris_sdk");
-    // This writes what toStyledString() writes, whose writer costs more to make than a small request to write.
-    if (!requestWriter) {
-        requestWriter.reset(Json::StreamWriterBuilder().newStreamWriter());
-    }
-    std::ostringstream text;
-    requestWriter->write(envelope.payload, &text);
-    text << '\n';
-    if (!text) {
-        throw std::bad_alloc(); // a stream keeps it to itself and would leave half a request
-    }
-    return std::move(text).str();
 }
 
 void WebsocketImpl::sendRequest(std::string const& request, Json::Value const& payload) {
@@ -237,21 +146,10 @@ uint64_t WebsocketImpl::getResult(EventDescription& description, EventHandler ha
     return id;
 }
 
-void WebsocketImpl::removeCallback(unsigned long long id) {
-    std::lock_guard const lock(eventsMutex);
-    if (visitedId != nullptr && *visitedId == id) {
-        visitedRemoved = true;
-    } else if (events.erase(id) == 0) {
-        step();
-        std::lock_guard const pendingLock(outgoingMutex);
-        pendingEvents.erase(id);
-    }
-}
-
 void WebsocketImpl::readerRunner() {
     isInReaderThread = true;
     // A request queued just before the end still leaves: the first pass connects and sends before it looks
-    // whether to go on.
+    // whether to go on. A callback that forks may return in the child as well, and the link is the parent's.
     do {
         if (!ws) {
             connect();
@@ -264,7 +162,7 @@ void WebsocketImpl::readerRunner() {
         } else {
             serveSocket();
         }
-    } while (sweepAndGoOn());
+    } while (!isInherited() && sweepAndGoOn() && !isInherited());
 }
 
 // Without memory it fails like any other attempt.
@@ -314,17 +212,6 @@ void WebsocketImpl::dropLink() {
     linkDropped = true;
 }
 
-// False: there was none, and the connection ends. No callback runs in a step, so that nothing that one throws is caught.
-template <class Step> bool WebsocketImpl::hasMemoryFor(Step step) {
-    try {
-        step();
-        return true;
-    } catch (std::bad_alloc const&) {
-        dropLink();
-        return false;
-    }
-}
-
 // How long the reader may wait when nothing happens, in milliseconds; -1: without limit.
 int WebsocketImpl::timeToWait(bool closing) {
     std::lock_guard const eventsLock(eventsMutex);
@@ -342,27 +229,6 @@ int WebsocketImpl::timeToWait(bool closing) {
     }
     uint64_t const now = getTimeMillis();
     return static_cast<int>(std::min(nextTimeout - std::min(nextTimeout, now), longest));
-}
-
-// False: no memory was left, and the requests are dropped whole.
-bool WebsocketImpl::sendOutgoing() {
-    std::deque<Request> requests;
-    {
-        std::lock_guard const lock(outgoingMutex);
-        requests.swap(outgoing);
-    }
-    step();
-    try {
-        for (Request const& request : requests) {
-            std::string text = requestToString(request.name, request.payload);
-            ws->send(text);
-            explicit_bzero(text.data(), text.size());
-        }
-    } catch (std::exception const&) {
-        return false;
-    }
-    ws->flush();
-    return true;
 }
 
 // Only the destructor ends this wait early.
@@ -409,121 +275,6 @@ uint64_t WebsocketImpl::dueTime(EventDescription const& entry) {
     // A time-out is over when more than its milliseconds have passed.
     return armed && entry.timeoutMs < never - entry.startTime - 1 ? entry.startTime + entry.timeoutMs + 1
                                                                   : never;
-}
-
-void WebsocketImpl::sweepTimeouts() {
-    uint64_t const now = getTimeMillis();
-    bool const linked = ws && ws->getReadyState() != easywsclient::WebSocket::CLOSED;
-    nextTimeout = never;
-    visitEntries([&](EventDescription& entry) {
-        // The callbacks that ran since this entry was admitted kept its request from leaving. The next pass sends it
-        // before it calls anybody, so this happens once.
-        if (entry.admittedAfterSending && entry.startTime != 0) {
-            entry.startTime = std::max(entry.startTime, visitEnded);
-        }
-        entry.admittedAfterSending = false;
-        uint64_t const due = dueTime(entry);
-        if (due > now) {
-            nextTimeout = std::min(nextTimeout, due);
-            return false;
-        }
-        step();
-        bool const remove =
-            entry.callback(timeoutName, timeoutName, linked ? timeoutMessage : notConnectedMessage);
-        entry.startTime = 0;
-        entry.finished = true;
-        return remove;
-    });
-}
-
-void WebsocketImpl::handle_message(std::string const& text) {
-    if (linkDropped || text.size() < 5 || text[0] != '[' || text[1] != '"') {
-        return;
-    }
-    std::size_t const nameEnd = text.find('"', 2);
-    std::optional<Message> message;
-    if (nameEnd == std::string::npos ||
-        !hasMemoryFor([&] { message.emplace(text.substr(2, nameEnd - 2), text); })) {
-        return;
-    }
-    std::lock_guard const lock(eventsMutex);
-    admitPending();
-    visitEntries([&](EventDescription& entry) { return !linkDropped && deliver(entry, *message); });
-}
-
-// Every delivery disarms the time-out, also one that the handler rejects, but for one that no memory was left for.
-bool WebsocketImpl::deliver(EventDescription& entry, Message& message) {
-    bool remove = false;
-    auto const handOver = [&] {
-        if (!entry.skipParse && !hasMemoryFor([&] { message.parse(); })) {
-            return;
-        }
-        step();
-        remove |= entry.callback(message.name, message.text, message.parsed());
-        if (!linkDropped) {
-            entry.startTime = 0;
-            entry.finished = true;
-        }
-    };
-    for (std::string const& name : entry.subscribedEvents) {
-        if (name == message.name && !visitedRemoved) {
-            handOver();
-        }
-    }
-    for (Json::Value const& awaited : entry.awaitedEvents) {
-        if (visitedRemoved || !namesEvent(awaited, message.name)) {
-            continue;
-        }
-        Json::Value const& members = awaited["members"];
-        bool passes = members.empty();
-        if (!passes && !hasMemoryFor([&] {
-                message.parse();
-                passes = passesFilter(members, payloadOf(message.parsed()));
-            })) {
-            break;
-        }
-        if (passes) {
-            handOver();
-            break;
-        }
-    }
-    return remove;
-}
-
-// A request leaves after its entry became pending and its answer comes later still, so no answer is missed. What
-// was registered while callbacks ran couldn't be sent, so its time-out begins when they have returned. Called
-// between two visits; the caller holds eventsMutex.
-void WebsocketImpl::admitPending(Next next) {
-    std::lock_guard const lock(outgoingMutex);
-    for (auto& [id, entry] : pendingEvents) {
-        entry.startTime = std::max(entry.startTime, visitEnded);
-        entry.admittedAfterSending = next == Next::anything;
-        nextTimeout = std::min(nextTimeout, dueTime(entry));
-    }
-    events.merge(pendingEvents);
-    // This happens under the same lock, so that callers who register later compare with a due time that includes every
-    // entry before theirs.
-    if (next == Next::closingWait) {
-        closingWait = true;
-        closingWaitEnds = nextTimeout;
-    }
-}
-
-// Callbacks may add entries and remove any: those that they add come too late for this visit, and the visited
-// entry is erased only when its own visit is over. The caller holds eventsMutex.
-template <class Visit> void WebsocketImpl::visitEntries(Visit visit) {
-    if (events.empty()) {
-        return;
-    }
-    uint64_t const last = events.rbegin()->first;
-    for (auto entry = events.begin(); entry != events.end() && entry->first <= last;) {
-        visitedId = &entry->first;
-        visitedRemoved = false;
-        bool const remove = visit(entry->second);
-        visitedId = nullptr;
-        entry = remove || visitedRemoved ? events.erase(entry) : std::next(entry);
-    }
-    visitEnded = getTimeMillis();
 }
 
 bool WebsocketImpl::isInherited() const {

@@ -17,6 +17,7 @@
 #include <json/json.h>
 
 #include "easywsclient.h"
+#include "parsejson.h"
 #include "wakeup.h"
 
 namespace kelvarissdk {
@@ -106,7 +107,7 @@ public:
     // True in a process that was forked off while the object existed: its thread runs in the parent.
     bool isInherited() const;
     // Makes an inherited object ready to be destroyed. False: the fork interrupted something that was changing it, so
-    // its memory must be left alone; its descriptors are closed.
+    // its memory must be left alone; its descriptors are closed, but for that of an attempt to connect.
     bool forgetThread();
 
     static constinit thread_local bool isInReaderThread;
@@ -150,7 +151,8 @@ private:
     // Owned by the reader thread.
     std::unique_ptr<easywsclient::WebSocket> ws;
     std::unique_ptr<Json::StreamWriter> requestWriter; // made for the first request
-    bool linkDropped = false;                          // the connection ends with this pass
+    JsonReader messageReader;
+    bool linkDropped = false; // the connection ends with this pass
 
     std::mutex runningMutex;
     std::condition_variable runningChanged;

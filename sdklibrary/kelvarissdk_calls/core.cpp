@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "kelvarissdk.h"
 #include "keys.h"
@@ -37,9 +38,9 @@ void setStateResult(KelvarisSDK_StateResult& result, Json::Value const& payload)
     result.state = static_cast<KelvarisSDK_State>(std::min<uint32_t>(number, KelvarisSDK_State_UNKNOWN));
 }
 
-Json::Value with(Json::StaticString const& key, Json::Value const& value) {
+Json::Value with(Json::StaticString const& key, Json::Value value) {
     Json::Value payload;
-    payload[key] = value;
+    payload[key] = std::move(value);
     return payload;
 }
 

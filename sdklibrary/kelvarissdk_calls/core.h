@@ -25,7 +25,7 @@ void setPortPair(KelvarisSDK_ProtocolPortPair& pair, Json::Value const& object);
 Json::Value portPairs(KelvarisSDK_ProtocolPortPair const* pairs, std::size_t count);
 
 // Makes a payload of one member.
-Json::Value with(Json::StaticString const& key, Json::Value const& value);
+Json::Value with(Json::StaticString const& key, Json::Value value);
 
 // Finds the enumerator from 0 to `last` that has this text, and nothing for any other text.
 template <class Enum>

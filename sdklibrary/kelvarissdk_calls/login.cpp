@@ -88,9 +88,9 @@ KelvarisSDK_StateResult KelvarisSDK::login(char const* username, char const* pas
 
 KelvarisSDK_StateResult KelvarisSDK::loginOAuth(char const* token, KelvarisSDK_StateCallback callback,
                                                 void* userData) {
-    return wsNonSubscriptionWrapper(callback, userData, websocket,
-                                    loginExchange({{"login_oauth", with(Keys::_oauth, token)}}),
-                                    loginCallback);
+    Request request("login_oauth");
+    request.payload[Keys::_oauth] = token;
+    return wsNonSubscriptionWrapper(callback, userData, websocket, loginExchange({request}), loginCallback);
 }
 
 KelvarisSDK_StateResult KelvarisSDK::loginAutoAccount(KelvarisSDK_StateCallback callback, void* userData) {

@@ -1,4 +1,5 @@
 #include <string>
+#include <utility>
 
 #include "core.h"
 #include "fields.h"
@@ -65,8 +66,8 @@ void setSafeBrowsingStatsResult(KelvarisSDK_SafeBrowsingStatsResult& result, Jso
 }
 
 // Only settings that are initialized, or a connect error, end these calls.
-Exchange untilInitialized(char const* request, Json::Value const& payload, char const* settingName) {
-    return {.requests = {{request, payload}},
+Exchange untilInitialized(char const* request, Json::Value payload, char const* settingName) {
+    return {.requests = {{request, std::move(payload)}},
             .awaited = {{settingsReport, with(Keys::_initialized, true)}, {connectErrorReport}},
             .settingName = settingName};
 }

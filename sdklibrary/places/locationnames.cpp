@@ -1,5 +1,6 @@
 #include "locationnames.h"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
@@ -37,12 +38,14 @@ std::string translateLocation(char const* prefix, std::string code) {
     if (code.empty()) {
         return code;
     }
-    static std::once_flag filled;
-    // The names need no library object, so the first look-up registers the table.
-    std::call_once(filled, [] {
+    // The names need no library object, so the first look-up registers the table. Several may do so at once, of which one
+    // changes something. Nobody waits for the first one by anything but the mutex, which a forked child finds free.
+    static std::atomic<bool> isFilled = false;
+    if (!isFilled) {
         fillTable();
         kelvaris::localization::load_sdklibraryTranslationTable();
-    });
+        isFilled = true;
+    }
     return kelvaris::localization::translate(prefix + std::move(code) + "}}");
 }
 

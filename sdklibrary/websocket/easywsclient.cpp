@@ -1,7 +1,6 @@
 #include "easywsclient.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -13,6 +12,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include "easywsframes.h"
 #include "easywssocket.h"
 #include "easywsupgrade.h"
 #include "wipingallocator.h"
@@ -29,75 +29,6 @@ namespace {
 
 constexpr std::size_t maxBytesPerPoll = std::size_t{256} * 1024; // a flood can't keep poll() from returning
 constexpr std::size_t maxUnsentPongs = std::size_t{64} * 1024;   // in bytes
-
-using MaskKey = std::array<std::uint8_t, 4>;
-constexpr MaskKey masking_key{0xA7, 0x1C, 0x5E, 0x39}; // the same on every frame: the link is local
-
-struct wsheader_type {
-    enum class opcode_type : std::uint8_t {
-        continuation = 0,
-        text = 1,
-        binary = 2,
-        close = 8,
-        ping = 9,
-        pong = 10
-    };
-
-    bool fin;
-    opcode_type opcode;
-    bool mask;
-    unsigned shortLength; // the 7 bits: the length, or which longer form it has
-    std::size_t headerSize;
-    std::uint64_t length;
-    MaskKey key;
-};
-using opcode_type = wsheader_type::opcode_type;
-
-std::uint64_t readBigEndian(std::span<std::uint8_t const> bytes) {
-    std::uint64_t value = 0;
-    for (std::uint8_t const byte : bytes) {
-        value = value << 8 | byte;
-    }
-    return value;
-}
-
-// Returns nothing while the header isn't complete.
-std::optional<wsheader_type> parseHeader(std::span<std::uint8_t const> bytes) {
-    if (bytes.size() < 2) {
-        return std::nullopt;
-    }
-    wsheader_type header{};
-    header.fin = (bytes[0] & 0x80) != 0;
-    header.opcode = static_cast<opcode_type>(bytes[0] & 0x0F);
-    header.mask = (bytes[1] & 0x80) != 0;
-    header.shortLength = bytes[1] & 0x7FU;
-    std::size_t const extended = header.shortLength == 126 ? 2 : header.shortLength == 127 ? 8 : 0;
-    header.headerSize = 2 + extended + (header.mask ? header.key.size() : 0);
-    if (bytes.size() < header.headerSize) {
-        return std::nullopt;
-    }
-    header.length = extended == 0 ? header.shortLength : readBigEndian(bytes.subspan(2, extended));
-    if (header.mask) {
-        std::copy_n(&bytes[2 + extended], header.key.size(), header.key.begin());
-    }
-    return header;
-}
-
-void applyMask(std::span<std::uint8_t> payload, MaskKey const& key) {
-    std::uint64_t wideKey = 0;
-    std::memcpy(&wideKey, key.data(), 4);
-    std::memcpy(reinterpret_cast<char*>(&wideKey) + 4, key.data(), 4);
-    std::size_t i = 0;
-    for (; i + 8 <= payload.size(); i += 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, &payload[i], 8);
-        word ^= wideKey;
-        std::memcpy(&payload[i], &word, 8);
-    }
-    for (; i < payload.size(); ++i) {
-        payload[i] ^= key[i & 3];
-    }
-}
 
 class _RealWebSocket final : public WebSocket {
 public:

@@ -2,6 +2,7 @@
 // frames. The files are included for what stands behind from_url, which then needs no listening socket.
 
 #include "../../sdklibrary/websocket/easywsclient.cpp"
+#include "../../sdklibrary/websocket/easywsframes.cpp"
 #include "../../sdklibrary/websocket/easywsupgrade.cpp"
 
 #include <cstdint>

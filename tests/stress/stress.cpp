@@ -1,8 +1,9 @@
 // stress [SECONDS [ROUNDS]]: how the library keeps its feet for a long time. Eight threads make mixed calls on
 // handles they share and unregister at random, for so many seconds (30), while the daemons drop the links; for as long,
 // calls are made on links on which nothing else happens, so that a lost wake-up is a hang, and threads are cancelled in
-// them; then handles are made and destroyed in so many rounds (10000) under the hands of a daemon that never falls
-// silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
+// them; for as long, handles are made, used and destroyed while the daemon is killed and started again, the process forks
+// and allocations fail at random; then handles are made and destroyed in so many rounds (10000) under the hands of a
+// daemon that never falls silent. Status 1 when a record isn't one of those that may come, when descriptors or threads are left over, or when
 // memory has grown; a hang aborts. User data are freed as soon as no callback may use them any more.
 
 #include "support/sdk.h"
@@ -11,7 +12,9 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -19,10 +22,14 @@
 #include <malloc.h>
 #include <map>
 #include <memory>
+#include <new>
+#include <optional>
 #include <pthread.h>
 #include <random>
 #include <stop_token>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 using namespace harness;
@@ -39,7 +46,34 @@ std::atomic<long> deliveries = 0;
 std::atomic<long> timeOuts = 0;
 std::atomic<long> wrong = 0;
 std::atomic<long> cancelled = 0;
+std::atomic<long> forks = 0;
+std::atomic<long> hungForks = 0;
+std::atomic<long> restarts = 0;
+std::atomic<long> failedAllocations = 0;
 std::atomic<long> progress = 0;
+
+// Memory runs out for the library alone: on the threads of its own, and in a call that stands in an object of this kind.
+std::atomic<bool> lacksMemory = false;
+thread_local int callsWithoutMemory = 0;
+struct WithoutMemory {
+    WithoutMemory() {
+        ++callsWithoutMemory;
+    }
+    ~WithoutMemory() {
+        --callsWithoutMemory;
+    }
+    WithoutMemory(WithoutMemory const&) = delete;
+    WithoutMemory& operator=(WithoutMemory const&) = delete;
+};
+
+bool allocationFails() {
+    static constinit thread_local unsigned long dice = 1; // differs by what each thread does
+    if (!lacksMemory || (callsWithoutMemory == 0 && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
+        return false;
+    }
+    dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
+    return (dice >> 33) % 2000 == 0 && ++failedAllocations;
+}
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
 void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
@@ -50,6 +84,10 @@ void judge(KelvarisSDK_BaseResult const& base, bool insideCallback = false) {
         {KelvarisSDK_ErrorType_TIMEOUT, "Timeout"},
         {KelvarisSDK_ErrorType_NOT_CONNECTED, "Unable to connect"},
         {KelvarisSDK_ErrorType_LOCKED_BY_SERVER, "Setting locked by server configuration"}};
+    bool const isFailure = lacksMemory && base.error && base.errorCode == KelvarisSDK_ErrorType_SDK;
+    if (isFailure) {
+        return;
+    }
     auto const text = texts.find(base.errorCode);
     bool const isKept = insideCallback && (text == texts.find(KelvarisSDK_ErrorType_TIMEOUT) ||
                                            text == texts.find(KelvarisSDK_ErrorType_NOT_CONNECTED));
@@ -265,6 +303,87 @@ void quietLinks(std::chrono::milliseconds duration) {
     });
 }
 
+// This address sanitizer doesn't take the locks of its allocator before a fork, so that a child may wait for a thread that
+// only the parent has. Such a child is ended by its alarm.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool allocatorMayHang = true;
+#else
+constexpr bool allocatorMayHang = false;
+#endif
+
+// A child has nothing of its parent's handle and makes one of its own.
+void tryInChild(KelvarisSDK_Handle* sdk, std::uint16_t port) {
+    pid_t const child = fork();
+    if (child == 0) {
+        alarm(20);
+        lacksMemory = false;
+        bool const isRefused =
+            KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base.errorCode == KelvarisSDK_ErrorType_SDK;
+        KelvarisSDK_Destroy(sdk);
+        Handle const own(port);
+        _exit(isRefused && !KelvarisSDK_GetVersion(own.sdk, nullptr, nullptr).base.error ? 0 : 1);
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (status == SIGALRM && allocatorMayHang) {
+        ++hungForks;
+    } else if (status != 0) {
+        ++wrong;
+        std::fprintf(stderr, "stress: a child ended with %#x\n", static_cast<unsigned>(status));
+    }
+    ++forks;
+}
+
+void useWithoutMemory(KelvarisSDK_Handle* sdk, std::minstd_rand& random) {
+    Waiting connections{.sdk = sdk};
+    Waiting adapters{.sdk = sdk};
+    {
+        WithoutMemory const here;
+        KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
+        connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
+        judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
+        judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
+        judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(random() % 50));
+    WithoutMemory const here;
+    KelvarisSDK_Destroy(sdk);
+}
+
+void trouble(std::chrono::milliseconds duration) {
+    std::vector<std::string> const options = {"--interval", "50"};
+    Simulator const steady(options);
+    std::optional<Simulator> restarted(std::in_place, options);
+    std::uint16_t const port = restarted->port;
+    auto const end = Clock::now() + duration;
+    lacksMemory = true;
+    std::jthread const restarter([&] {
+        for (; Clock::now() < end; ++restarts) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(700));
+            restarted.reset();
+            restarted.emplace(options, port);
+        }
+    });
+    inThreads([&](unsigned number) {
+        std::minstd_rand random(number + 1);
+        while (Clock::now() < end) {
+            KelvarisSDK_Handle* sdk = nullptr;
+            {
+                WithoutMemory const here;
+                sdk = KelvarisSDK_CreateWithSettings({.appName = "stress",
+                                                      .address = "127.0.0.1",
+                                                      .port = number % 2 == 0 ? port : steady.port});
+            }
+            if (random() % 4 == 0) {
+                tryInChild(sdk, steady.port);
+            }
+            useWithoutMemory(sdk, random);
+        }
+    });
+    lacksMemory = false;
+}
+
 // Ends a process in which nothing has returned for long.
 void watch(std::stop_token const& stop) {
     long last = -1;
@@ -304,6 +423,26 @@ bool sameAs(Held const& before, char const* stage) {
 
 } // namespace
 
+// These stand in for the library's as well.
+[[gnu::visibility("default")]] void* operator new(std::size_t size) {
+    void* const memory = allocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+[[gnu::visibility("default")]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::visibility("default")]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+// A process that was forked off from one with threads has threads of its own here.
+extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
+    return "die_after_fork=0";
+}
+
 int main(int argc, char** argv) {
     long const seconds = argc > 1 ? std::atol(argv[1]) : 30;
     long const rounds = argc > 2 ? std::atol(argv[2]) : 10'000;
@@ -312,12 +451,15 @@ int main(int argc, char** argv) {
     Held const before;
     mixedCalls(std::chrono::seconds(seconds));
     quietLinks(std::chrono::seconds(seconds));
+    trouble(std::chrono::seconds(seconds));
     bool const tidy = sameAs(before, "calls");
     createAndDestroy(rounds);
     bool const tidyAgain = sameAs(before, "rounds");
     std::printf("%ld synchronous and %ld asynchronous calls, %ld deliveries, %ld time-outs, %ld threads "
-                "cancelled, %ld rounds, %ld wrong records\n",
+                "cancelled, %ld rounds, %ld forks (%ld hung in the sanitizer), %ld restarts, %ld failed "
+                "allocations, %ld wrong records\n",
                 synchronous.load(), asynchronous.load(), deliveries.load(), timeOuts.load(), cancelled.load(),
-                rounds, wrong.load());
+                rounds, forks.load(), hungForks.load(), restarts.load(), failedAllocations.load(),
+                wrong.load());
     return tidy && tidyAgain && wrong == 0 ? 0 : 1;
 }

@@ -38,6 +38,9 @@ public:
     void type(std::string const& text) const;
     void signal(int number) const;
     bool catches(int signal) const;
+    pid_t id() const {
+        return pid;
+    }
     std::string const& out() const {
         return outcome.out;
     }

@@ -106,11 +106,13 @@
  *         KelvarisSDK_StreamingSettingsResult    8032
  *
  * 13. The process. The library's threads block all signals but SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP and
- *     SIGSYS, so the program's own threads get them. In a process made by fork(), calls on a handle of the
- *     parent return at once with SDK (3840), KelvarisSDK_Destroy frees it without waiting and without a
- *     byte to the daemon, and new handles work; the parent's handles don't notice. What the parent's
- *     threads were changing at the moment of the fork isn't freed. A process may end with handles that
- *     live. A thread may be cancelled (pthread_cancel) while it waits in a call.
+ *     SIGSYS, so the program's own threads get them. What a callback forks off or starts inherits that
+ *     mask. In a process made by fork(), calls on a handle of the parent return at once with SDK (3840),
+ *     KelvarisSDK_Destroy frees it without waiting and without a byte to the daemon, and new handles work;
+ *     the parent's handles don't notice. What the parent's threads were changing at the moment of the fork
+ *     isn't freed. When a callback returns in a process that it has forked off, that process ends as its
+ *     only thread does: by exit() with status 0. A process may end with handles that live. A thread may be
+ *     cancelled (pthread_cancel) while it waits in a call; a handle is made or destroyed in full first.
  */
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H
