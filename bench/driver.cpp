@@ -52,6 +52,7 @@ public:
         section("an idle handle", [this] { idleHandles(); });
         section("in a host", [this] { inAHost(); });
         section("growth", [this] { growth(); });
+        section("the C++ layer", [this] { cppLayer(); });
         return table.print();
     }
 
@@ -277,6 +278,27 @@ private:
     void growth() {
         table.add("growth of a handle over 100,000 reports", Unit::bytes,
                   {inProcess("growth")["KiB"].asDouble() * 1024}, {}, {.max = mebi / 4});
+    }
+
+    void cppLayer() {
+        Samples layered;
+        Samples plain;
+        for (int round = 0; round < 7; ++round) {
+            Json::Value const figures = inProcess("cppCall");
+            layered.push_back(figures["cpp"].asDouble());
+            plain.push_back(figures["c"].asDouble());
+        }
+        table.add("a blocking call through C++", Unit::seconds, layered, {{"C's", plain, {.max = 1.1}}});
+        auto const times = interleave<double>(
+            7, {inProcess("cppDelivered/1000", "median"), inProcess("delivered/1000", "median")});
+        Samples more;
+        for (std::size_t round = 0; round < times[0].size(); ++round) {
+            more.push_back(times[0][round] - times[1][round]);
+        }
+        table.add("a report delivered by the C++ queue", Unit::seconds, times[0], {{"C's", times[1]}});
+        table.add("the same, more than C's", Unit::seconds, more, {}, {.max = 3e-6});
+        table.add("growth over 100,000 reports and a slow consumer", Unit::bytes,
+                  {inProcess("cppGrowth")["KiB"].asDouble() * 1024}, {}, {.max = mebi / 4});
     }
 
     std::string const library;

@@ -23,7 +23,14 @@ for source in "$examples"/*.c "$examples"/*.cpp; do
     *) c++ -std=c++17 -Wall -Wextra -Wpedantic -Werror "$source" "${flags[@]}" -o "pkg-config/$name" ;;
     esac
 done
-cmake -S "$examples" -B cmake -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+# What an example needs besides stands in its head.
+for source in "$examples"/cpp/*.cpp; do
+    name=$(basename "${source%.*}")
+    own=("-std=$(sed -n 's|^// *c++ -std=\([^ ]*\) .*|\1|p' "$source")" -pthread)
+    [ "$name" != glib ] || read -ra own < <(echo "${own[@]}" "$(env -u PKG_CONFIG_LIBDIR pkg-config --cflags --libs glib-2.0)")
+    c++ -Wall -Wextra -Wpedantic -Werror "$source" "${flags[@]}" "${own[@]}" -o "pkg-config/$name"
+done
+env -u PKG_CONFIG_LIBDIR cmake -S "$examples" -B cmake -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build cmake >/dev/null
 
 coproc SIM { exec "$prefix/bin/kelvarissim" --port 0; }

@@ -1,0 +1,165 @@
+// How the C++ layer sees the link: the simulator killed and started again, a daemon that closes.
+
+#include "support/scripteddaemon.h"
+#include "support/simulator.h"
+#include "support/texts.h"
+
+#include <kelvarissdk/kelvarissdk.hpp>
+
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <gtest/gtest.h>
+#include <thread>
+
+using namespace harness;
+using namespace kelvaris;
+using namespace std::chrono_literals;
+
+namespace {
+
+template <class T> class Inbox {
+public:
+    void put(T const& item) {
+        std::lock_guard const lock(mutex);
+        items.push_back(item);
+        changed.notify_all();
+    }
+    T take() {
+        std::unique_lock lock(mutex);
+        EXPECT_TRUE(changed.wait_for(lock, patience(), [this] { return !items.empty(); }));
+        if (items.empty()) {
+            return {};
+        }
+        T const first = items.front();
+        items.pop_front();
+        return first;
+    }
+    void clear() {
+        std::lock_guard const lock(mutex);
+        items.clear();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<T> items;
+};
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// A client that is subscribed to what the simulator reports, and the simulator, which comes and goes.
+struct World {
+    World() {
+        EXPECT_EQ(links.take(), Link::UP);
+        EXPECT_TRUE(states.take());
+        statistics.take(); // of the session, because no period was named
+        EXPECT_TRUE(client.enableStatUpdates(true, {24h}).get());
+        awaitStatistics();
+    }
+    // The next statistics are those of the period that the program has asked for.
+    void awaitStatistics() {
+        auto const periods = statistics.take();
+        EXPECT_EQ(periods.size(), 1U);
+        EXPECT_TRUE(!periods.empty() && periods[0].periodHours == 24h);
+    }
+    void kill() {
+        simulator->process.signal(SIGKILL);
+        simulator.reset();
+        statistics.clear();
+        states.clear();
+    }
+
+    std::optional<Simulator> simulator{std::in_place, std::vector<std::string>{"--interval", "200"}};
+    std::uint16_t const port = simulator->port;
+    Inbox<Link> links;
+    Inbox<bool> states;
+    Inbox<std::vector<SessionStats>> statistics;
+    Client const client{CreateSettings{.port = port}};
+    Subscription const link = client.onLink([this](Link to) { links.put(to); });
+    Subscription const state = client.getState().subscribe([this](auto const& report) {
+        if (report) {
+            states.put(true);
+        }
+    });
+    Subscription const stats = client.getSessionStats().subscribe([this](auto const& report) {
+        if (report) {
+            statistics.put(report->periods);
+        }
+    });
+};
+
+} // namespace
+
+TEST(CppLink, IsLostAndUpAgain) {
+    World world;
+    auto const killed = std::chrono::steady_clock::now();
+    world.kill();
+    EXPECT_EQ(world.links.take(), Link::LOST);
+    EXPECT_LT(secondsSince(killed), 2.5);
+    std::this_thread::sleep_for(killed + 2200ms - std::chrono::steady_clock::now());
+    world.simulator.emplace(std::vector<std::string>{"--interval", "200"}, world.port);
+    auto const back = std::chrono::steady_clock::now();
+    EXPECT_EQ(world.links.take(), Link::UP);
+    EXPECT_LT(secondsSince(back), 1);
+    EXPECT_TRUE(world.states.take());
+    world.awaitStatistics();
+    EXPECT_LT(secondsSince(back), 1.5);
+}
+
+TEST(CppLink, StatisticsComeBackAfterAShortOutage) {
+    World world;
+    world.kill();
+    world.simulator.emplace(std::vector<std::string>{"--interval", "200"}, world.port);
+    auto const back = std::chrono::steady_clock::now();
+    world.awaitStatistics();
+    EXPECT_LT(secondsSince(back), 4);
+}
+
+// Nobody probes while something comes, no two probes stand at once, and what returns finds few requests.
+TEST(CppLink, EndsAndIsMadeAnew) {
+    ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}},
+                           {"check_captive_networks"},
+                           {"request_version_data", "null", {}, Then::closeFrame},
+                           {"request_current_state", "null", {state(2)}}},
+                          {.appName = std::nullopt});
+    Inbox<Link> links;
+    Inbox<State> states;
+    Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byExecutor([](auto task) {
+                                                                  std::thread(task).detach();
+                                                              })});
+    Subscription const link = client.onLink([&](Link to) { links.put(to); });
+    Subscription const state = client.getState().subscribe([&](auto const& report) {
+        if (report) {
+            states.put(report->state);
+        }
+    });
+    EXPECT_EQ(states.take(), State::CONNECTED);
+    auto pending = client.checkForCaptivePortals().future(); // its own time-out is 30 seconds
+    daemon.waitForRequest("check_captive_networks");
+    EXPECT_EQ(links.take(), Link::UP);
+    EXPECT_EQ(links.take(), Link::LOST);
+    EXPECT_EQ(links.take(), Link::ENDED);
+    EXPECT_EQ(pending.get().error().code, ErrorType::TIMEOUT);
+    EXPECT_EQ(states.take(), State::LOGGED_IN);
+    EXPECT_EQ(links.take(), Link::UP);
+    EXPECT_EQ(daemon.connections(), 2U);
+}
+
+// The requests that wait for a daemon are few after whatever time.
+TEST(CppLink, DoesNotFloodADaemonThatReturns) {
+    ScriptedDaemon daemon({}, {.appName = std::nullopt,
+                               .upgrades = std::vector<Upgrade>(40, {.bytes = "no", .then = Then::reset})});
+    Inbox<Link> links;
+    Client const client(CreateSettings{.port = daemon.port()});
+    Subscription const link = client.onLink([&](Link to) { links.put(to); });
+    EXPECT_EQ(links.take(), Link::LOST);
+    daemon.waitForConnections(41);
+    daemon.waitForRequest("request_version_data");
+    daemon.waitForRequest("request_current_state");
+    daemon.waitForRequest("request_current_state");
+    daemon.send(state(6));
+    EXPECT_EQ(links.take(), Link::UP);
+}
