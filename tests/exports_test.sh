@@ -7,7 +7,7 @@ set -euo pipefail
 node=KELVARISSDK_$(readelf -dW "$1" | sed -n 's/.*SONAME.*\.so\.\(.*\)\]/\1/p')
 exported=$(nm -D --defined-only "$1" | awk -v node="$node" '
     $3 == node && $2 == "A" { next } # names the version itself
-    { sub("@@" node "$", "", $3); print $3 }' | sort)
+    { print sub("@@" node "$", "", $3) ? $3 : $3 " without " node }' | sort)
 declared=$(cat "$2"/kelvarissdk/*.h | grep -v '^#' | tr '\n' ' ' | grep -oE 'KELVARISSDK_API [^;]*;' |
     sed -E 's/^[^(]*(KelvarisSDK_[A-Za-z0-9_]+)\(.*/\1/' | sort)
 
