@@ -111,7 +111,7 @@ struct SafeBrowsingStatsResult {
 /** The family's calls. */
 class SafeBrowsingCalls : public TelemetryCalls {
 public:
-    /** Ends with the result of its second step. Without get() both steps are sent at once. */
+    /** Ends with the result of its second step. Both steps are sent at once, in all forms. */
     Call<SafeBrowsingResult> startSafeBrowsing(std::string config) const {
         return {core, twoSteps,
                 starterOf<SafeBrowsingResult, KelvarisSDK_StartSafeBrowsing>(std::move(config))};
