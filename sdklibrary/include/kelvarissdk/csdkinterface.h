@@ -45,9 +45,11 @@
  *     LOCKED_BY_ACCOUNT (3848); a lock for any other reason ends it with `error` false and a record that
  *     holds no report. The time-out is 5 seconds where a block names no other. It begins with the call;
  *     while callbacks of the handle run, it begins when they have returned. It guards the wait for the
- *     first report only: a report that doesn't finish the call, or the lock of another setting, ends the
- *     guard, and the call then waits without limit. No time-out comes while the library looks up the
- *     address, connects, or waits for the daemon to complete the upgrade, none of which it limits.
+ *     first report only: the report of a server before the connection stands, or the lock of another
+ *     setting, ends the guard, and the call then waits without limit. A state that doesn't end the call
+ *     leaves the guard, as do settings of safe browsing that aren't initialized yet. No time-out comes while
+ *     the library looks up the address, connects, or waits for the daemon to complete the upgrade, none of
+ *     which it limits.
  *     Memory that runs out ends a call with SDK (3840), "Error from SDK", and nothing of the call is sent;
  *     when it runs out on the reader thread, the link is lost and made again, and the calls that wait for
  *     their reports end by their time-outs. The handle stays usable. One C++ exception can leave the
