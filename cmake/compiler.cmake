@@ -21,11 +21,11 @@ elseif(NOT KELVARIS_SANITIZE)
     # The release build is hardened: checked libc calls, stack protector, full RELRO; PIE by position-independent code.
     target_compile_options(kelvaris_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
     target_link_options(kelvaris_options INTERFACE -Wl,-z,relro,-z,now)
-    # Nothing that isn't used is kept, and relocations are packed where the linker can.
+    # Nothing that isn't used is kept, and relocations are packed where the linker can. One that can't only warns.
     target_compile_options(kelvaris_options INTERFACE -ffunction-sections -fdata-sections)
     target_link_options(kelvaris_options INTERFACE -Wl,--gc-sections)
     include(CheckLinkerFlag)
-    check_linker_flag(CXX -Wl,-z,pack-relative-relocs HAS_PACKED_RELOCATIONS)
+    check_linker_flag(CXX -Wl,--fatal-warnings,-z,pack-relative-relocs HAS_PACKED_RELOCATIONS)
     if(HAS_PACKED_RELOCATIONS)
         target_link_options(kelvaris_options INTERFACE -Wl,-z,pack-relative-relocs)
     endif()

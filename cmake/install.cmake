@@ -1,4 +1,4 @@
-# What is installed, in three components: the tool, the library, and what programs that link it need.
+# What is installed, in four components: the tool, the library, what programs that link it need, and the simulated daemon.
 include(CMakePackageConfigHelpers)
 
 set(cmake_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KelvarisSDK)
@@ -28,52 +28,25 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVe
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVersion.cmake
     DESTINATION ${cmake_package_dir} COMPONENT dev)
-# The .pc file finds the tree from where it stands itself, so that the tree can be moved.
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
-    BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pc_to_prefix)
+# The .pc file finds the tree from where it stands itself, so that the tree can be moved. In the system's own tree it
+# names no folders: every compiler searches them, and a flag would put them in front of the folders of the program.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(pc_prefix /usr)
+    set(pc_libs -lkelvarissdk)
+    set(pc_cflags)
+else()
+    cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+        BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pc_to_prefix)
+    set(pc_prefix "\${pcfiledir}/${pc_to_prefix}")
+    set(pc_libs "-L\${libdir} -lkelvarissdk")
+    set(pc_cflags " -I\${includedir}")
+endif()
 configure_file(cmake/kelvarissdk.pc.in kelvarissdk.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kelvarissdk.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libkelvarissdk-dev/examples COMPONENT dev)
 if(TARGET kelvarissim)
-    install(TARGETS kelvarissim RUNTIME COMPONENT dev)
-    install(FILES docs/kelvarissim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
-    install_completions(kelvarissim dev)
+    install(TARGETS kelvarissim RUNTIME COMPONENT simulator)
+    install(FILES docs/kelvarissim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)
+    install_completions(kelvarissim simulator)
 endif()
-
-# One Debian package a component: cpack -G DEB in the build folder.
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME kelvaris)
-set(CPACK_PACKAGE_VENDOR Kelvaris)
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # or it would stand above each package's own line
-set(CPACK_PACKAGE_CONTACT "Kelvaris maintainers <maintainers@kelvaris.invalid>")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL cli lib dev)
-set(CPACK_COMPONENTS_GROUPING IGNORE)
-set(CPACK_STRIP_FILES ON)
-set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE ${KELVARIS_BUILD})
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-if(HAS_PACKED_RELOCATIONS)
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.36)") # the first that reads them, which the symbols don't tell
-endif()
-
-set(own_version "${PROJECT_VERSION}-${KELVARIS_BUILD}")
-set(CPACK_DEBIAN_CLI_PACKAGE_NAME kelvaris-cli)
-set(CPACK_DEBIAN_CLI_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_CLI_PACKAGE_SUGGESTS bash-completion)
-set(CPACK_COMPONENT_CLI_DESCRIPTION "Command-line client of the Kelvaris VPN daemon")
-set(CPACK_DEBIAN_LIB_PACKAGE_NAME libkelvarissdk${PROJECT_VERSION_MAJOR})
-set(CPACK_DEBIAN_LIB_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_LIB_DESCRIPTION "Client library of the Kelvaris VPN daemon")
-set(CPACK_DEBIAN_DEV_PACKAGE_NAME libkelvarissdk-dev)
-set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
-    "libkelvarissdk${PROJECT_VERSION_MAJOR} (= ${own_version})" ${CPACK_DEBIAN_PACKAGE_DEPENDS})
-list(JOIN CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", " CPACK_DEBIAN_DEV_PACKAGE_DEPENDS)
-set(CPACK_COMPONENT_DEV_DESCRIPTION
-    "Client library of the Kelvaris VPN daemon: headers, simulated daemon, examples")
-include(CPack)

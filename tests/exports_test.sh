@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
-# Compares the library's dynamic symbols with the functions that the headers declare, and looks for a block above each
-# function, record and enumeration. With the tool as well, both have to be self-contained.
+# Compares the library's dynamic symbols with the functions that the headers declare, each of which carries the library's
+# major version, and looks for a block above each function, record and enumeration. With the tool as well, both have to be self-contained.
 # Usage: LIBRARY INCLUDE_FOLDER [TOOL]
 set -euo pipefail
 
-exported=$(nm -D --defined-only "$1" | awk '{ print $3 }' | sort)
+node=KELVARISSDK_$(readelf -dW "$1" | sed -n 's/.*SONAME.*\.so\.\(.*\)\]/\1/p')
+exported=$(nm -D --defined-only "$1" | awk -v node="$node" '
+    $3 == node && $2 == "A" { next } # names the version itself
+    { print sub("@@" node "$", "", $3) ? $3 : $3 " without " node }' | sort)
 declared=$(cat "$2"/kelvarissdk/*.h | grep -v '^#' | tr '\n' ' ' | grep -oE 'KELVARISSDK_API [^;]*;' |
     sed -E 's/^[^(]*(KelvarisSDK_[A-Za-z0-9_]+)\(.*/\1/' | sort)
 
@@ -22,7 +25,7 @@ if [ -n "$undocumented" ]; then
 fi
 # Everything else among the dynamic symbols belongs to libc, libm, the loader or the unwinder.
 self_contained() { # FILE NEEDED
-    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|__gmon_start__)| T KelvarisSDK_' || true)
+    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|__gmon_start__)|@@KELVARISSDK_| A KELVARISSDK_' || true)
     foreign+=$(readelf -dW "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vxE "$2" || true)
     if [ -n "$foreign" ]; then
         echo "$1 isn't self-contained:"

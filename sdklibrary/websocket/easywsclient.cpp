@@ -334,7 +334,8 @@ private:
     // True: partialMessage is a whole message. False: its rest has to come first.
     bool takeMessage() {
         while (!rxFailed && (dataFrame || takeHeader())) {
-            appendPayload(std::min<std::uint64_t>(dataFrame->length, rxBuffer.size()));
+            appendPayload(
+                static_cast<std::size_t>(std::min<std::uint64_t>(dataFrame->length, rxBuffer.size())));
             if (dataFrame->length > 0) {
                 return false;
             }

@@ -126,6 +126,7 @@
 #include <kelvarissdk/settings.h>
 #include <kelvarissdk/telemetry.h>
 #include <kelvarissdk/types.h>
+#include <kelvarissdk/version.h>
 
 #ifdef __cplusplus
 extern "C" {
