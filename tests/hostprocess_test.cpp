@@ -89,8 +89,8 @@ TEST(HostProcess, MayForkInACallback) {
 
 // The child's one thread is a copy of the handle's own, so the child ends with it.
 TEST(HostProcess, ChildOfACallbackEndsWithIt) {
-    if (!childMayStartThreads) {
-        GTEST_SKIP() << "the thread sanitizer doesn't know the thread that ends here";
+    if (isSanitized) {
+        GTEST_SKIP() << "a sanitizer doesn't know the thread that ends here";
     }
     Step const version{"request_version_data", "null", {report("version_data", "{}")}};
     ScriptedDaemon daemon({version, version, version}, noName);
@@ -131,7 +131,7 @@ TEST(HostProcess, MayCancelAThreadThatDestroys) {
 
 // The first look-up fills the table, and each takes the table's lock.
 TEST(HostProcess, MayForkWhileItNamesPlaces) {
-    if (allocatorMayHang) {
+    if (isSanitized) {
         GTEST_SKIP() << "the sanitizer's allocator isn't free in such a child";
     }
     KelvarisSDK_ServerInformation const place{"us", "nyc", 0, false};

@@ -284,6 +284,8 @@ void quietLinks(std::chrono::milliseconds duration) {
 
 // This address sanitizer doesn't take the locks of its allocator before a fork, so that a child may wait for a thread that
 // only the parent has. Such a child is ended by its alarm.
+constexpr bool allocatorMayHang = std::string_view(SANITIZED_BY).starts_with("address");
+
 void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     int const status = inChild([&] {
         lacksMemory = false;

@@ -16,11 +16,12 @@ constexpr bool childMayStartThreads = false;
 constexpr bool childMayStartThreads = true;
 #endif
 
-// A sanitizer's allocator may be at work for another thread when a child is made, and the child then waits for it.
+// A sanitizer's allocator may be at work for another thread when a child is made, and the child then waits for it. Nor does a
+// sanitizer know the first thread of a child that another one than main() has forked off.
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-constexpr bool allocatorMayHang = true;
+constexpr bool isSanitized = true;
 #else
-constexpr bool allocatorMayHang = false;
+constexpr bool isSanitized = false;
 #endif
 
 // Ends a child that hangs. One that a callback forks off inherits the signals that the library's thread blocks.
