@@ -402,18 +402,18 @@ bool sameAs(Held const& before, char const* stage) {
 
 } // namespace
 
-// These stand in for the library's as well.
-[[gnu::visibility("default")]] void* operator new(std::size_t size) {
+// These stand in for the library's as well. Inlined, they would look to the compiler like a mismatch of new and free.
+[[gnu::visibility("default"), gnu::noinline]] void* operator new(std::size_t size) {
     void* const memory = allocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
     return memory;
 }
-[[gnu::visibility("default")]] void operator delete(void* memory) noexcept {
+[[gnu::visibility("default"), gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-[[gnu::visibility("default")]] void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::visibility("default"), gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
