@@ -58,7 +58,7 @@ bool allocationFails() {
         long const left = untilFailure--;
         return left == 1 || (left < 1 && failsOn);
     }
-    dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
+    dice = (dice * 6364136223846793005 + 1442695040888963407) ^ reinterpret_cast<unsigned long>(&dice);
     return (dice >> 33) % 2000 == 0 && ++failedAllocations;
 }
 
