@@ -47,6 +47,7 @@ TEST(Faults, LossThatSendingShowsIsNotWaitedOut) {
     Sdk sdk(daemon);
     inCallback(sdk.handle(), [&] {
         daemon.dropConnection();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // until the reset has come
         EventDescription lost = awaiting("nothing", 60'000, {"lost"});
         sdk.link().getResult(lost, [](auto&&...) { return true; });
     });

@@ -10,9 +10,9 @@
 
 using namespace harness;
 
-// The thread sanitizer would let every process sleep for a second at its end, and end a child that starts threads.
+// The thread sanitizer would let every process sleep for a second at its end.
 extern "C" [[gnu::visibility("default")]] char const* __tsan_default_options() {
-    return "atexit_sleep_ms=0:die_after_fork=0";
+    return "atexit_sleep_ms=0";
 }
 
 namespace {
@@ -65,7 +65,9 @@ TEST(HostProcess, KeepsItsSignals) {
 TEST(HostProcess, MayFork) {
     Step const version{"request_version_data", "null", {report("version_data", "{}")}};
     Step const statistics{"stat_subscribe", R"({"enable":true})"};
-    ScriptedDaemon daemon({statistics, statistics, version, version, version, version}, noName);
+    std::vector<Step> exchange = {statistics, statistics};
+    exchange.resize(childMayStartThreads ? 6 : 4, version);
+    ScriptedDaemon daemon(exchange, noName);
     Handle const handle(daemon.port());
     KelvarisSDK_EnableStatUpdates(handle.sdk, true, 0, nullptr);
     daemon.waitForRequest("stat_subscribe");
@@ -87,6 +89,9 @@ TEST(HostProcess, MayForkInACallback) {
 
 // The child's one thread is a copy of the handle's own, so the child ends with it.
 TEST(HostProcess, ChildOfACallbackEndsWithIt) {
+    if (isSanitized) {
+        GTEST_SKIP() << "a sanitizer doesn't know the thread that ends here";
+    }
     Step const version{"request_version_data", "null", {report("version_data", "{}")}};
     ScriptedDaemon daemon({version, version, version}, noName);
     Handle const handle(daemon.port());
@@ -126,6 +131,9 @@ TEST(HostProcess, MayCancelAThreadThatDestroys) {
 
 // The first look-up fills the table, and each takes the table's lock.
 TEST(HostProcess, MayForkWhileItNamesPlaces) {
+    if (isSanitized) {
+        GTEST_SKIP() << "the sanitizer's allocator isn't free in such a child";
+    }
     KelvarisSDK_ServerInformation const place{"us", "nyc", 0, false};
     std::atomic<bool> goesOn = true;
     auto names = std::async(std::launch::async, [&] {

@@ -41,8 +41,12 @@ std::atomic<long> hungForks = 0;
 std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
 
-// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it.
+// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it. That is a
+// matter of luck, or of a count.
 std::atomic<bool> lacksMemory = false;
+std::atomic<bool> isCounted = false;
+std::atomic<bool> failsOn = false; // behind the one counted too
+std::atomic<long> untilFailure = 0;
 thread_local bool isInside = false;
 
 bool allocationFails() {
@@ -50,8 +54,12 @@ bool allocationFails() {
     if (!lacksMemory || (!isInside && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
         return false;
     }
-    dice = dice * 6364136223846793005 + reinterpret_cast<unsigned long>(&dice) + 1442695040888963407;
-    return (dice >> 33) % 1000 == 0 && ++failedAllocations;
+    if (isCounted) {
+        long const left = untilFailure--;
+        return left == 1 || (left < 1 && failsOn);
+    }
+    dice = (dice * 6364136223846793005 + 1442695040888963407) ^ reinterpret_cast<unsigned long>(&dice);
+    return (dice >> 33) % 2000 == 0 && ++failedAllocations;
 }
 
 // Inside a callback a subscription keeps the code of its last error when its reports come again.
@@ -84,19 +92,11 @@ struct Waiting {
     KelvarisSDK_Handle* sdk = nullptr;
     uint64_t id = 0;
     unsigned count = 0;
-    bool isRefused = false;
-
-    void note(KelvarisSDK_BaseResult const& returned) {
-        judge(returned);
-        id = returned.callbackId;
-        isRefused = returned.error;
-    }
 };
 
 template <class T> bool deliver(T result, void* userData) {
     auto& waiting = *static_cast<Waiting*>(userData);
     ++deliveries;
-    wrong += waiting.isRefused ? 1 : 0;
     judge(result.base, true);
     if (++waiting.count % 16 == 0) {
         int const code = KelvarisSDK_GetState(waiting.sdk, nullptr, nullptr).base.errorCode;
@@ -300,8 +300,7 @@ void fork(KelvarisSDK_Handle* sdk, std::uint16_t port) {
     ++forks;
 }
 
-// Makes a handle and calls on it, all without memory, and gives it back with nothing left of the calls.
-KelvarisSDK_Handle* useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
+void useWithoutMemory(std::uint16_t port, std::uint16_t steadyPort, Random& random) {
     isInside = true;
     KelvarisSDK_Handle* const sdk =
         KelvarisSDK_CreateWithSettings({.appName = "stress", .address = "127.0.0.1", .port = port});
@@ -313,18 +312,12 @@ KelvarisSDK_Handle* useWithoutMemory(std::uint16_t port, std::uint16_t steadyPor
     Waiting adapters{.sdk = sdk};
     isInside = true;
     KelvarisSDK_EnableStatUpdates(sdk, true, 0, nullptr);
-    connections.note(KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base);
-    adapters.note(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
+    connections.id = KelvarisSDK_GetConnectionStats(sdk, deliver, &connections).base.callbackId;
+    judge(KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base);
     judge(KelvarisSDK_SetJumboPackets(sdk, true, nullptr, nullptr).base);
     judge(KelvarisSDK_GetDirectory(sdk, nullptr, nullptr).base);
     isInside = false;
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 50));
-    KelvarisSDK_UnregisterCallback(sdk, connections.id);
-    KelvarisSDK_UnregisterCallback(sdk, adapters.id);
-    return sdk;
-}
-
-void destroyWithoutMemory(KelvarisSDK_Handle* sdk) {
     isInside = true;
     KelvarisSDK_Destroy(sdk);
     isInside = false;
@@ -337,29 +330,50 @@ void trouble(std::chrono::milliseconds duration) {
     std::uint16_t const port = restarted->port;
     auto const goesOn = during(duration);
     lacksMemory = true;
-    std::jthread restarter([&] {
+    std::jthread const restarter([&] {
         for (; goesOn(); ++restarts) {
             std::this_thread::sleep_for(std::chrono::milliseconds(700));
             restarted.reset();
             restarted.emplace(options, port);
         }
     });
-    std::array<std::atomic<KelvarisSDK_Handle*>, 50> survivors = {};
     inThreads(goesOn, [&](Random& random) {
-        KelvarisSDK_Handle* const sdk =
-            useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
-        destroyWithoutMemory(survivors[random() % survivors.size()].exchange(sdk));
+        useWithoutMemory(random() % 2 == 0 ? port : steady.port, steady.port, random);
     });
-    restarter.join();
     lacksMemory = false;
-    for (KelvarisSDK_Handle* const sdk : survivors) {
-        KelvarisSDK_BaseResult const base = KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base;
-        wrong += sdk == nullptr && base.errorCode != KelvarisSDK_ErrorType_SDK ? 1 : 0;
-        if (sdk != nullptr) {
-            judge(base);
+}
+
+// Each allocation fails, alone and with all behind it, from the making of a handle to a call's delivery. Then the handle
+// works, or is none, and a call that was refused is delivered to nobody.
+void everyAllocation(long step) {
+    Simulator const quiet({"--interval", "3600000"});
+    isCounted = true;
+    for (bool const andLater : {false, true}) {
+        for (long n = 1; untilFailure < 1; n += step) {
+            failsOn = andLater;
+            untilFailure = n;
+            lacksMemory = isInside = true;
+            KelvarisSDK_Handle* const sdk = KelvarisSDK_CreateWithSettings(
+                {.appName = "stress", .address = "127.0.0.1", .port = quiet.port});
+            Waiting adapters{.sdk = sdk};
+            bool const isRefused = KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base.error;
+            isInside = false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            lacksMemory = false;
+            KelvarisSDK_BaseResult const later = KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base;
+            KelvarisSDK_Destroy(sdk);
+            bool const isRight =
+                later.errorCode ==
+                static_cast<int>(sdk == nullptr ? KelvarisSDK_ErrorType_SDK : KelvarisSDK_ErrorType_NO_ERROR);
+            if (!isRight || (isRefused && adapters.count > 0)) {
+                ++wrong;
+                std::fprintf(stderr, "stress: without allocation %ld%s\n", n, andLater ? " and later" : "");
+            }
+            ++failedAllocations;
         }
-        KelvarisSDK_Destroy(sdk);
+        untilFailure = 0;
     }
+    isCounted = false;
 }
 
 // The kernel counts a thread for a moment after it has been joined.
@@ -388,18 +402,18 @@ bool sameAs(Held const& before, char const* stage) {
 
 } // namespace
 
-// These stand in for the library's as well.
-[[gnu::visibility("default")]] void* operator new(std::size_t size) {
+// These stand in for the library's as well. Inlined, they would look to the compiler like a mismatch of new and free.
+[[gnu::visibility("default"), gnu::noinline]] void* operator new(std::size_t size) {
     void* const memory = allocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
     return memory;
 }
-[[gnu::visibility("default")]] void operator delete(void* memory) noexcept {
+[[gnu::visibility("default"), gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-[[gnu::visibility("default")]] void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::visibility("default"), gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
@@ -416,6 +430,7 @@ int main(int argc, char** argv) {
     mixedCalls(std::chrono::seconds(seconds));
     quietLinks(std::chrono::seconds(seconds));
     trouble(std::chrono::seconds(seconds));
+    everyAllocation(seconds < 10 ? 5 : 1);
     bool const tidy = sameAs(before, "calls");
     createAndDestroy(rounds);
     bool const tidyAgain = sameAs(before, "rounds");
