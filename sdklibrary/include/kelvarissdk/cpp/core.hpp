@@ -91,6 +91,7 @@ public:
     // Guarded by the mutex:
     bool settled = false;    // nothing more is taken from the library
     bool closed = false;     // the callable must not run again
+    bool forgotten = false;  // a thread gives the callable back, or has
     bool enrolling = false;  // its call of the C interface hasn't returned
     bool registered = false; // the library may call back, and `id` says by which id
     std::uint64_t id = 0;

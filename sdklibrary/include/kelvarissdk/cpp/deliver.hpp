@@ -102,7 +102,8 @@ inline void Core::run(OperationPtr const& operation, Lock& lock) {
         --operation->owed;
         operation->runFirst(lock);
     }
-    if (operation->settled && (operation->closed || !operation->stream)) {
+    bool const isOver = operation->settled && (operation->closed || !operation->stream);
+    if (isOver && !std::exchange(operation->forgotten, true)) {
         lock.unlock();
         operation->forgetCallable(); // here, where what it owns may still end the client
         lock.lock();

@@ -166,14 +166,15 @@ inline void Core::end(Operation& operation) {
     while (operation.running && operation.runner != std::this_thread::get_id()) {
         ran.wait(lock);
     }
-    bool const inside = operation.running;
+    // In the callable itself, the thread that runs it gives it back afterwards.
+    bool const forgets = !operation.running && !std::exchange(operation.forgotten, true);
     if (operation.registered) {
         discard(operation);
     } else if (!operation.hasCall()) {
         live.erase(&operation);
     }
     lock.unlock();
-    if (!inside) {
+    if (forgets) {
         operation.forgetCallable();
     }
 }
