@@ -52,28 +52,41 @@ private:
     int previous = PTHREAD_CANCEL_ENABLE;
 };
 
-// Makes a call. A handle without a link to the daemon of its own, because it is null or a parent process owns it,
-// and memory that runs out end in a record that says so.
+// What fills the head of a record with the reason why a call failed.
+using Reason = void (*)(KelvarisSDK_BaseResult*);
+
+// Returns why a call isn't made, or null. A handle has no link to the daemon of its own when it is null or a parent
+// process owns it. It is not inlined, because each of the functions below would grow by it.
+[[gnu::noinline]] Reason whyNot(KelvarisSDK_Handle* sdk, bool lacksArgument) {
+    if (sdk == nullptr || object(sdk)->isInherited()) {
+        return kelvarissdk::noWebsocketImplementation;
+    }
+    return lacksArgument ? kelvarissdk::invalidArgument : nullptr;
+}
+
+// Makes a call, unless there is a reason not to. Memory that runs out ends in a record that says so. There is one
+// place that fills a refused call's record, as what stands here is compiled for each function.
+template <auto method, class... Arguments>
+auto callUnless(Reason reason, KelvarisSDK_Handle* sdk, Arguments... arguments) {
+    using Result = std::invoke_result_t<decltype(method), KelvarisSDK&, Arguments...>;
+    if (reason == nullptr) {
+        try {
+            return std::invoke(method, *object(sdk), arguments...);
+        } catch (std::exception const&) {
+            reason = kelvarissdk::setSdkError;
+        }
+    }
+    return kelvarissdk::refused<Result>(reason);
+}
+
 template <auto method, class... Arguments>
 auto callWithOptionalText(KelvarisSDK_Handle* sdk, Arguments... arguments) {
-    using Result = std::invoke_result_t<decltype(method), KelvarisSDK&, Arguments...>;
-    if (sdk == nullptr || object(sdk)->isInherited()) {
-        return kelvarissdk::refused<Result>(kelvarissdk::noWebsocketImplementation);
-    }
-    try {
-        return std::invoke(method, *object(sdk), arguments...);
-    } catch (std::exception const&) {
-        return kelvarissdk::refused<Result>(kelvarissdk::setSdkError);
-    }
+    return callUnless<method>(whyNot(sdk, false), sdk, arguments...);
 }
 
 // The same for a method whose texts and arrays have to be there.
 template <auto method, class... Arguments> auto call(KelvarisSDK_Handle* sdk, Arguments... arguments) {
-    if (sdk != nullptr && !object(sdk)->isInherited() && lacksOne(arguments...)) {
-        using Result = std::invoke_result_t<decltype(method), KelvarisSDK&, Arguments...>;
-        return kelvarissdk::refused<Result>(kelvarissdk::invalidArgument);
-    }
-    return callWithOptionalText<method>(sdk, arguments...);
+    return callUnless<method>(whyNot(sdk, lacksOne(arguments...)), sdk, arguments...);
 }
 
 // Starting and stopping safe browsing take two requests, and an asynchronous caller's callback runs for both answers. When
