@@ -56,6 +56,7 @@ std::array<Description, 4> const table = {{
 
 std::vector<Character> characters() {
     std::vector<Character> all;
+    all.reserve(table.size());
     for (Description const& each : table) {
         all.push_back(each.character);
     }
