@@ -306,9 +306,13 @@ TEST(SimulatedTraffic, LimitsFill) {
     traffic.link.send(R"(set_network_priority {"network":"wlan0","priority":2})");
     traffic.link.send(R"(set_network_priority {"network":"eth1","priority":2})");
     Tick tick = traffic.tick();
+    while (tick.networks[3]["priority"] != 2) { // time passes meanwhile
+        tick = traffic.tick();
+    }
+    Json::Int64 const before = tick.usage(1);
     for (int i = 0; i < 500 && (tick.usage(0, "usageDaily") < 30'000'000 || tick.usage(2) < 16'210'000'000);
          ++i) {
-        EXPECT_EQ(tick.usage(1), 0) << "a backup carried something before the others were full";
+        EXPECT_EQ(tick.usage(1), before) << "a backup carried something before the others were full";
         tick = traffic.tick();
     }
     tick = traffic.ticks(2).back();
