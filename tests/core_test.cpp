@@ -59,37 +59,6 @@ TEST(Product, PlaceholderIsReplaced) {
     EXPECT_STREQ(replaceProductString("{kelvarisProductName}"), "Kelvaris");
 }
 
-// This process has the secret in two pieces, so that whoever has both in a row has a copy of the prompt's.
-TEST(Login, PromptLeavesNoCopy) {
-    std::string_view const pieces[] = {"nothing is", " left of it", "\n"};
-    int const keyboard = posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_EQ(unlockpt(keyboard), 0);
-    dup2(open(ptsname(keyboard), O_RDWR | O_NOCTTY), STDIN_FILENO);
-    for (std::string_view const piece : pieces) {
-        ASSERT_EQ(write(keyboard, piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
-    }
-    char secret[32];
-    readPrivate("", secret, sizeof(secret));
-    EXPECT_EQ(std::string_view(secret).find(pieces[1]), pieces[0].size());
-    explicit_bzero(secret, sizeof(secret));
-
-    std::ifstream maps("/proc/self/maps");
-    std::ifstream memory("/proc/self/mem");
-    for (std::string line; std::getline(maps, line);) {
-        std::size_t start = 0, end = 0;
-        // What is larger belongs to a sanitizer.
-        if (std::sscanf(line.c_str(), "%zx-%zx rw", &start, &end) == 2 && end - start < 1 << 28) {
-            std::string part(end - start, '\0');
-            memory.seekg(static_cast<std::streamoff>(start));
-            memory.read(part.data(), static_cast<std::streamsize>(part.size()));
-            memory.clear();
-            for (std::size_t at = 0; (at = part.find(pieces[0], at)) != std::string::npos; ++at) {
-                EXPECT_NE(part.compare(at + pieces[0].size(), pieces[1].size(), pieces[1]), 0) << line;
-            }
-        }
-    }
-}
-
 // At a terminal nothing shows of the secret, and the terminal echoes again whatever the end. Behind the prompt signals
 // have their own effect again; an ignored one stays ignored.
 TEST(Login, PromptIsSilent) {

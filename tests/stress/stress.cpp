@@ -41,22 +41,14 @@ std::atomic<long> hungForks = 0;
 std::atomic<long> restarts = 0;
 std::atomic<long> failedAllocations = 0;
 
-// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it. That is a
-// matter of luck, or of a count.
+// Memory runs out for the library alone: on the threads of its own, and on others while they are inside it.
 std::atomic<bool> lacksMemory = false;
-std::atomic<bool> isCounted = false;
-std::atomic<bool> failsOn = false; // behind the one counted too
-std::atomic<long> untilFailure = 0;
 thread_local bool isInside = false;
 
 bool allocationFails() {
     static constinit thread_local unsigned long dice = 1; // differs by what each thread does
     if (!lacksMemory || (!isInside && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
         return false;
-    }
-    if (isCounted) {
-        long const left = untilFailure--;
-        return left == 1 || (left < 1 && failsOn);
     }
     dice = (dice * 6364136223846793005 + 1442695040888963407) ^ reinterpret_cast<unsigned long>(&dice);
     return (dice >> 33) % 2000 == 0 && ++failedAllocations;
@@ -343,39 +335,6 @@ void trouble(std::chrono::milliseconds duration) {
     lacksMemory = false;
 }
 
-// Each allocation fails, alone and with all behind it, from the making of a handle to a call's delivery. Then the handle
-// works, or is none, and a call that was refused is delivered to nobody.
-void everyAllocation(long step) {
-    Simulator const quiet({"--interval", "3600000"});
-    isCounted = true;
-    for (bool const andLater : {false, true}) {
-        for (long n = 1; untilFailure < 1; n += step) {
-            failsOn = andLater;
-            untilFailure = n;
-            lacksMemory = isInside = true;
-            KelvarisSDK_Handle* const sdk = KelvarisSDK_CreateWithSettings(
-                {.appName = "stress", .address = "127.0.0.1", .port = quiet.port});
-            Waiting adapters{.sdk = sdk};
-            bool const isRefused = KelvarisSDK_GetAdapters(sdk, deliver, &adapters).base.error;
-            isInside = false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            lacksMemory = false;
-            KelvarisSDK_BaseResult const later = KelvarisSDK_GetVersion(sdk, nullptr, nullptr).base;
-            KelvarisSDK_Destroy(sdk);
-            bool const isRight =
-                later.errorCode ==
-                static_cast<int>(sdk == nullptr ? KelvarisSDK_ErrorType_SDK : KelvarisSDK_ErrorType_NO_ERROR);
-            if (!isRight || (isRefused && adapters.count > 0)) {
-                ++wrong;
-                std::fprintf(stderr, "stress: without allocation %ld%s\n", n, andLater ? " and later" : "");
-            }
-            ++failedAllocations;
-        }
-        untilFailure = 0;
-    }
-    isCounted = false;
-}
-
 // The kernel counts a thread for a moment after it has been joined.
 struct Held {
     std::ptrdiff_t descriptors = count("/proc/self/fd");
@@ -430,7 +389,6 @@ int main(int argc, char** argv) {
     mixedCalls(std::chrono::seconds(seconds));
     quietLinks(std::chrono::seconds(seconds));
     trouble(std::chrono::seconds(seconds));
-    everyAllocation(seconds < 10 ? 5 : 1);
     bool const tidy = sameAs(before, "calls");
     createAndDestroy(rounds);
     bool const tidyAgain = sameAs(before, "rounds");
