@@ -1,0 +1,1 @@
+"""The Kelvaris client library in Python."""
