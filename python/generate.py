@@ -231,6 +231,8 @@ class Interface:
             following = int(value.value.value, 0) if value.value else following
             members[value.name.removeprefix(f"{name}_")] = f"{following}"
             following += 1
+        if name == f"{PREFIX}ErrorType":
+            members["CANCELLED"] = "4096"  # of the public layer
         members.setdefault("UNKNOWN", "0xFFFFFFFF")
         return text + "".join(f"    {member} = {number}\n" for member, number in members.items())
 

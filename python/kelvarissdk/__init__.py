@@ -1,1 +1,12 @@
 """The Kelvaris client library in Python."""
+
+from ._client import Client, Subscription
+from ._link import Link
+from .adapters import *
+from .errors import *
+from .lists import *
+from .safebrowsing import *
+from .session import *
+from .settings import *
+from .telemetry import *
+from .types import *

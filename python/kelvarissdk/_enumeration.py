@@ -17,3 +17,11 @@ class Enumeration(IntEnum):
 
     def __str__(self) -> str:
         return self.name
+
+    def to_string(self) -> str:
+        """The library's text for it; for UNKNOWN, the text that stands there for any other number."""
+        from ._library import library
+
+        family, _, name = type(self).__name__.rpartition("SafeBrowsing")
+        function = f"KelvarisSDK_{family or _}{'_' if _ else ''}{name}_toString"
+        return str(getattr(library(), function)(self).decode())
