@@ -1,5 +1,6 @@
 """The Kelvaris client library in Python."""
 
+from ._aio import AsyncClient, AsyncSubscription
 from ._client import Client, Subscription
 from ._link import Link
 from .adapters import *
