@@ -67,6 +67,21 @@ function bare(t) {
     return t
 }
 
+# A union is shown as its member of the widest numbers, which has the union's alignment.
+function shown(t,    i, member, width, widest, found) {
+    t = bare(t)
+    if (tag[t] != "union_type") return t
+    for (i = 1; i <= children[t]; ++i) {
+        member = bare(type[child[t, i]])
+        width = size[tag[member] == "array_type" ? bare(type[member]) : member]
+        if (width > widest) {
+            widest = width
+            found = member
+        }
+    }
+    return found
+}
+
 function sizeOf(t,    i, elements) {
     t = bare(t)
     if (tag[t] == "pointer_type") return pointerSize
@@ -81,7 +96,6 @@ function typeName(t) {
     t = bare(t)
     if (tag[t] == "array_type") return typeName(type[t])
     if (tag[t] == "pointer_type") return "pointer"
-    if (tag[t] == "union_type") return "union"
     if (tag[t] == "structure_type" || tag[t] == "enumeration_type") return name[t]
     if (encoding[t] ~ /boolean/) return "bool"
     if (encoding[t] ~ /float/) return size[t] == 4 ? "float" : "double"
@@ -104,7 +118,7 @@ function writeRecord(record,    i, field, t, dimensions, inner, text) {
         field = child[record, i]
         if (tag[field] != "member") continue
         text = text (text ? "," : "") sprintf("\n\t\t\t\t{\"name\": \"%s\", \"offset\": %d, \"size\": %d, \"type\": \"%s\"%s}",
-            name[field], offset[field], sizeOf(type[field]), typeName(type[field]), dimensionsOf(type[field]))
+            name[field], offset[field], sizeOf(type[field]), typeName(shown(type[field])), dimensionsOf(shown(type[field])))
     }
     printf "%s\n\t\t\"%s\": {\n\t\t\t\"size\": %d,\n\t\t\t\"fields\": [%s\n\t\t\t]\n\t\t}",
         separator, name[record], size[record], text
