@@ -28,6 +28,8 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVe
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KelvarisSDKConfigVersion.cmake
     DESTINATION ${cmake_package_dir} COMPONENT dev)
+# It differs between machines, as the library does.
+install(FILES ${CMAKE_BINARY_DIR}/kelvarissdk-abi.json DESTINATION ${CMAKE_INSTALL_LIBDIR}/kelvarissdk COMPONENT dev)
 # The .pc file finds the tree from where it stands itself, so that the tree can be moved. In the system's own tree it
 # names no folders: every compiler searches them, and a flag would put them in front of the folders of the program.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

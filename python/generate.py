@@ -265,7 +265,7 @@ class Interface:
         text += "".join(f"{name} = {number}\n" for name, number in sorted(numbers))
         text += "".join(map(self.python_enumeration, self.enumerations))
         text += "".join(map(self.python_structure, self.structures))
-        text += "\n\n# Who makes one keeps it for as long as the library may call it; each called without argument is null.\n"
+        text += "\n\n# Who makes one keeps it while the library may call it. Made without an argument it is null.\n"
         for name, function in self.callbacks.items():
             arguments = [self.returned(function), *self.arguments(function)]
             text += listed(f"{short(name)} = ctypes.CFUNCTYPE(", arguments, ")")

@@ -1079,7 +1079,7 @@ class VersionResult(ctypes.Structure):
     ]
 
 
-# Who makes one keeps it for as long as the library may call it; each called without argument is null.
+# Who makes one keeps it while the library may call it. Made without an argument it is null.
 StateCallback = ctypes.CFUNCTYPE(ctypes.c_bool, StateResult, ctypes.c_void_p)
 AdaptersCallback = ctypes.CFUNCTYPE(ctypes.c_bool, AdaptersResult, ctypes.c_void_p)
 FirewallSettingsCallback = ctypes.CFUNCTYPE(ctypes.c_bool, FirewallSettingsResult, ctypes.c_void_p)
