@@ -16,6 +16,8 @@ from ._operations import Items, Once, Operation
 
 R = TypeVar("R")
 
+_os: Any = os  # the type checker of Debian 12 doesn't know its descriptors of events
+
 # So many reports may be taken in a row before the other tasks of the loop get their turn.
 _TURN = 64
 
@@ -67,20 +69,20 @@ class Wakes:
         self.core = core
         self.loop = asyncio.get_running_loop()
         self.ready: deque[Awaited | AsyncItems] = deque()
-        self.descriptor = os.eventfd(0, os.EFD_CLOEXEC | os.EFD_NONBLOCK)
+        self.descriptor = _os.eventfd(0, _os.EFD_CLOEXEC | _os.EFD_NONBLOCK)
         self.loop.add_reader(self.descriptor, self.drain)
 
     def put(self, operation: Awaited | AsyncItems) -> None:
         """With the mutex held; from any thread."""
         self.ready.append(operation)
         if len(self.ready) == 1 and self.descriptor >= 0:
-            os.eventfd_write(self.descriptor, 1)
+            _os.eventfd_write(self.descriptor, 1)
 
     def drain(self) -> None:
         """On the loop: wakes the tasks."""
         with self.core.mutex:
             if self.descriptor >= 0 and self.ready:
-                os.eventfd_read(self.descriptor)
+                _os.eventfd_read(self.descriptor)
             ready, self.ready = self.ready, deque()
             for operation in ready:
                 if isinstance(operation, AsyncItems):
@@ -254,5 +256,3 @@ class AsyncClient(Calls, Awaiting):
             with self._core.mutex:
                 self._core.link.watch(items)
         return subscription
-
-

@@ -12,7 +12,6 @@ base class says what becomes of the call: `Blocking` waits for the result, `Awai
 
 from __future__ import annotations
 
-import ctypes
 import functools
 import inspect
 import threading
@@ -30,7 +29,6 @@ if TYPE_CHECKING:
 
 P = ParamSpec("P")
 R = TypeVar("R")
-R_co = TypeVar("R_co", covariant=True)
 
 # The functions of the C interface by their names in Python.
 FUNCTIONS = {snake_case(name.removeprefix("KelvarisSDK_")): name for name in _abi.FUNCTIONS}
@@ -48,38 +46,54 @@ class Call(Generic[P, R]):
     """What a type checker sees in a description: a method that waits, or one that is awaited."""
 
     @overload
-    def __get__(self, client: Blocking, owner: object = None) -> Callable[P, R]: ...
+    def __get__(self, client: Blocking, owner: object = None) -> Callable[P, R]:
+        ...
+
     @overload
-    def __get__(self, client: Awaiting, owner: object = None) -> Callable[P, Coroutine[Any, Any, R]]: ...
+    def __get__(self, client: Awaiting, owner: object = None) -> Callable[P, Coroutine[Any, Any, R]]:
+        ...
+
     @overload
-    def __get__(self, client: None, owner: object = None) -> Callable[..., Any]: ...
-    def __get__(self, client: object, owner: object = None) -> Any: ...
+    def __get__(self, client: None, owner: object = None) -> Callable[..., Any]:
+        ...
+
+    def __get__(self, client: object, owner: object = None) -> Any:
+        ...
 
 
-class Subscribing(Protocol[R_co]):
+class Subscribing(Protocol[R]):
     """Subscribes; see `Client`."""
 
     def __call__(
-        self, call: Callable[[R_co], object] | None = None, *, keep: int | None = None
-    ) -> Subscription[R_co]: ...
+        self, call: Callable[[R], object] | None = None, *, keep: int | None = None
+    ) -> Subscription[R]:
+        ...
 
 
-class AsyncSubscribing(Protocol[R_co]):
+class AsyncSubscribing(Protocol[R]):
     """Subscribes; see `AsyncClient`."""
 
-    def __call__(self, *, keep: int | None = None) -> AsyncSubscription[R_co]: ...
+    def __call__(self, *, keep: int | None = None) -> AsyncSubscription[R]:
+        ...
 
 
 class Stream(Generic[R]):
     """What a type checker sees in a subscription's description."""
 
     @overload
-    def __get__(self, client: Blocking, owner: object = None) -> Subscribing[R]: ...
+    def __get__(self, client: Blocking, owner: object = None) -> Subscribing[R]:
+        ...
+
     @overload
-    def __get__(self, client: Awaiting, owner: object = None) -> AsyncSubscribing[R]: ...
+    def __get__(self, client: Awaiting, owner: object = None) -> AsyncSubscribing[R]:
+        ...
+
     @overload
-    def __get__(self, client: None, owner: object = None) -> Callable[..., Any]: ...
-    def __get__(self, client: object, owner: object = None) -> Any: ...
+    def __get__(self, client: None, owner: object = None) -> Callable[..., Any]:
+        ...
+
+    def __get__(self, client: object, owner: object = None) -> Any:
+        ...
 
 
 class Description:
@@ -113,8 +127,8 @@ class Description:
 
     @functools.cached_property
     def value(self) -> Callable[[Any], Any]:
-        hint = get_type_hints(self.function)["return"]
-        return converter(hint) if self.callbacks else lambda _: None
+        hint: type[Any] = get_type_hints(self.function)["return"]
+        return converter(hint)
 
     @functools.cached_property
     def symbol(self) -> Any:
@@ -147,7 +161,7 @@ class Description:
 
 def call(function: Callable[Concatenate[Any, P], R]) -> Call[P, R]:
     """A call of the C interface, described by its signature."""
-    return _method(Description(function))
+    return cast("Call[P, R]", _method(Description(function)))
 
 
 def irregular_call(
@@ -156,7 +170,7 @@ def irregular_call(
     """The same for a call that Description has to know more of."""
 
     def describe(function: Callable[Concatenate[Any, P], R]) -> Call[P, R]:
-        return _method(Description(function, callbacks, nameless=nameless))
+        return cast("Call[P, R]", _method(Description(function, callbacks, nameless=nameless)))
 
     return describe
 
@@ -177,7 +191,9 @@ def stream(read: Call[[], R]) -> Stream[R]:
     def method(self: Any, /, *given: Any, **named: Any) -> Any:
         return self._subscribe(description, *given, **named)
 
-    method.__doc__ = f"Subscribes to what `{description.function.__name__}` reads, and to each later report of it."
+    method.__doc__ = (
+        f"Subscribes to what `{description.function.__name__}` reads, and to each later report of it."
+    )
     return cast("Stream[R]", method)
 
 
@@ -244,6 +260,6 @@ def forget_parent() -> None:
 
 
 @functools.cache
-def _trampoline(kind: Callable[..., Any]) -> ctypes._CFuncPtr:
+def _trampoline(kind: Callable[..., Any]) -> Any:
     """One for each type of callback, which lives as long as the module."""
-    return cast("ctypes._CFuncPtr", kind(_arrive))
+    return kind(_arrive)

@@ -380,5 +380,3 @@ def abandon(client: Any) -> None:
     if core is not None and not core.closing and not core.forked:
         core.commands.put(core.close)
         warnings.warn(f"unclosed {type(client).__name__}", ResourceWarning, source=client)
-
-

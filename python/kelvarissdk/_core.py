@@ -158,7 +158,9 @@ class Core:
 
     def _unregister(self, operation: Operation) -> None:
         with self.mutex:
-            registered = operation.registered and operation.generation == self.generation and not self.replacing
+            registered = (
+                operation.registered and operation.generation == self.generation and not self.replacing
+            )
             operation.registered = False
         if registered:
             self.use_handle(self._unregister_id, operation.id)

@@ -103,7 +103,7 @@ class LinkWatch:
         self.watchers.append(watcher)
 
     def probed(self, probe: Probe, head: Any) -> bool:
-        waits = bool(head.error) and head.errorCode == ErrorType.NOT_CONNECTED
+        waits = bool(head.error and head.errorCode == ErrorType.NOT_CONNECTED)
         if probe is not self.probe:
             return False
         if waits:

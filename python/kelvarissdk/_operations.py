@@ -113,7 +113,8 @@ class Once(Operation):
     def result(self) -> Any:
         if self.error is not None:
             raise self.error
-        return self.description.value(self.record) if self.description else None
+        # A call that was over when it returned has no record.
+        return self.description.value(self.record) if self.description and self.record else None
 
 
 class Items(Operation):

@@ -16,12 +16,10 @@ from datetime import date, datetime, timedelta, timezone
 from functools import cache, partial
 from ipaddress import IPv4Address, IPv6Address
 from types import NoneType, UnionType
-from typing import Annotated, Any, TypeAlias, TypeVar, get_args, get_origin, get_type_hints
+from typing import Annotated, Any, TypeAlias, get_args, get_origin, get_type_hints
 
 from . import _abi
 from ._enumeration import Enumeration
-
-T = TypeVar("T")
 
 # The types of fields whose record needs more than the type: the unit of a time, or the number that means "none".
 Milliseconds: TypeAlias = Annotated[timedelta, timedelta(milliseconds=1)]
@@ -68,9 +66,9 @@ def _day(moment: _abi.tm) -> date | None:
         return None
 
 
-def _address(kind: type[T], record: Any) -> T | None:
+def _address(kind: Any, record: Any) -> Any:
     packed = bytes(record)
-    return kind(packed) if any(packed) else None  # type: ignore[call-arg]
+    return kind(packed) if any(packed) else None
 
 
 def _unless(sentinel: int, number: int) -> int | None:
@@ -80,17 +78,20 @@ def _unless(sentinel: int, number: int) -> int | None:
 def _conversion(hint: Any) -> Callable[[Any], Any] | None:
     """What makes a value of this type of a field; None where the field is one."""
     if get_origin(hint) is Annotated:
-        note = hint.__metadata__[0]
-        return partial(_duration if isinstance(note, timedelta) else _unless, note)
+        (note,) = hint.__metadata__
+        if isinstance(note, timedelta):
+            return partial(_duration, note)
+        return partial(_unless, note)
     if get_origin(hint) is UnionType:
         (hint,) = (each for each in get_args(hint) if each is not NoneType)
     if hint in (bool, int, float):
         return None
     if hint in (IPv4Address, IPv6Address):
         return partial(_address, hint)
+    plain: dict[Any, Callable[[Any], Any]] = {str: text, date: _day, datetime: _moment}
     if issubclass(hint, Enumeration):
-        return hint
-    return {str: text, date: _day, datetime: _moment}.get(hint) or converter(hint)
+        plain[hint] = hint
+    return plain.get(hint) or converter(hint)
 
 
 def _elements(convert: Callable[[Any], Any], get_count: Callable[[Any], int], record: Any, array: Any) -> Any:
@@ -102,13 +103,13 @@ def _whole(convert: Callable[[Any], Any], _record: Any, field: Any) -> Any:
 
 
 @cache
-def converter(value: type[T]) -> Callable[[Any], T]:
+def converter(value: Any) -> Callable[[Any], Any]:
     """What makes a value of the structure of the same name."""
     structure: Any = getattr(_abi, value.__name__)
     names = [name for name, _ in structure._fields_]
     spelt = {snake_case(name): name for name in names}
     hints = get_type_hints(value, include_extras=True)
-    own = [spelt[field.name] for field in fields(value)]  # type: ignore[arg-type]
+    own = [spelt[field.name] for field in fields(value)]
     get = operator.attrgetter(*own, own[0])  # one more, because of a single name it doesn't make a tuple
     conversions: list[tuple[int, Callable[[Any, Any], Any]]] = []
     for index, name in enumerate(own):
@@ -121,10 +122,10 @@ def converter(value: type[T]) -> Callable[[Any], T]:
             # The field in front of an array counts its elements in use.
             count = operator.attrgetter(names[names.index(name) - 1])
             conversions.append((index, partial(_elements, element, count)))
-        elif convert := _conversion(hint):
-            conversions.append((index, partial(_whole, convert)))
+        elif (whole := _conversion(hint)) is not None:
+            conversions.append((index, partial(_whole, whole)))
 
-    def convert(record: Any) -> T:
+    def convert(record: Any) -> Any:
         found = [*get(record)]
         found.pop()
         for index, conversion in conversions:
@@ -181,7 +182,9 @@ def _plain_slot(slot: Any, value: Any) -> Any:
 
 
 def _plain_hours(value: Any) -> int:
-    return _plain_number(ctypes.c_uint, value // timedelta(hours=1) if isinstance(value, timedelta) else value)
+    return _plain_number(
+        ctypes.c_uint, value // timedelta(hours=1) if isinstance(value, timedelta) else value
+    )
 
 
 def _plain_list(count: Any, item: Any, values: Iterable[Any]) -> tuple[int, Any]:
@@ -209,7 +212,7 @@ def argument_converter(types: list[Any]) -> Callable[[Iterable[Any]], list[Any]]
         if hasattr(kind, "contents"):
             continue
         if hasattr(following, "contents"):
-            steps.append(partial(_plain_list, kind, following._type_))  # type: ignore[union-attr]
+            steps.append(partial(_plain_list, kind, following._type_))
         elif kind is ctypes.c_char_p:
             steps.append(_plain_text)
         elif kind is ctypes.c_bool:

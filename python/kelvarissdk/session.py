@@ -12,7 +12,7 @@ from . import _abi
 from ._abi import AccountPaymentType, AutoConnectMethod
 from ._calls import call, irregular_call, stream
 from ._library import library
-from ._values import Minutes, NoneIfZero
+from ._values import Minutes, NoneIfZero, text
 from .types import StateResult
 
 __all__ = [
@@ -57,8 +57,8 @@ def _name(function: str, server: ServerInformation | ServerInformationDetailed) 
         server.country.encode()[:10], server.city.encode()[:20], server.num or 0, server.is_private
     )
     with _names:
-        name = getattr(library(), f"KelvarisSDK_{function}")(record)
-    return name.decode("utf-8", "replace") if name else ""
+        name = getattr(library(), f"KelvarisSDK_{function}")(record) or b""
+    return text(name)
 
 
 @dataclass(frozen=True, slots=True)
