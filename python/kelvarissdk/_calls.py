@@ -127,7 +127,7 @@ class Description:
 
     @functools.cached_property
     def value(self) -> Callable[[Any], Any]:
-        hint: type[Any] = get_type_hints(self.function)["return"]
+        hint: Any = get_type_hints(self.function)["return"]
         return converter(hint)
 
     @functools.cached_property
