@@ -186,25 +186,23 @@ def _method(description: Description) -> Any:
 
 def stream(read: Call[[], R]) -> Stream[R]:
     """The subscription to what a call reads."""
-    description = cast(Any, read).description
-
-    def method(self: Any, /, *given: Any, **named: Any) -> Any:
-        return self._subscribe(description, *given, **named)
-
-    method.__doc__ = (
-        f"Subscribes to what `{description.function.__name__}` reads, and to each later report of it."
-    )
+    read_function = cast(Any, read)
+    method = _subscriber(read_function.description)
+    method.__doc__ = f"Subscribes to what `{read_function.__name__}` reads, and to each later report of it."
     return cast("Stream[R]", method)
 
 
 def listener(function: Callable[[Any], R]) -> Stream[R]:
     """A subscription to something that can't be read."""
-    description = Description(function)
+    return cast("Stream[R]", functools.update_wrapper(_subscriber(Description(function)), function))
 
+
+def _subscriber(description: Description) -> Any:
     def method(self: Any, /, *given: Any, **named: Any) -> Any:
         return self._subscribe(description, *given, **named)
 
-    return cast("Stream[R]", functools.update_wrapper(method, function))
+    method.description = description  # type: ignore[attr-defined]
+    return method
 
 
 # ---- What the library calls, on its reader threads ----

@@ -19,9 +19,13 @@ class Enumeration(IntEnum):
         return self.name
 
     def to_string(self) -> str:
-        """The library's text for it; for UNKNOWN, the text that stands there for any other number."""
+        """
+        The library's text for it; for UNKNOWN, the text that stands there for any other number. Where the library has
+        none for the enumeration it is the name in small letters.
+        """
         from ._library import library
 
-        family, _, name = type(self).__name__.rpartition("SafeBrowsing")
-        function = f"KelvarisSDK_{family or _}{'_' if _ else ''}{name}_toString"
-        return str(getattr(library(), function)(self).decode())
+        name = type(self).__name__.replace("SafeBrowsing", "SafeBrowsing_")
+        function = getattr(library(), f"KelvarisSDK_{name}_toString", None)
+        text: bytes = function(self) if function else self.name.lower().encode()
+        return text.decode()

@@ -18,8 +18,9 @@ class KelvarisError(Exception):
     code: ErrorType = ErrorType.UNKNOWN
 
     def __init__(self, message: str = "", number: int | None = None) -> None:
-        super().__init__(message or self.code.to_string())
         self.number = int(self.code) if number is None else number
+        self.code = ErrorType(self.number)
+        super().__init__(message or self.code.to_string())
 
 
 class NoError(KelvarisError):
