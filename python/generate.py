@@ -99,7 +99,9 @@ def short(name: str) -> str:
 def documentation() -> dict[str, str]:
     """The first paragraph of the comment on each structure and enumeration of the headers."""
     found = {}
-    comment = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*(?:typedef )?(?:struct|enum) (?:\w+\()?(\w+)[^;{]*\{", re.DOTALL)
+    comment = re.compile(
+        r"/\*\*((?:(?!\*/).)*)\*/\s*(?:typedef )?(?:struct|enum) (?:\w+\()?(\w+)[^;{]*\{", re.DOTALL
+    )
     for header in sorted((HEADERS / "kelvarissdk").glob("*.h")):
         for text, name in comment.findall(header.read_text()):
             lines = [line.strip().removeprefix("*").strip() for line in text.strip().splitlines()]
