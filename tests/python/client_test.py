@@ -296,7 +296,7 @@ class Garbage(unittest.TestCase):
         self.addCleanup(stop.set)
 
         def collect():
-            while not stop.wait(0.01):
+            while not stop.wait(0.02):
                 gc.collect()
 
         with Simulator("--interval", 1) as simulator, Client(port=simulator.port) as client:
@@ -305,10 +305,10 @@ class Garbage(unittest.TestCase):
             collector.start()
             called = queue.SimpleQueue()
             kept = [client.connection_stats(called.put), client.session_stats(called.put)]
-            for _ in range(20):
+            for _ in range(8):
                 self.assertEqual(len(next(client.session_stats()).periods), 1)
                 client.get_settings()
-            for _ in range(50):
+            for _ in range(20):
                 called.get(timeout=PATIENCE)
             stop.set()
             collector.join()
