@@ -99,7 +99,7 @@ def short(name: str) -> str:
 def documentation() -> dict[str, str]:
     """The first paragraph of the comment on each structure and enumeration of the headers."""
     found = {}
-    comment = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*(?:typedef )?(?:struct|enum) (\w+)[^;{]*\{", re.DOTALL)
+    comment = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*(?:typedef )?(?:struct|enum) (?:\w+\()?(\w+)[^;{]*\{", re.DOTALL)
     for header in sorted((HEADERS / "kelvarissdk").glob("*.h")):
         for text, name in comment.findall(header.read_text()):
             lines = [line.strip().removeprefix("*").strip() for line in text.strip().splitlines()]
@@ -127,7 +127,7 @@ class Interface:
     def __init__(self) -> None:
         self.notes = documentation()
         self.typedefs: dict[str, c_ast.Node] = {}
-        self.enumerations: dict[str, c_ast.EnumeratorList] = {}
+        self.enumerations: list[c_ast.EnumeratorList] = []
         self.structures: dict[str, list[c_ast.Decl]] = {}
         self.callbacks: dict[str, c_ast.FuncDecl] = {}
         self.functions: dict[str, c_ast.FuncDecl] = {}
@@ -148,11 +148,11 @@ class Interface:
             if isinstance(inner, c_ast.Struct) and inner.decls:
                 self.structures[inner.name or node.name] = inner.decls
             elif isinstance(inner, c_ast.Enum) and inner.values:
-                self.enumerations[inner.name or node.name] = inner.values
+                self.enumerations.append(inner.values)
 
-    def enumeration_of(self, tag: str) -> str:
+    def enumeration_name(self, values: c_ast.EnumeratorList) -> str:
         """The type of an enumeration's values: the longest that the names of all of them begin with."""
-        names = [value.name for value in self.enumerations[tag].enumerators]
+        names = [value.name for value in values.enumerators]
         return max(
             (kind for kind in self.typedefs if all(name.startswith(f"{kind}_") for name in names)), key=len
         )
@@ -222,12 +222,12 @@ class Interface:
             lines[-1] += word if lines[-1].endswith('"""') else f" {word}"
         return "\n".join(lines) + ('"""\n\n' if len(lines) == 1 else '\n    """\n\n')
 
-    def python_enumeration(self, tag: str) -> str:
+    def python_enumeration(self, values: c_ast.EnumeratorList) -> str:
         """An enumeration. One without a value for unknown numbers gets one that the interface doesn't use."""
-        name = self.enumeration_of(tag)
-        text = f"\n\nclass {short(name)}(Enumeration):\n{self.docstring(tag)}"
+        name = self.enumeration_name(values)
+        text = f"\n\nclass {short(name)}(Enumeration):\n{self.docstring(name)}"
         following, members = 0, {}
-        for value in self.enumerations[tag].enumerators:
+        for value in values.enumerators:
             following = int(value.value.value, 0) if value.value else following
             members[value.name.removeprefix(f"{name}_")] = f"{following}"
             following += 1

@@ -1,8 +1,10 @@
 """The Kelvaris client library in Python."""
 
-from ._aio import AsyncClient, AsyncSubscription
-from ._client import Client, Subscription
-from ._link import Link
+from ._aio import AsyncClient as AsyncClient
+from ._aio import AsyncSubscription as AsyncSubscription
+from ._client import Client as Client
+from ._client import Subscription as Subscription
+from ._link import Link as Link
 from .adapters import *
 from .errors import *
 from .lists import *

@@ -13,10 +13,10 @@ extern "C" {
 #endif
 
 /** State of the connection over an adapter. */
-enum KelvarisSDK_ConnectionState KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_ConnectionState) KELVARISSDK_UINT32 {
     KelvarisSDK_ConnectionState_DISCONNECTED = 0,
     KelvarisSDK_ConnectionState_CONNECTING = 1,
-    KelvarisSDK_ConnectionState_CONNECTED = 2,
+    KelvarisSDK_ConnectionState_CONNECTED = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_ConnectionState)
 
@@ -25,14 +25,14 @@ KELVARISSDK_ENUM(KelvarisSDK_ConnectionState)
 KELVARISSDK_API char const* KelvarisSDK_ConnectionState_toString(KelvarisSDK_ConnectionState state);
 
 /** The kind of network that an adapter is in. */
-enum KelvarisSDK_NetworkType KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_NetworkType) KELVARISSDK_UINT32 {
     KelvarisSDK_NetworkType_WIFI = 0,
     KelvarisSDK_NetworkType_ETHERNET = 1,
     KelvarisSDK_NetworkType_CELLULAR = 2,
     KelvarisSDK_NetworkType_VPN = 3,
     KelvarisSDK_NetworkType_LOOPBACK = 4,
     KelvarisSDK_NetworkType_BLUETOOTH = 5,
-    KelvarisSDK_NetworkType_UNKNOWN = 6, /* what any other name of the daemon is read as */
+    KelvarisSDK_NetworkType_UNKNOWN = 6 /* what any other name of the daemon is read as */
 };
 KELVARISSDK_ENUM(KelvarisSDK_NetworkType)
 
@@ -40,11 +40,11 @@ KELVARISSDK_ENUM(KelvarisSDK_NetworkType)
 KELVARISSDK_API char const* KelvarisSDK_NetworkType_toString(KelvarisSDK_NetworkType type);
 
 /** When an adapter is used. */
-enum KelvarisSDK_ConnectionPriority KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_ConnectionPriority) KELVARISSDK_UINT32 {
     KelvarisSDK_ConnectionPriority_ALWAYS = 0,
     KelvarisSDK_ConnectionPriority_SECONDARY = 1,
     KelvarisSDK_ConnectionPriority_BACKUP = 2,
-    KelvarisSDK_ConnectionPriority_NEVER = 3,
+    KelvarisSDK_ConnectionPriority_NEVER = 3
 };
 KELVARISSDK_ENUM(KelvarisSDK_ConnectionPriority)
 

@@ -38,10 +38,10 @@ typedef struct KelvarisSDK_ListBlock {
 /* ---- Firewall ---- */
 
 /** What the firewall's lists mean. */
-enum KelvarisSDK_FirewallMode KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_FirewallMode) KELVARISSDK_UINT32 {
     KelvarisSDK_FirewallMode_OFF = 0,
     KelvarisSDK_FirewallMode_ALLOWLIST = 1,
-    KelvarisSDK_FirewallMode_DENYLIST = 2,
+    KelvarisSDK_FirewallMode_DENYLIST = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_FirewallMode)
 
@@ -90,9 +90,9 @@ KELVARISSDK_API KelvarisSDK_FirewallSettingsResult KelvarisSDK_SetFirewallPorts(
 /* ---- Local proxy ---- */
 
 /** What the local proxy's lists mean. */
-enum KelvarisSDK_LocalProxyMatchMode KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_LocalProxyMatchMode) KELVARISSDK_UINT32 {
     KelvarisSDK_LocalProxyMatchMode_ALLOWLIST = 0,
-    KelvarisSDK_LocalProxyMatchMode_DENYLIST = 1,
+    KelvarisSDK_LocalProxyMatchMode_DENYLIST = 1
 };
 KELVARISSDK_ENUM(KelvarisSDK_LocalProxyMatchMode)
 

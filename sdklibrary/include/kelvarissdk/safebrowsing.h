@@ -14,12 +14,12 @@ extern "C" {
 #endif
 
 /** What the service writes into its log. The numbers are not in the order of severity. */
-enum KelvarisSDK_SafeBrowsingLogLevel KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_SafeBrowsingLogLevel) KELVARISSDK_UINT32 {
     KelvarisSDK_SafeBrowsingLogLevel_DEBUG = 0,
     KelvarisSDK_SafeBrowsingLogLevel_INFO = 1,
     KelvarisSDK_SafeBrowsingLogLevel_ERROR = 2,
     KelvarisSDK_SafeBrowsingLogLevel_TRACE = 3,
-    KelvarisSDK_SafeBrowsingLogLevel_WARNING = 4,
+    KelvarisSDK_SafeBrowsingLogLevel_WARNING = 4
 };
 KELVARISSDK_ENUM(KelvarisSDK_SafeBrowsingLogLevel)
 
@@ -28,10 +28,10 @@ KELVARISSDK_API char const*
 KelvarisSDK_SafeBrowsing_LogLevel_toString(KelvarisSDK_SafeBrowsingLogLevel level);
 
 /** The override of the service's own decision whether the network is safe. */
-enum KelvarisSDK_SafeBrowsingSafeNetworkOverride KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_SafeBrowsingSafeNetworkOverride) KELVARISSDK_UINT32 {
     KelvarisSDK_SafeBrowsingSafeNetworkOverride_NONE = 0,
     KelvarisSDK_SafeBrowsingSafeNetworkOverride_UNSAFE = 1,
-    KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE = 2,
+    KelvarisSDK_SafeBrowsingSafeNetworkOverride_SAFE = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_SafeBrowsingSafeNetworkOverride)
 

@@ -17,10 +17,10 @@ extern "C" {
 /* ---- Account ---- */
 
 /** How often the account is paid for. */
-enum KelvarisSDK_AccountPaymentType KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_AccountPaymentType) KELVARISSDK_UINT32 {
     KelvarisSDK_AccountPaymentType_FREE = 0,
     KelvarisSDK_AccountPaymentType_MONTHLY = 1,
-    KelvarisSDK_AccountPaymentType_YEARLY = 2,
+    KelvarisSDK_AccountPaymentType_YEARLY = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_AccountPaymentType)
 
@@ -131,7 +131,7 @@ KelvarisSDK_ServerInformationDetailed_toString(KelvarisSDK_ServerInformationDeta
 /* ---- Connecting ---- */
 
 /** How the daemon picks a server. */
-enum KelvarisSDK_AutoConnectMethod KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_AutoConnectMethod) KELVARISSDK_UINT32 {
     KelvarisSDK_AutoConnectMethod_CLOSEST = 0,
     KelvarisSDK_AutoConnectMethod_PRIVATE = 1,
     KelvarisSDK_AutoConnectMethod_PUBLIC = 2,
@@ -139,7 +139,7 @@ enum KelvarisSDK_AutoConnectMethod KELVARISSDK_UINT32 {
     KelvarisSDK_AutoConnectMethod_P2P = 4,     /* one that permits torrents */
     KelvarisSDK_AutoConnectMethod_AUTO = 5,    /* by the daemon's setting; for connecting only */
     KelvarisSDK_AutoConnectMethod_COUNTRY = 6, /* a fixed place, which has functions of its own */
-    KelvarisSDK_AutoConnectMethod_PROXY = 7,
+    KelvarisSDK_AutoConnectMethod_PROXY = 7
 };
 KELVARISSDK_ENUM(KelvarisSDK_AutoConnectMethod)
 

@@ -139,10 +139,10 @@ KELVARISSDK_API KelvarisSDK_SessionStatsResult KelvarisSDK_GetSessionStats(
 /* ---- Streams ---- */
 
 /** How a stream is doing. */
-enum KelvarisSDK_StreamHealth KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_StreamHealth) KELVARISSDK_UINT32 {
     KelvarisSDK_StreamHealth_STOPPED = 0, /* also what any other number of the daemon is read as */
     KelvarisSDK_StreamHealth_POOR = 1,
-    KelvarisSDK_StreamHealth_GOOD = 2,
+    KelvarisSDK_StreamHealth_GOOD = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_StreamHealth)
 
@@ -188,7 +188,7 @@ KELVARISSDK_API KelvarisSDK_StreamingStatsResult KelvarisSDK_GetStreamingStats(
 /* ---- The end of the last session ---- */
 
 /** Why a session ended. */
-enum KelvarisSDK_DisconnectReason KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_DisconnectReason) KELVARISSDK_UINT32 {
     KelvarisSDK_DisconnectReason_UNKNOWN = 0, /* also what any other text of the daemon is read as */
     KelvarisSDK_DisconnectReason_CONNECTIVITY = 1,
     KelvarisSDK_DisconnectReason_AIRPLANE = 2,
@@ -205,7 +205,7 @@ enum KelvarisSDK_DisconnectReason KELVARISSDK_UINT32 {
     KelvarisSDK_DisconnectReason_DNSTIMEOUT = 13,
     KelvarisSDK_DisconnectReason_TUNNELTIMEOUT = 14,
     KelvarisSDK_DisconnectReason_OVERQUOTA = 15,
-    KelvarisSDK_DisconnectReason_SAFENETWORK = 16,
+    KelvarisSDK_DisconnectReason_SAFENETWORK = 16
 };
 KELVARISSDK_ENUM(KelvarisSDK_DisconnectReason)
 
@@ -229,9 +229,9 @@ KELVARISSDK_API KelvarisSDK_DisconnectEventResult KelvarisSDK_GetLastDisconnectE
 /* ---- Speed and stream tests ---- */
 
 /** What a test measured. */
-enum KelvarisSDK_SpeedTestType KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_SpeedTestType) KELVARISSDK_UINT32 {
     KelvarisSDK_SpeedTestType_SPEED = 0,
-    KelvarisSDK_SpeedTestType_STREAMING = 1, /* 2 in the report */
+    KelvarisSDK_SpeedTestType_STREAMING = 1 /* 2 in the report */
 };
 KELVARISSDK_ENUM(KelvarisSDK_SpeedTestType)
 

@@ -17,12 +17,15 @@
 #endif
 
 /* Enumerations have 32 bits without sign in C and in C++, so that any number is a valid value of them:
- * enum Name KELVARISSDK_UINT32 { ... };
- * KELVARISSDK_ENUM(Name) */
+ * enum KELVARISSDK_TAG(Name) KELVARISSDK_UINT32 { ... };
+ * KELVARISSDK_ENUM(Name)
+ * C has the constants in an enumeration without a tag, since a tag of the same word would name another type. */
 #ifdef __cplusplus
+#define KELVARISSDK_TAG(name) name
 #define KELVARISSDK_UINT32 : uint32_t
 #define KELVARISSDK_ENUM(name) static_assert(sizeof(name) == sizeof(uint32_t), "an enumeration has 32 bits");
 #else
+#define KELVARISSDK_TAG(name)
 #define KELVARISSDK_UINT32
 #define KELVARISSDK_ENUM(name) typedef uint32_t name;
 #endif
@@ -43,7 +46,7 @@ typedef struct KelvarisSDK_BaseResult {
 } KelvarisSDK_BaseResult;
 
 /** Why a call failed. 0 to 8 come from the daemon, the others from the library. */
-enum KelvarisSDK_ErrorType KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_ErrorType) KELVARISSDK_UINT32 {
     KelvarisSDK_ErrorType_NO_ERROR = 0,
     KelvarisSDK_ErrorType_NETWORK = 1,
     KelvarisSDK_ErrorType_SERVER = 2,
@@ -62,7 +65,7 @@ enum KelvarisSDK_ErrorType KELVARISSDK_UINT32 {
     KelvarisSDK_ErrorType_NOT_CONNECTED = 3845,           /* no report in time, no link; it is tried again */
     KelvarisSDK_ErrorType_LOCKED_BY_SERVER = 3846,        /* the setting can't be changed */
     KelvarisSDK_ErrorType_SYNCHRONOUS_IN_CALLBACK = 3847, /* refused on the library's thread */
-    KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT = 3848,       /* the setting can't be changed */
+    KelvarisSDK_ErrorType_LOCKED_BY_ACCOUNT = 3848        /* the setting can't be changed */
 };
 KELVARISSDK_ENUM(KelvarisSDK_ErrorType)
 
@@ -70,7 +73,7 @@ KELVARISSDK_ENUM(KelvarisSDK_ErrorType)
 KELVARISSDK_API char const* KelvarisSDK_ErrorType_toString(KelvarisSDK_ErrorType type);
 
 /** State of the daemon's session. */
-enum KelvarisSDK_State KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_State) KELVARISSDK_UINT32 {
     KelvarisSDK_State_LOGGED_OUT = 0,
     KelvarisSDK_State_LOGGING_IN = 1,
     KelvarisSDK_State_LOGGED_IN = 2,
@@ -79,7 +82,7 @@ enum KelvarisSDK_State KELVARISSDK_UINT32 {
     KelvarisSDK_State_DISCONNECTING = 5,
     KelvarisSDK_State_CONNECTED = 6,
     KelvarisSDK_State_OVERLIMIT = 7,
-    KelvarisSDK_State_UNKNOWN = 8, /* what any other number of the daemon is read as */
+    KelvarisSDK_State_UNKNOWN = 8 /* what any other number of the daemon is read as */
 };
 KELVARISSDK_ENUM(KelvarisSDK_State)
 
@@ -95,10 +98,10 @@ typedef struct KelvarisSDK_StateResult {
 typedef bool (*KelvarisSDK_StateCallback)(KelvarisSDK_StateResult result, void* userData);
 
 /** How the daemon uses several adapters at once. Any other number is taken as speed. */
-enum KelvarisSDK_BondingMode KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_BondingMode) KELVARISSDK_UINT32 {
     KelvarisSDK_BondingMode_SPEED = 0,
     KelvarisSDK_BondingMode_REDUNDANT = 1,
-    KelvarisSDK_BondingMode_STREAMING = 2,
+    KelvarisSDK_BondingMode_STREAMING = 2
 };
 KELVARISSDK_ENUM(KelvarisSDK_BondingMode)
 
@@ -106,12 +109,12 @@ KELVARISSDK_ENUM(KelvarisSDK_BondingMode)
 KELVARISSDK_API char const* KelvarisSDK_BondingMode_toString(KelvarisSDK_BondingMode mode);
 
 /** How the tunnel's packets travel. Any other number is taken as auto. */
-enum KelvarisSDK_TransportMode KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_TransportMode) KELVARISSDK_UINT32 {
     KelvarisSDK_TransportMode_TCP = 0,
     KelvarisSDK_TransportMode_UDP = 1,
     KelvarisSDK_TransportMode_AUTO = 2,
     KelvarisSDK_TransportMode_HTTPS = 3,
-    KelvarisSDK_TransportMode_TCP_MULTI = 4,
+    KelvarisSDK_TransportMode_TCP_MULTI = 4
 };
 KELVARISSDK_ENUM(KelvarisSDK_TransportMode)
 
@@ -119,9 +122,9 @@ KELVARISSDK_ENUM(KelvarisSDK_TransportMode)
 KELVARISSDK_API char const* KelvarisSDK_TransportMode_toString(KelvarisSDK_TransportMode mode);
 
 /** The protocol of a port. */
-enum KelvarisSDK_PortProtocol KELVARISSDK_UINT32 {
+enum KELVARISSDK_TAG(KelvarisSDK_PortProtocol) KELVARISSDK_UINT32 {
     KelvarisSDK_PortProtocol_TCP = 0,
-    KelvarisSDK_PortProtocol_UDP = 1,
+    KelvarisSDK_PortProtocol_UDP = 1
 };
 KELVARISSDK_ENUM(KelvarisSDK_PortProtocol)
 
