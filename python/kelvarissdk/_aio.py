@@ -13,6 +13,7 @@ from ._client import Calls, abandon, bound, prepare
 from ._core import END, Core, create_settings
 from ._link import Link
 from ._operations import Items, Once, Operation
+from .errors import SdkError
 
 R = TypeVar("R")
 
@@ -227,6 +228,8 @@ class AsyncClient(Calls, Awaiting):
         abandon(self)
 
     def _loop(self) -> Wakes:
+        if self._core.forked:
+            raise SdkError("the client is that of a parent process")
         loop = asyncio.get_running_loop()
         if self._wakes is None:
             self._wakes = Wakes(self._core)

@@ -253,7 +253,7 @@ class Core:
 
     # ---- The end ----
 
-    def close(self) -> None:
+    def close(self, tell: bool = True) -> None:
         """
         Ends all operations and lets the thread do the rest, which may take long: `closed` tells when it is over.
         """
@@ -267,7 +267,8 @@ class Core:
                 return
             self.closing = True
             for operation in list(self.live.values()):
-                operation.fail(CallCancelledError())
+                if tell:
+                    operation.fail(CallCancelledError())
                 operations.pop(operation.key, None)
             self.link.watchers.clear()
         self.commands.put(None)
@@ -293,7 +294,7 @@ _cores: weakref.WeakSet[Core] = weakref.WeakSet()
 def _at_exit() -> None:
     cores = [core for core in _cores if not core.forked]
     for core in cores:
-        core.close()
+        core.close(tell=False)  # the threads that are left never run again
     until = time.monotonic() + END
     for core in cores:
         core.closed.wait(max(0.0, until - time.monotonic()))

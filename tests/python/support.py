@@ -73,13 +73,16 @@ class Daemon:
             if name in (None, found):
                 return payload if name else (found, payload)
 
-    def send(self, report, payload):
-        self.send_frame(1, b'["report_' + report.encode() + b'",' + json.dumps(payload).encode() + b"]")
+    def send(self, report, payload, link=None):
+        """On the latest link, if none is named."""
+        content = json.dumps([f"report_{report}", payload], ensure_ascii=False)
+        self.send_frame(1, content.encode(), link or self.links[-1])
 
-    def send_frame(self, code, content):
+    @staticmethod
+    def send_frame(code, content, link):
         length = len(content)
         size = bytes([length]) if length < 126 else struct.pack(">BH", 126, length)
-        self.links[-1].sendall(bytes([0x80 | code]) + size + content)
+        link.sendall(bytes([0x80 | code]) + size + content)
 
     def _accept(self):
         while True:
@@ -121,12 +124,12 @@ class Daemon:
             mask = stream.read(4)
             content = bytes(sign ^ mask[i % 4] for i, sign in enumerate(stream.read(length)))
             if head[0] & 0x0F == 1:
-                self._answer(*json.loads(content)[:2])
+                self._answer(link, *json.loads(content)[:2])
 
-    def _answer(self, name, payload):
+    def _answer(self, link, name, payload):
         answer = self.answers.get(name, ())
         for report in answer() if callable(answer) else answer:
-            self.send(*report)
+            self.send(*report, link)
         if name != "set_app_name":
             self.requests.put((name, payload))
 
