@@ -351,7 +351,11 @@ class Client(Calls, Blocking):
             subscription._call = call
             items.tell_of = self._delivery.tell
             self._delivery.add(items, call)
-        self._core.start(items)
+        try:
+            self._core.start(items)
+        except BaseException:
+            subscription.close()
+            raise
         if items.error is not None:
             raise items.error
         if description is None:

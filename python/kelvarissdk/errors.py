@@ -6,6 +6,29 @@ from typing import Any
 
 from ._abi import ErrorType
 
+__all__ = [
+    "AccountError",
+    "CallCancelledError",
+    "CallTimeoutError",
+    "CallbackRequiredError",
+    "CredentialsError",
+    "DirectoryError",
+    "InvalidArgumentError",
+    "KelvarisError",
+    "LockedByAccountError",
+    "LockedByServerError",
+    "NetworkError",
+    "NoError",
+    "NotConnectedError",
+    "OAuthTokenExpiredError",
+    "PlatformUnsupportedError",
+    "SdkError",
+    "ServerError",
+    "SynchronousInCallbackError",
+    "TooManyRequestsError",
+    "VpnAdapterError",
+]
+
 
 class KelvarisError(Exception):
     """

@@ -63,8 +63,8 @@ class Calls(World):
         self.daemon.answers["request_networks"] = interrupt
         with self.assertRaises(KeyboardInterrupt):
             self.client.get_adapters()
-        with self.assertRaises(KeyboardInterrupt):
-            next(self.client.adapters())
+        with self.assertRaises(KeyboardInterrupt), self.client.adapters() as adapters:
+            next(adapters)
         self.assertEqual(self.client.get_version().maj, 1)
         self.assertEqual(live, {})
 
