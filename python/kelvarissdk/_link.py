@@ -102,6 +102,9 @@ class LinkWatch:
             watcher.offer(self.link)
         self.watchers.append(watcher)
 
+    def unwatch(self, operation: Operation) -> None:
+        self.watchers = [each for each in self.watchers if each is not operation]
+
     def probed(self, probe: Probe, head: Any) -> bool:
         waits = bool(head.error and head.errorCode == ErrorType.NOT_CONNECTED)
         if probe is not self.probe:
