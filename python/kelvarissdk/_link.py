@@ -131,9 +131,9 @@ class LinkWatch:
         self.core.nudge()
 
     def excuse(self, seconds: float) -> None:
-        """The interpreter was busy for so long, which says nothing of the link."""
-        self.last_heard += seconds
-        self.probed_at += seconds
+        """The interpreter was busy for so long, which says nothing of the link: what waits begins anew."""
+        self.last_heard += seconds + QUIET
+        self.probed_at += seconds + QUIET
         self.statistics_heard += seconds
 
     def next_due(self) -> float | None:
