@@ -100,6 +100,11 @@ class Wakes:
             self.loop.remove_reader(descriptor)
             os.close(descriptor)
 
+    def __del__(self) -> None:
+        # The loop refers to it until it ends, and what writes to the descriptor does too.
+        if getattr(self, "descriptor", -1) >= 0:
+            os.close(self.descriptor)
+
 
 class AsyncSubscription(Generic[R]):
     """
@@ -160,9 +165,6 @@ class AsyncSubscription(Generic[R]):
         if self._core.forked:
             return
         self._core.cancel(self._items)
-        with self._core.mutex:
-            if self._items in self._core.link.watchers:
-                self._core.link.watchers.remove(self._items)
         self._items.wake()
 
     async def __aenter__(self) -> AsyncSubscription[R]:

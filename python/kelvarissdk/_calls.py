@@ -136,7 +136,7 @@ class Description:
 
     @functools.cached_property
     def trampoline(self) -> Any:
-        return _trampoline(_abi.FUNCTIONS[self.name][1][-2])
+        return _trampolines[_abi.FUNCTIONS[self.name][1][-2]]
 
     def bind(self, given: tuple[Any, ...], named: dict[str, Any]) -> list[Any]:
         """The library's arguments. Named ones are put in their places."""
@@ -257,7 +257,9 @@ def forget_parent() -> None:
     _nameless_lock = threading.Lock()
 
 
-@functools.cache
-def _trampoline(kind: Callable[..., Any]) -> Any:
-    """One for each type of callback, which lives as long as the module."""
-    return kind(_arrive)
+# One for each type of callback. They live as long as the module, because the library may call them at any time.
+_trampolines = {
+    arguments[-2]: arguments[-2](_arrive)
+    for _, arguments in _abi.FUNCTIONS.values()
+    if len(arguments) >= 3 and hasattr(arguments[-2], "_restype_")
+}

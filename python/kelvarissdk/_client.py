@@ -164,8 +164,6 @@ class Subscription(Generic[R]):
             return
         self._core.cancel(self._items)
         with self._core.mutex:
-            if self._items in self._core.link.watchers:
-                self._core.link.watchers.remove(self._items)
             self._changed.notify_all()
         if self._call is not None:
             self._client._delivery.forget(self._items)
@@ -197,6 +195,7 @@ class Delivery:
         self.calls: dict[Items, Callable[[Any], object]] = {}
         self.running: Items | None = None
         self.thread: threading.Thread | None = None
+        core.tell_closing = self.changed.notify_all
 
     def add(self, items: Items, call: Callable[[Any], object]) -> None:
         with self.core.mutex:

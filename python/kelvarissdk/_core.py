@@ -78,13 +78,18 @@ class Core:
         self.closing = False
         self.forked = False
         self.closed = threading.Event()
+        self.tell_closing: Callable[[], None] = _nothing  # called with the mutex held
         self.commands: queue.SimpleQueue[Callable[[], None] | None] = queue.SimpleQueue()
         self.link = LinkWatch(self, probing)
         self.handle = self.create()
         self.thread = threading.Thread(target=self._run, name="kelvarissdk", daemon=True)
         _cores.add(self)
-        with signals_blocked():
-            self.thread.start()
+        try:
+            with signals_blocked():
+                self.thread.start()
+        except BaseException:
+            self.library.KelvarisSDK_Destroy(self.handle)
+            raise
 
     def create(self) -> int | None:
         handle: int | None = self.library.KelvarisSDK_CreateWithSettings(self.settings)
@@ -152,6 +157,7 @@ class Core:
             operation.settled = True
             operation.cancelled = True
             self.forget(operation)
+            self.link.unwatch(operation)
             registered = operation.registered
         if registered:
             self._unregister(operation)
@@ -271,6 +277,7 @@ class Core:
                     operation.fail(CallCancelledError())
                 operations.pop(operation.key, None)
             self.link.watchers.clear()
+            self.tell_closing()
         self.commands.put(None)
 
     def _end(self) -> None:
@@ -306,6 +313,7 @@ def _after_fork() -> None:
     for core in list(_cores):
         core.forked = True
         core.mutex = threading.RLock()
+        core.closed = threading.Event()
 
 
 atexit.register(_at_exit)

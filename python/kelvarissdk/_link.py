@@ -102,6 +102,9 @@ class LinkWatch:
             watcher.offer(self.link)
         self.watchers.append(watcher)
 
+    def unwatch(self, operation: Operation) -> None:
+        self.watchers = [each for each in self.watchers if each is not operation]
+
     def probed(self, probe: Probe, head: Any) -> bool:
         waits = bool(head.error and head.errorCode == ErrorType.NOT_CONNECTED)
         if probe is not self.probe:
@@ -128,9 +131,9 @@ class LinkWatch:
         self.core.nudge()
 
     def excuse(self, seconds: float) -> None:
-        """The interpreter was busy for so long, which says nothing of the link."""
-        self.last_heard += seconds
-        self.probed_at += seconds
+        """The interpreter was busy for so long, which says nothing of the link: what waits begins anew."""
+        self.last_heard += seconds + QUIET
+        self.probed_at += seconds + QUIET
         self.statistics_heard += seconds
 
     def next_due(self) -> float | None:

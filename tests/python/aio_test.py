@@ -68,6 +68,7 @@ class Subscriptions(World):
         all_of_them, latest = self.client.states(), self.client.states(keep=1)
         for each in (all_of_them, latest):
             await anext(each)
+        await self.client.get_version()  # behind both reads
         await self.send_states([i % 8 for i in range(300)])
         found = [(await anext(all_of_them)).state for _ in range(256)]
         self.assertEqual(found, [i % 8 for i in range(44, 300)])
@@ -110,31 +111,14 @@ class Subscriptions(World):
 class BadInput(World):
     async def test_flood_leaves_turns_to_others(self):
         """While reports come faster than they are taken, the loop's other tasks run."""
-        stop = threading.Event()
-
-        def flood():
-            while not stop.is_set():
-                self.daemon.send(*state(1))
-
-        flooding = threading.Thread(target=flood)
-        flooding.start()
-        turns = 0
-
-        async def take_turns():
-            nonlocal turns
-            while turns < 20:
-                await asyncio.sleep(0)
-                turns += 1
-
-        async def read():
-            async for _ in self.client.states():
-                if turns == 20:
-                    return
-
-        async with asyncio.timeout(PATIENCE):
-            await asyncio.gather(read(), take_turns())
-        stop.set()
-        await asyncio.to_thread(flooding.join)
+        states = self.client.states()
+        await self.send_states([1] * 256)
+        taken, turn = [], []
+        other = asyncio.create_task(asyncio.sleep(0))
+        other.add_done_callback(lambda _: turn.append(len(taken)))
+        for _ in range(256):
+            taken.append(await anext(states))
+        self.assertLess(min(turn, default=256), 200)
 
     async def test_task_that_blocks(self):
         states = self.client.states()

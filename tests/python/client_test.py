@@ -1,5 +1,6 @@
 """The client whose calls wait: its subscriptions, its end, and what it survives."""
 
+import ctypes
 import gc
 import os
 import queue
@@ -9,9 +10,10 @@ import sys
 import threading
 import unittest
 import warnings
+from unittest import mock
 
 from kelvarissdk import *
-from kelvarissdk import _calls, _core
+from kelvarissdk import _calls, _link
 from support import PATIENCE, Daemon, Simulator, state
 
 
@@ -26,7 +28,7 @@ def in_thread(function):
             outcome.put(error)
 
     threading.Thread(target=run, daemon=True).start()
-    return lambda: outcome.get(timeout=PATIENCE)
+    return lambda timeout=PATIENCE: outcome.get(timeout=timeout)
 
 
 class World(unittest.TestCase):
@@ -93,6 +95,7 @@ class Subscriptions(World):
         all_of_them, latest = self.client.states(), self.client.states(keep=1)
         for each in (all_of_them, latest):
             each.get()
+        self.client.get_version()  # behind both reads
         self.send_states([i % 8 for i in range(300)])
         self.assertEqual([each.get(0).state for each in [all_of_them] * 256], [i % 8 for i in range(44, 300)])
         self.assertEqual(latest.get(0).state, 299 % 8)
@@ -156,6 +159,8 @@ class Callables(World):
         closed = in_thread(blocking.close)
         while self.client._delivery.calls:
             pass  # until the end is asked for
+        with self.assertRaises(queue.Empty):
+            closed(0.05)
         self.assertEqual(seen, [6])
         release.set()
         self.assertIsNone(closed())
@@ -207,10 +212,15 @@ class End(World):
         self.assertTrue(core.closed.wait(PATIENCE))
 
     def test_of_the_interpreter(self):
-        """Clients that live, with reports every millisecond and threads that wait, don't hold it up."""
+        """Clients that live, with reports every millisecond and threads that wait, don't hold it up or call into it."""
         program = """
-import sys, threading
+import atexit, sys, threading, time
+atexit.register(lambda: print(client._core.closed.is_set()))
 from kelvarissdk import *
+class Slow:
+    def __del__(self, sleep=time.sleep):
+        sleep(0.05)
+slow = Slow()
 client = Client(port=int(sys.argv[1]))
 client.enable_stat_updates(True)
 client.connection_stats(lambda _: None)
@@ -223,16 +233,26 @@ threading.Thread(target=lambda: list(stats), daemon=True).start()
                 command = [sys.executable, "-c", program, str(simulator.port)]
                 ended = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE)
                 self.assertEqual(
-                    (ended.returncode, ended.stdout, ended.stderr), (0, "SessionStatsResult\n", "")
+                    (ended.returncode, ended.stdout, ended.stderr), (0, "SessionStatsResult\nTrue\n", "")
                 )
 
     def test_after_a_fork(self):
         self.client.get_version()
         subscription = self.client.states()
+        held, release = threading.Event(), threading.Event()
+
+        def hold():
+            with self.client._core.mutex:
+                held.set()
+                release.wait(PATIENCE)
+
+        holds = in_thread(hold)
+        held.wait(PATIENCE)
         with warnings.catch_warnings():
             warnings.simplefilter("ignore")  # newer interpreters warn of forks with threads
             child = os.fork()
         if child == 0:
+            signal.alarm(PATIENCE)
             refused = 0
             try:
                 for use in (self.client.get_version, self.client.states, self.client.within(1).get_state):
@@ -247,6 +267,8 @@ threading.Thread(target=lambda: list(stats), daemon=True).start()
             finally:
                 os._exit(2)
         self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), 0)
+        release.set()
+        holds()
         self.assertEqual(self.client.get_version().maj, 1)
 
 
@@ -264,6 +286,23 @@ class BadInput(unittest.TestCase):
             self.assertIsInstance(waits(), CallCancelledError)
             self.assertFalse(client._core.closed.is_set())
         self.assertTrue(client._core.closed.wait(PATIENCE))
+
+    def test_interpreter_that_is_busy(self):
+        """That an answer waits for the interpreter says nothing of the link."""
+        daemon = self.enterContext(Daemon({"request_current_state": [state(6)]}))
+        hold = ctypes.PyDLL(None).usleep  # it doesn't let others have the interpreter
+
+        def answer():
+            hold(1_000_000)
+            return [("version_data", {"maj": 1})]
+
+        daemon.answers["request_version_data"] = answer
+        with mock.patch.object(_link, "QUIET", 0.3), Client(port=daemon.port) as client:
+            links = client.links()
+            client.get_state()
+            daemon.request("request_version_data")
+            client.get_state()
+            self.assertEqual([links.get(0), *links._items.items], [Link.UP])
 
     def test_texts_and_numbers_of_others(self):
         answers = {
@@ -313,7 +352,7 @@ class Garbage(unittest.TestCase):
             stop.set()
             collector.join()
             del kept
-        self.assertFalse([thread for thread in _core.threading.enumerate() if thread.name == "kelvarissdk"])
+        self.assertFalse([thread for thread in threading.enumerate() if thread.name == "kelvarissdk"])
 
 
 if __name__ == "__main__":

@@ -18,6 +18,7 @@ class Watched:
         self.client = kind(port=port)
         self.links = self.client.links()
         self.states = self.client.states()
+        self.settings = self.client.settings()
         self.stats = self.client.session_stats()
 
     async def call(self, method, *arguments):
@@ -68,12 +69,13 @@ class Links(unittest.IsolatedAsyncioTestCase):
             killed = time.monotonic()
             self.assertEqual(await watched.next(watched.links), Link.LOST)
             self.assertLess(time.monotonic() - killed, 3.5)
-            while watched.states._items.items or watched.stats._items.items:
-                await watched.next(watched.states if watched.states._items.items else watched.stats)
+            for each in (watched.settings, watched.stats):
+                while each._items.items:
+                    await watched.next(each)
             await stages.wait()
             self.assertEqual(await watched.next(watched.links), Link.UP)
             self.assertLess(time.monotonic() - back, 2)
-            await watched.next(watched.states)
+            await watched.next(watched.settings)
             self.assertTrue(await watched.next_stats())
             await stages.wait()
             await stages.wait()
