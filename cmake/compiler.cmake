@@ -9,6 +9,11 @@ if(KELVARIS_WERROR)
     target_compile_options(kelvaris_options INTERFACE -Werror)
 endif()
 
+# Times and files beyond what 32 bits hold, on a 32-bit machine whose C library has both; the interface has neither type.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    add_compile_definitions(_TIME_BITS=64 _FILE_OFFSET_BITS=64)
+endif()
+
 if(KELVARIS_SANITIZE)
     target_compile_options(kelvaris_options INTERFACE
         -fsanitize=${KELVARIS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

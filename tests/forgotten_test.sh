@@ -21,7 +21,7 @@ flat=$(tr '\n' ' ' <<<"$text")
     done
 
     # A field that may hide in a record's padding too, and the sizes in the table of records.
-    awk 'FNR == NR { if (/^[A-Z]/) { record = $1; size[$1 " " $2] = 1 } else place[record " " $1] = 1; next }
+    awk 'FNR == NR { if (/^[A-Z]/) { sub(/\|.*/, "", $2); record = $1; size[$1 " " $2] = 1 } else place[record " " $1] = 1; next }
         /struct KelvarisSDK_[A-Za-z]+ \{/ { record = substr($3, 13); next }
         /^}/ { record = "" }
         record && match($0, /^    [a-zA-Z][^;\/]*;/) {

@@ -115,6 +115,14 @@
  *     isn't freed. When a callback returns in a process that it has forked off, that process ends as its
  *     only thread does: by exit() with status 0. A process may end with handles that live. A thread may be
  *     cancelled (pthread_cancel) while it waits in a call; a handle is made or destroyed in full first.
+ *
+ * 14. Data models. The fields have the same places and sizes on all machines, but for one that holds a record
+ *     of the system: where `long` has 32 bits, `periodEndDate` has 44 bytes instead of 56, and the record around
+ *     it, KelvarisSDK_AccountingResult, has 552. On 32-bit x86, where numbers of 64 bits stand at multiples of
+ *     4, other records differ as well; kelvarissdk-abi.json has the places and sizes of the machine that it is
+ *     installed on. No record and no call has a time_t: time stamps have 64 bits. The library itself is built
+ *     with a time_t of 64 bits, and reads times after January 2038 right, where the C library offers one; with
+ *     glibc before 2.34 on 32-bit machines they are 0.
  */
 #ifndef KELVARISSDK_CSDKINTERFACE_H
 #define KELVARISSDK_CSDKINTERFACE_H

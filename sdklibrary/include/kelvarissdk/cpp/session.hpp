@@ -46,7 +46,8 @@ struct AccountingResult {
     std::chrono::minutes minutesAvail{};
     std::chrono::minutes minutesUsed{};
     AccountPaymentType paymentType = AccountPaymentType::FREE;
-    std::optional<std::chrono::system_clock::time_point> periodEndDate; /**< 0 o'clock UTC of that day */
+    /** 0 o'clock UTC of that day. A program whose time_t has 32 bits can't have one after January 2038. */
+    std::optional<std::chrono::system_clock::time_point> periodEndDate;
 
     static AccountingResult from(Record const& record) {
         AccountingResult value;
