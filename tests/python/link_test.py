@@ -125,9 +125,22 @@ class Links(unittest.IsolatedAsyncioTestCase):
 
             await self.both(see, daemon.port)
 
+    async def return_late(self):
+        """The requests that wait for a daemon are few after whatever time: here after 7.5 seconds."""
+        with Daemon(refusals=30) as daemon:
+            async with AsyncClient(port=daemon.port) as client:
+                links = client.links()
+                self.assertEqual(await anext(links), Link.LOST)
+                asked = [(await asyncio.to_thread(daemon.request))[0] for _ in range(3)]
+                self.assertEqual(asked, ["request_version_data", *["request_current_state"] * 2])
+                daemon.send(*state(6))
+                self.assertEqual(await anext(links), Link.UP)
+                await client.daemon_exit()
+                self.assertEqual(await asyncio.to_thread(daemon.request), ("exit", None))
+
     async def test_links(self):
-        """Both take their time, so they run together."""
-        await asyncio.gather(self.lose_and_find(), self.end())
+        """They take their time, so they run together."""
+        await asyncio.gather(self.lose_and_find(), self.end(), self.return_late())
 
 
 if __name__ == "__main__":

@@ -37,11 +37,13 @@ class Simulator:
 class Daemon:
     """
     A daemon that answers a request with what `answers` has under its name: a list of reports. It keeps what it was
-    asked in `requests`. Without `upgrades` it takes connections and never completes the upgrade.
+    asked in `requests`. Without `upgrades` it takes connections and never completes the upgrade. The first connections
+    are closed at once, as many as `refusals`.
     """
 
-    def __init__(self, answers=None, upgrades=True):
+    def __init__(self, answers=None, upgrades=True, refusals=0):
         self.answers = answers or {}
+        self.refusals = refusals
         self.upgrades = upgrades
         self.requests = queue.SimpleQueue()
         self.connected = queue.SimpleQueue()
@@ -90,6 +92,10 @@ class Daemon:
                 link, _ = self.listener.accept()
             except OSError:
                 return
+            if self.refusals:
+                self.refusals -= 1
+                link.close()
+                continue
             self.links.append(link)
             thread = threading.Thread(target=self._serve, args=(link,))
             self.threads.append(thread)
