@@ -35,6 +35,7 @@ public:
         setenv("SIMULATOR_PORT", simulator.port().c_str(), 1);
         setenv("CLOSING_PORT", closing.port().c_str(), 1);
         setenv("LOAD_PORT", load.port().c_str(), 1);
+        setenv("KELVARISSDK_LIBRARY", library.c_str(), 1);
     }
 
     bool measureAll() {
@@ -53,6 +54,7 @@ public:
         section("in a host", [this] { inAHost(); });
         section("growth", [this] { growth(); });
         section("the C++ layer", [this] { cppLayer(); });
+        section("the Python layer", [this] { pythonLayer(); });
         return table.print();
     }
 
@@ -299,6 +301,23 @@ private:
         table.add("the same, more than C's", Unit::seconds, more, {}, {.max = 3e-6});
         table.add("growth over 100,000 reports and a slow consumer", Unit::bytes,
                   {inProcess("cppGrowth")["KiB"].asDouble() * 1024}, {}, {.max = mebi / 4});
+    }
+
+    void pythonLayer() {
+        auto const python = [](Daemon const& daemon, std::string const& what) {
+            return [argv = std::vector<std::string>{"python3", PYTHON_BENCH, daemon.port(), what}] {
+                return numberOf(argv);
+            };
+        };
+        {
+            Pinned const pinned;
+            Daemon const daemon({program("kelvarissim"), "--port", "0"});
+            auto const rates = interleave<double>(7, {python(daemon, "calls"), python(daemon, "ctypes")});
+            table.add("blocking calls by Python, pinned", Unit::perSecond, rates[0],
+                      {{"ctypes alone", rates[1]}}, {.min = 5000});
+        }
+        table.add("reports through Python's asyncio", Unit::perSecond,
+                  interleave<double>(7, {python(load, "reports")})[0], {}, {.min = 2000});
     }
 
     std::string const library;

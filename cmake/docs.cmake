@@ -17,4 +17,12 @@ set(DOXYGEN_EXPAND_ONLY_PREDEF YES)
 set(DOXYGEN_PREDEFINED "KELVARISSDK_API=" "KELVARISSDK_TAG(name)=name" "KELVARISSDK_UINT32=" "KELVARISSDK_ENUM(name)=")
 set(DOXYGEN_INPUT_FILTER "sed -E -f ${CMAKE_CURRENT_LIST_DIR}/docsfilter.sed")
 set(DOXYGEN_STRIP_FROM_PATH ${PROJECT_SOURCE_DIR}/sdklibrary/include)
-doxygen_add_docs(docs ${PROJECT_SOURCE_DIR}/sdklibrary/include COMMENT "API reference in html/")
+
+# The Python layer's page, out of its modules.
+set(python_page ${CMAKE_CURRENT_BINARY_DIR}/python.md)
+add_custom_command(OUTPUT ${python_page}
+    COMMAND ${PYTHON3} ${PROJECT_SOURCE_DIR}/python/reference.py >${python_page}
+    DEPENDS ${python_sources} ${PROJECT_SOURCE_DIR}/python/reference.py)
+add_custom_target(python_page DEPENDS ${python_page})
+doxygen_add_docs(docs ${PROJECT_SOURCE_DIR}/sdklibrary/include ${python_page} COMMENT "API reference in html/")
+add_dependencies(docs python_page)

@@ -3,6 +3,7 @@
 # and by find_package. Usage: BUILD_FOLDER WORK_FOLDER
 set -euo pipefail
 
+python=$(realpath "$(dirname "$0")/../python") # isn't installed with the rest
 rm -rf "$2"
 mkdir -p "$2/pkg-config"
 cd "$2"
@@ -55,5 +56,7 @@ for program in pkg-config/*; do
     diff first.txt second.txt
 done
 if command -v python3 >/dev/null; then
-    run python.txt python3 "$examples/state.py"
+    for program in "$examples/state.py" "$examples"/python/*.py; do
+        PYTHONPATH=$python run python.txt python3 -B "$program"
+    done
 fi
