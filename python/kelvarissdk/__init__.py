@@ -44,8 +44,8 @@ CONVENTIONS
    CallTimeoutError, and subscriptions go on with a new link. A client has a thread for it, which wakes once in a second
    without reports. A program that keeps the interpreter for itself delays all of this, and isn't taken for a lost link.
 
-7. The end. `close()` raises CallCancelledError in what waits, sends what is queued if the link is open, and returns
-   within a second of it. A client that nobody refers to any more is closed with a ResourceWarning; when the interpreter
+7. The end. `close()` raises CallCancelledError in what waits and sends what is queued if the link is open. It waits for
+   callables that run on another thread, and up to a second for the link's end. A client that nobody refers to any more is closed with a ResourceWarning; when the interpreter
    exits, all are. In a child of fork() a client raises SdkError, the parent's goes on, and new ones work.
 
 8. Bad input. A daemon that never completes the upgrade is LOST after two seconds; calls wait until it does, the client is

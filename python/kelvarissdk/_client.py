@@ -139,7 +139,10 @@ class Subscription(Generic[R]):
             raise StopIteration from None
 
     def get(self, timeout: timedelta | float | None = None) -> R:
-        """The next report. CallTimeoutError: none came in this time, which is in seconds if it is a number."""
+        """
+        The next report. CallTimeoutError: none came in this time, which is in seconds if it is a number; ValueError: the
+        subscription is closed, or has a callable.
+        """
         refuse_on_reader_thread()
         if self._call is not None:
             raise ValueError("the subscription has a callable")

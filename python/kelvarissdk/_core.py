@@ -83,13 +83,13 @@ class Core:
         self.link = LinkWatch(self, probing)
         self.handle = self.create()
         self.thread = threading.Thread(target=self._run, name="kelvarissdk", daemon=True)
-        _cores.add(self)
         try:
             with signals_blocked():
                 self.thread.start()
         except BaseException:
             self.library.KelvarisSDK_Destroy(self.handle)
             raise
+        _cores.add(self)
 
     def create(self) -> int | None:
         handle: int | None = self.library.KelvarisSDK_CreateWithSettings(self.settings)
