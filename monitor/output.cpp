@@ -1,0 +1,109 @@
+#include "output.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace monitor {
+
+namespace {
+
+constexpr std::size_t longestWaiting = 1024 * 1024;
+
+bool canWrite(int descriptor) {
+    pollfd polled{descriptor, POLLOUT, 0};
+    return poll(&polled, 1, 0) > 0;
+}
+
+} // namespace
+
+Output::Output(Loop& ofLoop, std::string const& ofFile) : loop(ofLoop), file(ofFile) {
+    open();
+}
+
+Output::~Output() {
+    try {
+        flush();
+    } catch (std::system_error const&) {
+        // It is too late to say so.
+    }
+    close();
+}
+
+void Output::open() {
+    descriptor =
+        file.empty()
+            ? STDOUT_FILENO
+            : ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
+    if (descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), file);
+    }
+    struct stat status {};
+    fresh = file.empty() || (fstat(descriptor, &status) == 0 && status.st_size == 0);
+    watched = loop.addDescriptor(descriptor, 0, [this](short events) {
+        (events & (POLLERR | POLLHUP)) != 0 ? loop.end(0) : flush(); // the reader has gone
+    });
+}
+
+void Output::close() {
+    loop.removeDescriptor(watched);
+    if (descriptor != STDOUT_FILENO) {
+        ::close(descriptor);
+    }
+}
+
+void Output::reopen() {
+    if (!file.empty()) {
+        flush();
+        close();
+        open();
+    }
+}
+
+bool Output::write(std::string_view lines) {
+    if (waiting.size() + lines.size() > longestWaiting) {
+        return false;
+    }
+    waiting += lines;
+    flush();
+    return true;
+}
+
+void Output::whenWritten(std::function<void()> action) {
+    written = std::move(action);
+    flush();
+}
+
+// A descriptor that poll() calls writable takes a piece of this size at once. Making it non-blocking would change it for
+// everybody who shares it.
+void Output::flush() {
+    std::size_t done = 0;
+    while (done < waiting.size() && canWrite(descriptor)) {
+        ssize_t const count = ::write(descriptor, waiting.data() + done,
+                                      std::min<std::size_t>(waiting.size() - done, PIPE_BUF));
+        if (count >= 0) {
+            done += static_cast<std::size_t>(count);
+        } else if (errno == EPIPE) {
+            waiting.clear();
+            loop.end(0);
+            return;
+        } else if (errno != EINTR && errno != EAGAIN) {
+            throw std::system_error(errno, std::generic_category(), file.empty() ? "standard output" : file);
+        } else if (errno == EAGAIN) {
+            break;
+        }
+    }
+    waiting.erase(0, done);
+    loop.setEvents(watched, static_cast<short>(waiting.empty() ? 0 : POLLOUT));
+    if (waiting.empty() && written) {
+        std::exchange(written, nullptr)();
+    }
+}
+
+} // namespace monitor
