@@ -42,8 +42,10 @@ public:
     }
 };
 
+std::unique_ptr<Command> makeTop(Context const& context);
 std::unique_ptr<Command> makeWatch(Context const& context);
 std::unique_ptr<Command> makeWait(Context const& context);
 std::unique_ptr<Command> makeRecord(Context const& context);
+std::unique_ptr<Command> makeExport(Context const& context);
 
 } // namespace monitor

@@ -53,7 +53,7 @@ void addWatch(CLI::App& app, Options& options) {
     command
         .add_option("--exec", options.watch.hook,
                     "run this for each change, instead of printing it; takes all the words that follow")
-        ->type_name("PROGRAM [ARG ...]");
+        ->type_name("PROGRAM ARG");
     addSeconds(command, "--exec-timeout", Seconds(0.001), "kill the program after this time (10)",
                [&options](Seconds value) { options.watch.hookTimeout = value; });
     command.callback([&options] { options.make = makeWatch; });

@@ -116,11 +116,12 @@ private:
     }
 
     std::string rows() const {
+        std::string const time = rfc3339(WallClock::now());
         bool const knowsAdapters =
             snapshot.isUp() && snapshot.adapters.current && !snapshot.adapters->empty();
         if (!knowsAdapters) {
             Row row;
-            beginRow(row);
+            beginRow(row, time);
             for (int i = 0; i < 16; ++i) {
                 row.text("");
             }
@@ -129,7 +130,7 @@ private:
         std::string lines;
         for (kelvaris::AdapterData const& adapter : *snapshot.adapters) {
             Row row;
-            beginRow(row);
+            beginRow(row, time);
             bool const isCurrent = snapshot.connections.current;
             addAdapter(row, adapter, isCurrent ? snapshot.trafficOf(adapter.adapterID) : nullptr);
             lines += row.take();
@@ -137,9 +138,9 @@ private:
         return lines;
     }
 
-    void beginRow(Row& row) const {
+    void beginRow(Row& row, std::string const& time) const {
         bool const knowsState = snapshot.isUp() && snapshot.state.current;
-        row.text(rfc3339(WallClock::now())).text(snapshot.isUp() ? "up" : "down");
+        row.text(time).text(snapshot.isUp() ? "up" : "down");
         row.text(knowsState ? toString(*snapshot.state) : "").text(knowsState ? snapshot.serverName() : "");
     }
 

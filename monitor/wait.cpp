@@ -17,15 +17,10 @@ public:
     }
 
     Topics topics() const override {
-        switch (wait.goal) {
-        case Goal::state:
-            return {Topic::state};
-        case Goal::network:
+        if (wait.goal == Goal::network) {
             return {Topic::state, Topic::connections};
-        case Goal::daemon:
-            break;
         }
-        return {};
+        return {Topic::state}; // reading it also shows at once that the daemon is there
     }
 
     void settled(Snapshot const& snapshot) override {

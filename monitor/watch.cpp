@@ -38,17 +38,13 @@ private:
         return topics;
     }
 
-    // An object that is left out, because its reader or the hook is behind, leaves a gap in the numbers.
-    void tell(WallClock::time_point time, char const* event, Json::Value&& data) {
-        Json::Value object;
-        object["time"] = rfc3339(time);
-        object["seq"] = Json::UInt64(seq++);
-        object["event"] = event;
-        object["data"] = std::move(data);
+    // An event that is left out, because its reader or the hook is behind, leaves a gap in the numbers.
+    void tell(WallClock::time_point time, char const* name, Json::Value const& data) {
+        Event event{rfc3339(time), std::to_string(seq++), name, compact(data)};
         if (hook) {
-            hook->run(std::move(object));
+            hook->run(std::move(event));
         } else {
-            output->write(compact(object) + "\n");
+            output->write(event.line());
         }
     }
 

@@ -1,5 +1,4 @@
 #include "watchhook.h"
-#include "document.h"
 #include "text.h"
 
 #include <array>
@@ -26,11 +25,11 @@ constexpr std::size_t longestVariable = 128 * 1024 - 1;
 constexpr std::chrono::seconds grace{1};
 
 // The environment with our variables in it.
-std::vector<std::string> environmentFor(Json::Value const& object, Options const& options) {
+std::vector<std::string> environmentFor(Event const& event, Options const& options) {
     std::vector<std::string> const ours = {
-        "KELVARIS_ADDRESS=" + options.address,          "KELVARIS_PORT=" + std::to_string(options.port),
-        "KELVARIS_TIME=" + object["time"].asString(),   "KELVARIS_SEQ=" + object["seq"].asString(),
-        "KELVARIS_EVENT=" + object["event"].asString(), "KELVARIS_DATA=" + compact(object["data"]),
+        "KELVARIS_ADDRESS=" + options.address, "KELVARIS_PORT=" + std::to_string(options.port),
+        "KELVARIS_TIME=" + event.time,         "KELVARIS_SEQ=" + event.seq,
+        "KELVARIS_EVENT=" + event.name,        "KELVARIS_DATA=" + event.data,
     };
     std::vector<std::string> all;
     for (char** each = environ; *each != nullptr; ++each) {
@@ -63,7 +62,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 // A file in memory takes a text of any length, whether its reader reads or not. -1, and errno, when there is none.
 int fileWith(std::string const& text) {
-    int const file = memfd_create("object", MFD_CLOEXEC);
+    int const file = memfd_create("event", MFD_CLOEXEC);
     bool const isWritten = file >= 0 &&
                            write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
                            lseek(file, 0, SEEK_SET) == 0;
@@ -102,6 +101,11 @@ int spawn(pid_t& child, std::vector<std::string> words, std::vector<std::string>
 
 } // namespace
 
+std::string Event::line() const {
+    return R"({"time":")" + time + R"(","seq":)" + seq + R"(,"event":")" + name + R"(","data":)" + data +
+           "}\n";
+}
+
 Hook::Hook(Loop& ofLoop, Options const& ofOptions) : loop(ofLoop), options(ofOptions) {
     loop.onSignal(SIGCHLD, [this] { reap(); });
 }
@@ -122,18 +126,18 @@ Hook::~Hook() {
     }
 }
 
-void Hook::run(Json::Value&& object) {
+void Hook::run(Event&& event) {
     if (child == 0) {
-        start(object);
+        start(event);
     } else {
-        pending = std::move(object);
+        pending = std::move(event);
     }
 }
 
-void Hook::start(Json::Value const& object) {
-    int const input = fileWith(compact(object) + "\n");
+void Hook::start(Event const& event) {
+    int const input = fileWith(event.line());
     int const error = input < 0 ? errno
-                                : spawn(child, options.watch.hook, environmentFor(object, options), input,
+                                : spawn(child, options.watch.hook, environmentFor(event, options), input,
                                         loop.originalMask());
     if (input >= 0) {
         close(input);
@@ -178,9 +182,9 @@ void Hook::reap() {
     child = 0;
     loop.removeTimer(timer);
     if (pending) {
-        auto const object = std::move(*pending);
+        Event const event = std::move(*pending);
         pending.reset();
-        start(object);
+        start(event);
     }
 }
 

@@ -3,13 +3,23 @@
 #include "loop.h"
 #include "options.h"
 
-#include <json/value.h>
+#include <string>
 #include <sys/types.h>
 
 namespace monitor {
 
-// Runs a program for each object that it is given, one at a time: what comes meanwhile waits, and of several the newest
-// alone. The program has the object on its standard input and in KELVARIS_TIME, KELVARIS_SEQ, KELVARIS_EVENT and
+// What a line or a hook tells: texts that need no escaping, and the data as compact JSON.
+struct Event {
+    std::string time;
+    std::string seq;
+    std::string name;
+    std::string data;
+
+    std::string line() const; // with its end
+};
+
+// Runs a program for each event that it is given, one at a time: what comes meanwhile waits, and of several the newest
+// alone. The program has the line on its standard input and in KELVARIS_TIME, KELVARIS_SEQ, KELVARIS_EVENT and
 // KELVARIS_DATA. What goes wrong with it is told on standard error.
 class Hook {
 public:
@@ -18,10 +28,10 @@ public:
     Hook(Hook const&) = delete;
     Hook& operator=(Hook const&) = delete;
 
-    void run(Json::Value&& object);
+    void run(Event&& event);
 
 private:
-    void start(Json::Value const& object);
+    void start(Event const& event);
     void stop();
     void reap();
     void tell(std::string const& what) const;
@@ -31,7 +41,7 @@ private:
     pid_t child = 0; // 0: none runs
     bool stopped = false;
     Loop::Id timer = 0;
-    std::optional<Json::Value> pending;
+    std::optional<Event> pending;
 };
 
 } // namespace monitor
