@@ -69,7 +69,9 @@ int run(Options const& options) {
 int main(int argc, char* argv[]) {
     occupyStandardDescriptors();
     mallopt(M_ARENA_MAX, 1); // the threads hardly ever allocate at the same time
+    // A reader that has gone and a file that must not grow are errors of the write.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         Options options;
         auto const status = readWords(argc, argv, options);

@@ -84,6 +84,7 @@ int spawn(pid_t& child, std::vector<std::string> words, std::vector<std::string>
     sigset_t defaults;
     sigemptyset(&defaults);
     sigaddset(&defaults, SIGPIPE);
+    sigaddset(&defaults, SIGXFSZ);
     posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
     posix_spawnattr_setflags(&attributes,
                              POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
