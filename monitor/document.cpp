@@ -238,9 +238,13 @@ std::string compact(Json::Value const& document) {
         builder["precision"] = 15;
         return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
     }();
-    std::ostringstream text;
-    writer->write(document, &text);
-    return text.str();
+    std::ostringstream stream;
+    writer->write(document, &stream);
+    std::string text = stream.str();
+    for (std::size_t at = 0; (at = text.find('\x7F', at)) != std::string::npos;) {
+        text.replace(at, 1, "\\u007f"); // the one control character that the writer leaves
+    }
+    return text;
 }
 
 } // namespace monitor

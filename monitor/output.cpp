@@ -83,27 +83,37 @@ void Output::whenWritten(std::function<void()> action) {
 // A descriptor that poll() calls writable takes a piece of this size at once. Making it non-blocking would change it for
 // everybody who shares it.
 void Output::flush() {
-    std::size_t done = 0;
-    while (done < waiting.size() && canWrite(descriptor)) {
-        ssize_t const count = ::write(descriptor, waiting.data() + done,
-                                      std::min<std::size_t>(waiting.size() - done, PIPE_BUF));
+    while (!waiting.empty() && canWrite(descriptor)) {
+        ssize_t const count =
+            ::write(descriptor, waiting.data(), std::min<std::size_t>(waiting.size(), PIPE_BUF));
         if (count >= 0) {
-            done += static_cast<std::size_t>(count);
+            auto const done = static_cast<std::size_t>(count);
+            auto const end = waiting.rfind('\n', done - 1);
+            unfinished = done == 0 || end == std::string::npos ? unfinished + done : done - end - 1;
+            waiting.erase(0, done);
         } else if (errno == EPIPE) {
             waiting.clear();
             loop.end(0);
-            return;
-        } else if (errno != EINTR && errno != EAGAIN) {
-            throw std::system_error(errno, std::generic_category(), file.empty() ? "standard output" : file);
         } else if (errno == EAGAIN) {
             break;
+        } else if (errno != EINTR) {
+            fail(errno);
         }
     }
-    waiting.erase(0, done);
     loop.setEvents(watched, static_cast<short>(waiting.empty() ? 0 : POLLOUT));
     if (waiting.empty() && written) {
         std::exchange(written, nullptr)();
     }
+}
+
+// A full disk has taken a part of a line, which would spoil what is added later.
+void Output::fail(int error) {
+    waiting.clear();
+    struct stat status {};
+    if (!file.empty() && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+        static_cast<void>(ftruncate(descriptor, status.st_size - static_cast<off_t>(unfinished)));
+    }
+    throw std::system_error(error, std::generic_category(), file.empty() ? "standard output" : file);
 }
 
 } // namespace monitor

@@ -34,6 +34,7 @@ private:
     void open();
     void close();
     void flush();
+    [[noreturn]] void fail(int error);
 
     Loop& loop;
     std::string const file;
@@ -41,6 +42,7 @@ private:
     bool fresh = true;
     Loop::Id watched = 0;
     std::string waiting;
+    std::size_t unfinished = 0; // bytes of the last line that are written, when its end isn't
     std::function<void()> written;
 };
 
