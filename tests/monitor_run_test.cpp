@@ -111,15 +111,21 @@ TEST_F(MonitorRun, WaitEndsWithItsGoalItsTimeOutOrASignal) {
     Process connected(monitorCommand(port, {"wait", "--for", "state:CONNECTED"}));
     Process endless(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
     Process interrupted(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
+    Process ignoring(
+        {.path = "/bin/sh",
+         .argv = {"sh", "-c", "trap '' HUP; exec \"$0\" --port \"$1\" wait --for state:CONNECTED",
+                  MONITOR_PATH, std::to_string(port)}});
 
     // The daemon comes later than those who wait for it, and is killed before it is what they wait for.
     std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
     EXPECT_EQ(daemon.wait().status, 0);
     EXPECT_EQ(runMonitor(port, {"wait", "--for", "network", "--timeout", "0.5"}).status, 124);
+    ignoring.signal(SIGHUP);
     simulator.reset();
     simulator.emplace(std::vector<std::string>{}, port);
     tool(port, {"connect", "us", "nyc"});
     EXPECT_EQ(connected.wait().status, 0);
+    EXPECT_EQ(ignoring.wait().status, 0) << "a hang-up that nohup had it ignore ended it";
     EXPECT_EQ(network.wait().status, 0);
     EXPECT_EQ(network.out(), "");
     endless.signal(SIGTERM);
