@@ -46,7 +46,7 @@ Outcome run(Row const& row, long failing, bool lasting) {
                              "allocator_may_return_null=1:exitcode=99",
                              "UBSAN_OPTIONS=exitcode=99"},
                     .input = row.input};
-    Words const tool = {SDKCLI_PATH, "-p", std::to_string(daemon.port())};
+    Words const tool = split(EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()));
     auto& argv = command.argv;
     argv.emplace_back(failing == 0 ? "LD_PRELOAD=" FAILALLOC : "LD_PRELOAD=" FAILALLOC ":" FAST_CLOCK);
     if (failing > 0) {
