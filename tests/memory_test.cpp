@@ -131,7 +131,7 @@ std::vector<Row> actionsOf(std::string const& family) {
 // nothing is set.
 Outcome runTool(Row const& row, long failing, bool lasting) {
     ScriptedDaemon daemon(row.exchange, {.mayMiss = failing > 0});
-    Words words = {SDKCLI_PATH, "-p", std::to_string(daemon.port())};
+    Words words = split(EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()));
     words.insert(words.end(), row.argv.begin(), row.argv.end());
     Outcome outcome = run(words, failing, lasting, row.input);
     if (std::string const problems = daemon.finish(); !problems.empty()) {
@@ -205,7 +205,8 @@ TEST_P(MemoryOfAHost, RunsOut) {
     Simulator simulator;
     std::vector<Case> cases;
     for (std::string const how : {"", " async"}) {
-        Words const words = split(MEMORY_HOST " " + std::to_string(simulator.port) + ' ' + GetParam() + how);
+        Words const words =
+            split(EMULATOR MEMORY_HOST " " + std::to_string(simulator.port) + ' ' + GetParam() + how);
         auto const attempt = [words](long failing, bool lasting) { return run(words, failing, lasting); };
         cases.push_back({GetParam() + how, attempt, kindOfHost});
     }
