@@ -33,11 +33,21 @@ void occupyStandardDescriptors() {
 void limitLeaving(int status) {
     finalStatus = status;
     std::signal(SIGALRM, [](int) { _exit(finalStatus); });
+    sigset_t alarms;
+    sigemptyset(&alarms);
+    sigaddset(&alarms, SIGALRM);
+    sigprocmask(SIG_UNBLOCK, &alarms, nullptr);
     alarm(leavingLimit);
 }
 
+// A signal that the caller has the program ignore, as nohup does, stays ignored.
 void onInterrupt(Loop& loop, std::unique_ptr<Command> const& command) {
     for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler == SIG_IGN) {
+            continue;
+        }
         loop.onSignal(signal, [&loop, &command, signal] { loop.end(command->interrupted(signal)); });
     }
 }
