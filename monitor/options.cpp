@@ -124,7 +124,7 @@ std::optional<Endpoint> endpointOf(std::string const& word) {
     bool const isBracketed = address.size() > 2 && address.front() == '[' && address.back() == ']';
     if (isBracketed) {
         address = address.substr(1, address.size() - 2);
-    } else if (address.empty() || address.find(':') != std::string::npos) {
+    } else if (address.empty() || address.find_first_of(":[]") != std::string::npos) {
         return std::nullopt;
     }
     Endpoint endpoint{address, 0};
