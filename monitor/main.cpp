@@ -18,11 +18,12 @@ constexpr unsigned leavingLimit = 1; // seconds
 
 std::atomic<int> finalStatus = 1;
 
-// Descriptors that the caller has closed would be given to the link, and lines would go there.
+// Descriptors that the caller has closed would be given to the link, and lines would go there. The stand-ins fail to
+// write, as the closed ones would.
 void occupyStandardDescriptors() {
     int descriptor = 0;
     do {
-        descriptor = open("/dev/null", O_RDWR);
+        descriptor = open("/dev/null", O_RDONLY);
     } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
     if (descriptor >= 0) {
         close(descriptor);

@@ -37,7 +37,7 @@ zsh_offers() {
 }
 
 section() { # SECTION [COMMAND]
-    "$monitor" "${@:2}" --help | sed -nE "/^$1:/,/^\$/ s/^  (-[a-z],)?([a-z-]+).*/\2/p" | sort
+    "$monitor" "${@:2}" --help | sed -nE "/^$1:/I,/^\$/ s/^( +(-[a-z], *)?(--[a-z-]+)|  ([a-z]+)).*/\3\4/p" | sort
 }
 
 shells=()

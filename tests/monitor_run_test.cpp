@@ -160,7 +160,7 @@ TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
     simulator.reset();
     watch.waitForOutput("\"lost\"");
     simulator.emplace(std::vector<std::string>{}, port);
-    watch.waitForOutput("\"seq\":8,");
+    watch.waitForOutput(R"("event":"state","data":{"state":"LOGGED_IN"})");
     watch.signal(SIGINT);
     Outcome const& outcome = watch.wait();
     EXPECT_EQ(outcome.status, 0);
@@ -176,14 +176,13 @@ TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
         told.push_back(
             event + (event == "snapshot" || event == "server" ? "" : " " + object["data"][event].asString()));
     }
-    std::vector<std::string> const expected = {"snapshot",         "state AUTO_CONNECTING",
-                                               "state CONNECTING", "server",
-                                               "state CONNECTED",  "link lost",
-                                               "link up",          "server",
-                                               "state LOGGED_IN"};
-    ASSERT_EQ(told.size(), expected.size()) << outcome.out;
-    std::sort(told.end() - 2, told.end()); // what is read anew comes in any order
-    EXPECT_EQ(told, expected);
+    // On a busy machine the link may be lost more than once, and then more is told.
+    auto next = told.begin();
+    for (char const* const each : {"snapshot", "state AUTO_CONNECTING", "state CONNECTING", "server",
+                                   "state CONNECTED", "link lost", "link up", "state LOGGED_IN"}) {
+        next = std::find(next, told.end(), each);
+        ASSERT_NE(next, told.end()) << each << " isn't told, or not in its turn:\n" << outcome.out;
+    }
 }
 
 // Starts the monitor with a pipe as its standard output, which nobody reads.
@@ -318,6 +317,11 @@ TEST_F(MonitorRun, RecordAddsToItsFileReopensItAndSeesADaemonGo) {
 
 TEST_F(MonitorRun, RecordOnAFullDiskIsAnError) {
     Simulator const simulator;
+    Outcome const closed = runProcess({.path = "/bin/sh",
+                                       .argv = {"sh", "-c", "exec \"$0\" --port \"$1\" record >&-",
+                                                MONITOR_PATH, std::to_string(simulator.port)}});
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_EQ(closed.err, "kelvaris-monitor: standard output: Bad file descriptor\n");
     for (std::string const file : {"/dev/full", "/nowhere/r.csv"}) {
         Outcome const outcome = runMonitor(simulator.port, {"record", file});
         EXPECT_EQ(outcome.status, 1);

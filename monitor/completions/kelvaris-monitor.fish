@@ -3,7 +3,7 @@
 # The words that begin the lines of a section of the help, each with what it means.
 function __kelvaris_monitor_help --argument-names section command
     command kelvaris-monitor $command --help 2>/dev/null |
-        sed -nE "/^$section:/,/^\$/ s/^  (-[a-z],)?([a-z-]+)( [A-Z][A-Z .]*)?( \([^)]*\))?( REQUIRED)? *(.*)/\2\t\6/p"
+        sed -nE "/^$section:/I,/^\$/ s/^( +(-[a-z], *)?(--[a-z-]+)|  ([a-z]+))( [A-Z][A-Z .]*)?( \([^)]*\))?( REQUIRED)? *(.*)/\3\4\t\8/p"
 end
 
 # The command, and behind --exec the program.

@@ -3,7 +3,7 @@
 
 _kelvaris_monitor_help() { # SECTION [COMMAND]: the words that begin the section's lines
     command kelvaris-monitor "${@:2}" --help 2>/dev/null |
-        sed -nE "/^$1:/,/^\$/ s/^  (-[a-z],)?([a-z-]+).*/\2/p"
+        sed -nE "/^$1:/I,/^\$/ s/^( +(-[a-z], *)?(--[a-z-]+)|  ([a-z]+)).*/\3\4/p"
 }
 
 local command i
