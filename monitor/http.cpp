@@ -72,18 +72,19 @@ std::uint16_t portOf(int descriptor) {
 }
 
 MHD_Result queue(MHD_Connection* connection, HttpReply const& reply) {
-    MHD_Response* const response = MHD_create_response_from_buffer(
-        reply.body.size(), const_cast<char*>(reply.body.data()), MHD_RESPMEM_MUST_COPY);
+    Microhttpd const& http = Microhttpd::get();
+    MHD_Response* const response =
+        http.createResponse(reply.body.size(), const_cast<char*>(reply.body.data()), MHD_RESPMEM_MUST_COPY);
     if (response == nullptr) {
         return MHD_NO;
     }
-    MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, reply.type.c_str());
-    MHD_add_response_header(response, MHD_HTTP_HEADER_VARY, MHD_HTTP_HEADER_ACCEPT);
+    http.addHeader(response, MHD_HTTP_HEADER_CONTENT_TYPE, reply.type.c_str());
+    http.addHeader(response, MHD_HTTP_HEADER_VARY, MHD_HTTP_HEADER_ACCEPT);
     if (reply.status == MHD_HTTP_METHOD_NOT_ALLOWED) {
-        MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, "GET, HEAD");
+        http.addHeader(response, MHD_HTTP_HEADER_ALLOW, "GET, HEAD");
     }
-    MHD_Result const result = MHD_queue_response(connection, reply.status, response);
-    MHD_destroy_response(response);
+    MHD_Result const result = http.queueResponse(connection, reply.status, response);
+    http.destroyResponse(response);
     return result;
 }
 
@@ -93,7 +94,7 @@ HttpServer::HttpServer(Loop& ofLoop, Endpoint const& endpoint, Answer ofAnswer)
     : loop(ofLoop), answer(std::move(ofAnswer)) {
     int const descriptor = listenOn(endpoint);
     address = "http://" + nameOf({endpoint.address, portOf(descriptor)});
-    daemon = MHD_start_daemon(MHD_USE_EPOLL, 0, nullptr, nullptr, onRequest, this, MHD_OPTION_LISTEN_SOCKET,
+    daemon = http.startDaemon(MHD_USE_EPOLL, 0, nullptr, nullptr, onRequest, this, MHD_OPTION_LISTEN_SOCKET,
                               descriptor, MHD_OPTION_NOTIFY_CONNECTION, onConnection, this,
                               MHD_OPTION_CONNECTION_LIMIT, mostClients, MHD_OPTION_CONNECTION_TIMEOUT,
                               idleLimit, MHD_OPTION_CONNECTION_MEMORY_LIMIT, requestLimit, MHD_OPTION_END);
@@ -106,19 +107,19 @@ HttpServer::HttpServer(Loop& ofLoop, Endpoint const& endpoint, Answer ofAnswer)
 HttpServer::~HttpServer() {
     loop.removeDescriptor(watched);
     loop.removeTimer(timer);
-    MHD_stop_daemon(daemon);
+    http.stopDaemon(daemon);
 }
 
 void HttpServer::begin() {
-    int const descriptor = MHD_get_daemon_info(daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
+    int const descriptor = http.daemonInfo(daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
     watched = loop.addDescriptor(descriptor, POLLIN, [this](short) { work(); });
 }
 
 void HttpServer::work() {
-    MHD_run(daemon);
+    http.run(daemon);
     loop.removeTimer(std::exchange(timer, 0));
     MHD_UNSIGNED_LONG_LONG milliseconds = 0;
-    if (MHD_get_timeout(daemon, &milliseconds) == MHD_YES) {
+    if (http.timeout(daemon, &milliseconds) == MHD_YES) {
         timer = loop.setTimer(std::chrono::milliseconds(milliseconds), [this] { work(); });
     }
 }
@@ -149,25 +150,23 @@ MHD_Result HttpServer::answerTo(MHD_Connection* connection, char const* url, boo
         return queue(connection,
                      {MHD_HTTP_METHOD_NOT_ALLOWED, plainText, "Only GET and HEAD are answered.\n"});
     }
-    char const* const accept =
-        MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT);
+    char const* const accept = http.lookup(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT);
     MHD_Result const result = queue(connection, answer({url, accept == nullptr ? "" : accept}));
-    void* const client =
-        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context;
+    void* const client = http.connectionInfo(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context;
     static_cast<Client*>(client)->lastAnswer = Clock::now();
     return result;
 }
 
 void HttpServer::onConnection(void* self, MHD_Connection* connection, void** client,
                               MHD_ConnectionNotificationCode code) {
-    Clients& clients = static_cast<HttpServer*>(self)->clients;
+    HttpServer& server = *static_cast<HttpServer*>(self);
     if (code == MHD_CONNECTION_NOTIFY_CLOSED) {
-        std::erase_if(clients, [client](Client const& each) { return &each == *client; });
+        std::erase_if(server.clients, [client](Client const& each) { return &each == *client; });
         return;
     }
-    static_cast<HttpServer*>(self)->makeRoom();
-    int const socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
-    *client = &clients.emplace_back(Client{socket, Clock::now()});
+    server.makeRoom();
+    int const socket = server.http.connectionInfo(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
+    *client = &server.clients.emplace_back(Client{socket, Clock::now()});
 }
 
 // The server finds the connection closed in its next round.

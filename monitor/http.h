@@ -1,10 +1,10 @@
 #pragma once
 
+#include "httplibrary.h"
 #include "loop.h"
 #include "options.h"
 
 #include <list>
-#include <microhttpd.h>
 
 namespace monitor {
 
@@ -55,6 +55,7 @@ private:
     void work();
 
     Loop& loop;
+    Microhttpd const& http = Microhttpd::get();
     Answer const answer;
     std::string address;
     Clients clients;
