@@ -52,6 +52,12 @@ if(TARGET kelvaris-monitor)
     install(TARGETS kelvaris-monitor RUNTIME COMPONENT monitor)
     install(FILES docs/kelvaris-monitor.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT monitor)
     install_completions(kelvaris-monitor monitor)
+    configure_file(monitor/systemd/kelvaris-monitor-export.service.in kelvaris-monitor-export.service @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kelvaris-monitor-export.service
+        DESTINATION lib/systemd/user COMPONENT monitor)
+    install(FILES docs/monitor.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvaris-monitor COMPONENT monitor)
+    install(DIRECTORY docs/monitoring/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvaris-monitor/examples
+        COMPONENT monitor)
 endif()
 if(TARGET kelvarissim)
     install(TARGETS kelvarissim RUNTIME COMPONENT simulator)

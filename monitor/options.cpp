@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <iostream>
 
 namespace monitor {
@@ -15,6 +16,8 @@ namespace {
 constexpr std::size_t longestAddress = 45;
 // A year. Longer times make the clock overflow somewhere.
 constexpr double longestTime = 366.0 * 86400;
+constexpr char exportAddress[] = "127.0.0.1";
+constexpr std::uint16_t exportPort = 9339;
 constexpr char duration[] = "SECONDS";
 
 CLI::Option* addSeconds(CLI::App& to, std::string const& name, Seconds shortest, std::string const& help,
@@ -111,6 +114,58 @@ void addRecord(CLI::App& app, Options& options) {
     command.callback([&options] { options.make = makeRecord; });
 }
 
+// "127.0.0.1:9339", "[::1]:9339", "localhost:0"; nothing when it is none.
+std::optional<Endpoint> endpointOf(std::string const& word) {
+    auto const colon = word.rfind(':');
+    if (colon == std::string::npos) {
+        return std::nullopt;
+    }
+    std::string address = word.substr(0, colon);
+    bool const isBracketed = address.size() > 2 && address.front() == '[' && address.back() == ']';
+    if (isBracketed) {
+        address = address.substr(1, address.size() - 2);
+    } else if (address.empty() || address.find_first_of(":[]") != std::string::npos) {
+        return std::nullopt;
+    }
+    Endpoint endpoint{address, 0};
+    char const* const end = word.data() + word.size();
+    auto const [read, error] = std::from_chars(word.data() + colon + 1, end, endpoint.port);
+    return error == std::errc() && read == end ? std::optional(endpoint) : std::nullopt;
+}
+
+void addExport(CLI::App& app, Options& options) {
+    CLI::App& command = *app.add_subcommand("export", "Hand metrics to Prometheus");
+    CLI::Option* const listen =
+        command
+            .add_option_function<std::string>(
+                "--listen",
+                [&options](std::string const& word) {
+                    options.exporting.listen = endpointOf(word);
+                    if (!options.exporting.listen) {
+                        throw CLI::ValidationError("--listen can't be \"" + word + "\"");
+                    }
+                },
+                std::string("answer GET /metrics there; IPv6 addresses in brackets (") + exportAddress + ":" +
+                    std::to_string(exportPort) + ")")
+            ->type_name("ADDRESS:PORT");
+    command
+        .add_option("--textfile", options.exporting.textFile,
+                    "keep the metrics in this file; without --listen nothing is answered")
+        ->check([](std::string const& word) { return word.empty() ? "is no name" : ""; })
+        ->type_name("FILE");
+    addSeconds(command, "--interval", Seconds(0.01), "shortest time between two versions of the file (5)",
+               [&options](Seconds value) { options.exporting.interval = value; });
+    command.add_flag("--once", options.exporting.once, "print the metrics, or write the file, and end")
+        ->excludes(listen);
+    command.callback([&options] {
+        ExportOptions& exporting = options.exporting;
+        if (!exporting.listen && !exporting.once && exporting.textFile.empty()) {
+            exporting.listen = Endpoint{exportAddress, exportPort};
+        }
+        options.make = makeExport;
+    });
+}
+
 // What follows "--exec" is the hook's, whatever it looks like.
 std::vector<std::string> takeHook(std::vector<std::string>& words) {
     auto const exec = std::find(words.begin(), words.end(), "--exec");
@@ -149,6 +204,7 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
     addWatch(app, options);
     addWait(app, options);
     addRecord(app, options);
+    addExport(app, options);
 
     std::vector<std::string> words(argv + 1, argv + argc);
     auto hook = takeHook(words);

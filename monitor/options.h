@@ -37,6 +37,19 @@ struct RecordOptions {
     std::optional<std::uint64_t> count; // how many times something is recorded; nothing: until a signal
 };
 
+// Where to listen; port 0 lets the system choose.
+struct Endpoint {
+    std::string address; // or a host name
+    std::uint16_t port = 0;
+};
+
+struct ExportOptions {
+    std::optional<Endpoint> listen;
+    std::string textFile; // empty: none
+    Seconds interval{5};  // between two writes of the file
+    bool once = false;
+};
+
 struct Options {
     std::string address;
     std::uint16_t port = 0;
@@ -44,6 +57,7 @@ struct Options {
     WatchOptions watch;
     WaitOptions wait;
     RecordOptions record;
+    ExportOptions exporting;
 };
 
 constexpr int wrongWordsStatus = 2;

@@ -26,7 +26,7 @@ _kelvaris_monitor() {
     done
     case $command:$prev in
     *:--address) mapfile -t COMPREPLY < <(compgen -A hostname -- "$cur") && return ;;
-    *:--port | *:--interval | *:--count | *:--timeout | *:--exec-timeout) return ;;
+    *:--port | *:--interval | *:--count | *:--timeout | *:--exec-timeout | *:--listen) return ;;
     wait:--for) offered='daemon network state:LOGGED_OUT state:LOGGING_IN state:LOGGED_IN state:AUTO_CONNECTING state:CONNECTING state:DISCONNECTING state:CONNECTED state:OVERLIMIT' ;;
     watch:*) offered='link state server settings adapters connections session streams error' ;;
     :*) offered=$(_kelvaris_monitor_help Subcommands) ;;
@@ -34,7 +34,7 @@ _kelvaris_monitor() {
     if [[ $cur == -* ]]; then
         # shellcheck disable=SC2086
         offered=$(_kelvaris_monitor_help Options $command)
-    elif [[ $command == record ]]; then
+    elif [[ $command == record || $command:$prev == export:--textfile ]]; then
         compopt -o default 2>/dev/null
     fi
     mapfile -t COMPREPLY < <(compgen -W "$offered" -- "$cur")

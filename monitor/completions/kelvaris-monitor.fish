@@ -38,7 +38,10 @@ function __kelvaris_monitor_words
         case --address
             __fish_print_hostnames
             return
-        case --port --interval --count --timeout --exec-timeout
+        case --port --interval --count --timeout --exec-timeout --listen
+            return
+        case --textfile
+            __fish_complete_path (commandline -ct)
             return
         case --for
             string split ' ' -- 'daemon network state:LOGGED_OUT state:LOGGING_IN state:LOGGED_IN state:AUTO_CONNECTING state:CONNECTING state:DISCONNECTING state:CONNECTED state:OVERLIMIT'
