@@ -1,3 +1,4 @@
+#include "daystatistics.h"
 #include "families.h"
 #include "registry.h"
 
@@ -130,11 +131,11 @@ std::vector<Json::Value> initialAdapters() {
     return {ethernet("eth0"), wifi("wlan0"), cellular("wwan0"), unnamed("usb0")};
 }
 
-// Each report adds some traffic to the adapters in use, so that their usage grows visibly.
+// Without --traffic, each report adds some traffic to the adapters in use, so that their usage grows visibly.
 Json::Value networksReport(World& world) {
     Json::Value report(Json::arrayValue);
     for (Json::Value& each : world.adapters) {
-        if (each["connectionState"] == connected && each["priority"] != priorityNever) {
+        if (!world.trafficSeed && each["connectionState"] == connected && each["priority"] != priorityNever) {
             for (char const* usage : {"usage", "usageDaily"}) {
                 each["limits"][usage] = each["limits"][usage].asInt64() + bytesPerReport;
             }
@@ -145,6 +146,11 @@ Json::Value networksReport(World& world) {
 }
 
 void registerAdapters(Registry& registry) {
+    registry.onStart([](Daemon& daemon) {
+        if (daemon.world().trafficSeed) {
+            daemon.world().adapters = dayAdapters();
+        }
+    });
     registry.on("request_networks", [](Request const& request) {
         request.answer("report_networks", networksReport(request.daemon.world()));
     });

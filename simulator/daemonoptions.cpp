@@ -7,6 +7,7 @@ namespace kelvarissim {
 namespace {
 
 constexpr int maxMs = 3'600'000;
+constexpr int maxSpeed = 1440; // a day in a minute
 constexpr unsigned maxRequests = std::numeric_limits<unsigned>::max();
 
 // Reads "REQUEST=REASON". A request name may contain "=", so the last one separates.
@@ -32,6 +33,12 @@ void addDaemonOptions(OptionTable& options, Settings& settings) {
                  settings.verbose);
     options.number("--interval", "MS", "time between two periodic reports (1000)", 1, maxMs,
                    settings.intervalMs);
+    options.flag("--traffic", "connects at the start and lives through days of lively traffic",
+                 settings.traffic);
+    options.number("--seed", "N", "which days --traffic lives through (1)", std::uint64_t{0},
+                   std::numeric_limits<std::uint64_t>::max(), settings.seed);
+    options.number("--speed", "FACTOR", "how much faster they pass than real ones (1)", 1, maxSpeed,
+                   settings.speed);
     options.flag("--silent", "upgrades and obeys, but reports nothing", settings.silent);
     options.number("--delay", "MS", "handles each request that much later, in order", 0, maxMs,
                    settings.delayMs);

@@ -24,6 +24,7 @@ struct Request {
 };
 
 using Handler = std::function<void(Request const&)>;
+using StartHandler = std::function<void(Daemon&)>;
 using DisconnectHandler = std::function<void(Daemon&, ClientId)>;
 
 // The families register their request handlers, options and disconnect handlers here. The server deals with
@@ -36,6 +37,10 @@ public:
 
     // A second handler for the same request throws std::logic_error.
     void on(std::string const& requestName, Handler handler);
+    // The handler runs before the first link. What --traffic changes at the start is changed here.
+    void onStart(StartHandler handler) {
+        startHandlerList.push_back(std::move(handler));
+    }
     // The handler runs for each client whose link has ended, whatever ended it.
     void onDisconnect(DisconnectHandler handler) {
         disconnectHandlerList.push_back(std::move(handler));
@@ -50,6 +55,9 @@ public:
     std::string additionalLock(std::string const& requestName) const;
     // Returns null when no family handles the request.
     Handler const* find(std::string const& requestName) const;
+    std::vector<StartHandler> const& startHandlers() const {
+        return startHandlerList;
+    }
     std::vector<DisconnectHandler> const& disconnectHandlers() const {
         return disconnectHandlerList;
     }
@@ -57,6 +65,7 @@ public:
 private:
     std::map<std::string, Handler> handlers;
     std::map<std::string, std::string> additionalLocks; // request name -> setting name
+    std::vector<StartHandler> startHandlerList;
     std::vector<DisconnectHandler> disconnectHandlerList;
 };
 

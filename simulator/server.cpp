@@ -43,7 +43,11 @@ template <typename Action> bool guarded(std::string const& what, Action action) 
 } // namespace
 
 Server::Server(Registry const& families, Settings const& commandLine)
-    : registry(families), settings(commandLine) {}
+    : registry(families), settings(commandLine) {
+    if (settings.traffic) {
+        sharedWorld.trafficSeed = settings.seed;
+    }
+}
 
 std::uint16_t Server::listen() {
     // The signals are caught from here on, because whoever has read the port may send one at once.
@@ -63,6 +67,9 @@ void Server::run() {
             stop();
         }
     });
+    for (StartHandler const& handler : registry.startHandlers()) {
+        handler(*this);
+    }
     accept();
     io.run();
 }
@@ -224,6 +231,10 @@ void Server::arm(TimerId id) {
 
 std::chrono::milliseconds Server::interval() const {
     return std::chrono::milliseconds(settings.intervalMs);
+}
+
+std::chrono::milliseconds Server::trafficTime() const {
+    return interval() * (settings.traffic ? settings.speed : 1);
 }
 
 void Server::log(std::string const& line) {

@@ -193,6 +193,11 @@ void registerSession(Registry& registry) {
     auto session = std::make_shared<Session>();
     registry.options.number("--connect-error", "TYPE", "makes every connect fail with this error type", 1, 8,
                             session->connectError);
+    registry.onStart([session](Daemon& daemon) {
+        if (daemon.world().trafficSeed) {
+            finishConnecting(*session, daemon, *findServer("user"));
+        }
+    });
     registerAccount(registry, session);
     registry.on("request_directory",
                 [](Request const& request) { request.answer("report_directory", directoryReport()); });

@@ -1,3 +1,4 @@
+#include "daystatistics.h"
 #include "families.h"
 #include "registry.h"
 #include "traffic.h"
@@ -23,7 +24,7 @@ struct Subscription {
 };
 
 struct Telemetry {
-    Traffic traffic;
+    std::unique_ptr<Statistics> statistics;
     std::map<ClientId, Subscription> subscriptions;
     bool isReporting = false;
     Json::Value tests{Json::arrayValue}; // sorted by time, newest first
@@ -48,15 +49,20 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
         }
         return expired;
     });
-    telemetry.traffic.advance(daemon.interval());
-    for (auto const& [client, subscription] : telemetry.subscriptions) {
-        daemon.send(client, "report_networks", networksReport(daemon.world()));
-        daemon.send(client, "report_connection_stats", telemetry.traffic.connectionReport());
-        daemon.send(client, "report_session_stats",
-                    telemetry.traffic.sessionReport(periodsOf(telemetry, client)));
-        daemon.send(client, "report_streaming_stats", telemetry.traffic.streamingReport());
+    Statistics& statistics = *telemetry.statistics;
+    bool const adaptersChanged = statistics.advance(daemon.trafficTime());
+    if (adaptersChanged) {
+        daemon.broadcast("report_networks", networksReport(daemon.world()));
     }
-    return telemetry.isReporting = !telemetry.subscriptions.empty();
+    for (auto const& [client, subscription] : telemetry.subscriptions) {
+        if (!adaptersChanged) {
+            daemon.send(client, "report_networks", networksReport(daemon.world()));
+        }
+        daemon.send(client, "report_connection_stats", statistics.connectionReport());
+        daemon.send(client, "report_session_stats", statistics.sessionReport(periodsOf(telemetry, client)));
+        daemon.send(client, "report_streaming_stats", statistics.streamingReport());
+    }
+    return telemetry.isReporting = statistics.goesOnUnheard() || !telemetry.subscriptions.empty();
 }
 
 // A repeat without periods keeps the subscription's earlier periods.
@@ -132,6 +138,13 @@ Json::Value disconnectReport(Telemetry const& telemetry) {
 
 void registerTelemetry(Registry& registry) {
     auto telemetry = std::make_shared<Telemetry>();
+    registry.onStart([telemetry](Daemon& daemon) {
+        if (daemon.world().trafficSeed) {
+            telemetry->statistics = std::make_unique<DayStatistics>(daemon.world());
+        } else {
+            telemetry->statistics = std::make_unique<Traffic>();
+        }
+    });
     registry.options.text("--disconnect-reason", "REASON", "why the last session ended (USERINITIATED)",
                           [telemetry](std::string const& word) {
                               telemetry->disconnectReason = word;
@@ -140,14 +153,14 @@ void registerTelemetry(Registry& registry) {
     registry.on("stat_subscribe", [telemetry](Request const& request) { subscribe(telemetry, request); });
     registry.onDisconnect([telemetry](Daemon&, ClientId client) { telemetry->subscriptions.erase(client); });
     registry.on("request_connection_stats", [telemetry](Request const& request) {
-        request.answer("report_connection_stats", telemetry->traffic.connectionReport());
+        request.answer("report_connection_stats", telemetry->statistics->connectionReport());
     });
     registry.on("request_session_stats", [telemetry](Request const& request) {
         request.answer("report_session_stats",
-                       telemetry->traffic.sessionReport(periodsOf(*telemetry, request.client)));
+                       telemetry->statistics->sessionReport(periodsOf(*telemetry, request.client)));
     });
     registry.on("request_streaming_stats", [telemetry](Request const& request) {
-        request.answer("report_streaming_stats", telemetry->traffic.streamingReport());
+        request.answer("report_streaming_stats", telemetry->statistics->streamingReport());
     });
     registry.on("request_disconnect_reason", [telemetry](Request const& request) {
         request.answer("report_disconnect_reason", disconnectReport(*telemetry));

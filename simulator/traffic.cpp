@@ -9,11 +9,6 @@ namespace {
 
 constexpr int packetBytes = 1400;
 
-std::int64_t millisecondsSinceEpoch() {
-    auto const time = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
-}
-
 // Returns the Wi-Fi link's quality in this step; the pattern repeats every twenty steps.
 double wifiQuality(unsigned step) {
     constexpr std::array<double, 20> round = {1, 1, 1, 1,   1,   1, 1, 1, 1,   1,
@@ -45,10 +40,10 @@ Traffic::Traffic()
     : start(millisecondsSinceEpoch()),
       now(start),
       links{{{"wlan0", "192.168.1.23", "udp", 18, 60, 20}, {"wwan0", "10.64.12.7", "tcp-multi", 55, 25, 8}}} {
-    advance(std::chrono::milliseconds(0));
+    Traffic::advance(std::chrono::milliseconds(0));
 }
 
-void Traffic::advance(std::chrono::milliseconds time) {
+bool Traffic::advance(std::chrono::milliseconds time) {
     now = millisecondsSinceEpoch();
     bool const wasUp = links[0].quality > 0;
     advanceLink(links[0], wifiQuality(step));
@@ -58,6 +53,7 @@ void Traffic::advance(std::chrono::milliseconds time) {
     }
     count(time);
     ++step;
+    return false;
 }
 
 double Traffic::noise(double spread) {

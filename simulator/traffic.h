@@ -1,31 +1,29 @@
 #pragma once
 
+#include "statistics.h"
+
 #include <array>
-#include <chrono>
-#include <cstdint>
-#include <json/value.h>
 #include <random>
-#include <set>
 #include <string>
 
 namespace kelvarissim {
 
-using Period = std::uint32_t; // hours; 0: this session
-constexpr Period allTime = UINT32_MAX;
-
 // The simulated traffic of a bonded session. The Wi-Fi link fades, drops and recovers every twenty steps;
 // meanwhile the cellular link, with three times the latency, carries everything, and the stream's health
 // becomes poor. The noise is the same in every run.
-class Traffic {
+class Traffic final : public Statistics {
 public:
     Traffic();
 
-    // Advances by one step: the links get new values, and the counters grow by the traffic of that time.
-    void advance(std::chrono::milliseconds time);
-
-    Json::Value connectionReport() const;
-    Json::Value sessionReport(std::set<Period> const& periods) const;
-    Json::Value streamingReport() const;
+    // Advances by one step: the links get new values, and the counters grow by the traffic of that time. The
+    // adapters stay as they are.
+    bool advance(std::chrono::milliseconds time) override;
+    bool goesOnUnheard() const override {
+        return false;
+    }
+    Json::Value connectionReport() const override;
+    Json::Value sessionReport(std::set<Period> const& periods) const override;
+    Json::Value streamingReport() const override;
 
 private:
     struct Link {

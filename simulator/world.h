@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <json/value.h>
+#include <optional>
 #include <vector>
 
 namespace kelvarissim {
@@ -25,6 +27,7 @@ std::vector<Json::Value> initialAdapters();
 struct World {
     SessionState state = SessionState::loggedIn;
     std::vector<Json::Value> adapters = initialAdapters();
+    std::optional<std::uint64_t> trafficSeed; // from --traffic; without it the traffic is always the same
 };
 
 // Changes the state and broadcasts "report_current_state", even when the state stays the same.

@@ -6,7 +6,9 @@
 //     ~    a number of reports that are passed over
 //     .    how the link ends
 // Times of the day are starred out.
+// Then the traffic that the option of this name makes, whose model is linked where days would take too long.
 
+#include "day.h"
 #include "easywsclient.h"
 #include "support/simulator.h"
 #include "support/texts.h"
@@ -38,6 +40,7 @@ public:
     // The next report, or why there is none.
     std::string next() {
         bool isClosing = false;
+        int patienceLeft = 1000; // in waits of at most 20 ms
         while (reports.empty() && socket->getReadyState() != WebSocket::CLOSED && --patienceLeft > 0) {
             isClosing = socket->getReadyState() == WebSocket::CLOSING;
             socket->poll(20);
@@ -54,7 +57,6 @@ public:
 private:
     std::unique_ptr<WebSocket> socket;
     std::deque<std::string> reports;
-    int patienceLeft = 1000; // in waits of at most 20 ms
 };
 
 // Made before the threads: making an expression fills a cache of the locale that no lock guards.
@@ -92,6 +94,81 @@ std::string played(std::string const& piece) {
     return seen;
 }
 
+// The four reports of an interval, as texts and as values, and the states reported before them.
+struct Tick {
+    std::string text;
+    std::string streamText;
+    Json::Value networks, connections, session, streams;
+    std::string states;
+
+    Json::Value const& connection(char const* adapter) const {
+        for (Json::Value const& each : connections["connections"]) {
+            if (each["guid"] == adapter) {
+                return each;
+            }
+        }
+        return Json::Value::nullSingleton();
+    }
+    Json::Int64 bytes() const {
+        return session["0"]["bytes_recv"].asInt64() + session["0"]["bytes_sent"].asInt64();
+    }
+    Json::Int64 usage(Json::ArrayIndex adapter, char const* key = "usage") const {
+        return networks[adapter]["limits"][key].asInt64();
+    }
+    Json::Int64 usageOfAll() const {
+        return usage(0) + usage(1) + usage(2) + usage(3);
+    }
+};
+
+// A simulated daemon with traffic, of which four seconds pass from one report to the next, and a client that gets
+// its statistics.
+class Traffic {
+public:
+    explicit Traffic(std::string const& options = "")
+        : daemon(split("--traffic --interval 4 --speed 1000 " + options)), link(daemon.port) {
+        link.send(R"(stat_subscribe {"enable":true,"periods":[0,24,4294967295]})");
+    }
+
+    Tick tick() {
+        Tick tick;
+        while (tick.streams.isNull()) {
+            std::string const text = link.next();
+            Json::Value const report = parsed(text);
+            std::string const name = report[0].asString();
+            if (name == "report_networks") {
+                tick.networks = report[1];
+            } else if (name == "report_connection_stats") {
+                tick.connections = report[1];
+            } else if (name == "report_session_stats") {
+                tick.session = report[1];
+            } else if (name == "report_streaming_stats") {
+                tick.streams = report[1];
+                tick.streamText = text;
+            } else if (name == "report_current_state") {
+                tick.states += report[1]["state"].asString();
+            }
+            tick.text += text + '\n';
+        }
+        return tick;
+    }
+    std::vector<Tick> ticks(int count) {
+        std::vector<Tick> all;
+        std::generate_n(std::back_inserter(all), count, [this] { return tick(); });
+        return all;
+    }
+
+    Simulator daemon;
+    Link link;
+};
+
+std::string texts(std::string const& options, int ticks) {
+    std::string all;
+    for (Tick const& tick : Traffic(options).ticks(ticks)) {
+        all += shown(tick.text);
+    }
+    return all;
+}
+
 } // namespace
 
 TEST(Simulator, LogHidesSecrets) {
@@ -127,4 +204,163 @@ TEST(Simulator, ReportsAreRepeated) {
     for (auto& [expected, seen] : runs) {
         EXPECT_EQ(shown(seen.get()), expected);
     }
+}
+
+TEST(SimulatedTraffic, SeedDecides) {
+    std::string const seven = texts("--seed 7", 40);
+    EXPECT_EQ(texts("--seed 7", 40), seven);
+    EXPECT_NE(texts("--seed 8", 40), seven);
+    EXPECT_EQ(texts("--seed 7 --speed 400 --interval 10", 40), seven) << "speed";
+}
+
+// Counters and states don't depend on how often they are reported, although rates are those since the last report.
+TEST(SimulatedTraffic, IntervalDecidesNothing) {
+    std::vector<Tick> const seldom = Traffic("--interval 8 --speed 1125").ticks(40);
+    std::vector<Tick> const often = Traffic("--interval 2 --speed 1125").ticks(160);
+    for (std::size_t i = 0; i < seldom.size(); ++i) {
+        EXPECT_EQ(often[4 * i + 3].networks, seldom[i].networks);
+        EXPECT_EQ(often[4 * i + 3].bytes(), seldom[i].bytes());
+        EXPECT_EQ(shown(often[4 * i + 3].streamText), shown(seldom[i].streamText));
+    }
+}
+
+TEST(SimulatedTraffic, FiguresAgree) {
+    Traffic traffic;
+    Tick last = traffic.tick();
+    for (Tick const& tick : traffic.ticks(150)) {
+        Json::Int64 const bits = (tick.bytes() - last.bytes()) * 8;
+        Json::Int64 const ms = tick.connections["time"].asInt64() - last.connections["time"].asInt64();
+        EXPECT_EQ(ms, 4000);
+        Json::Int64 rates = 0;
+        for (Json::Value const& each : tick.connections["connections"]) {
+            rates += each["totBps"].asInt64();
+            EXPECT_EQ(each["rcvBps"].asInt64() + each["sndBps"].asInt64(), each["totBps"].asInt64());
+            if (!each["cnnct"].asBool()) {
+                continue;
+            }
+            EXPECT_GE(each["lsR"].asDouble(), 0);
+            EXPECT_LT(each["lsR"].asDouble(), 0.2);
+            EXPECT_GT(each["ltMs"].asInt(), each["jtMs"].asInt());
+            EXPECT_LT(each["ltMs"].asInt(), 300);
+        }
+        EXPECT_NEAR(static_cast<double>(rates * ms / 1000), static_cast<double>(bits), 8.0 * 4);
+        EXPECT_EQ(tick.usageOfAll() - last.usageOfAll(), tick.bytes() - last.bytes());
+        EXPECT_GE(tick.session["4294967295"]["bytes_recv"], last.session["4294967295"]["bytes_recv"]);
+        last = tick;
+    }
+    EXPECT_GT(last.bytes(), 0);
+}
+
+TEST(SimulatedTraffic, CharactersDiffer) {
+    double spread[2][2] = {{1e9, 0}, {1e9, 0}};
+    bool hasRaised = false;
+    for (Tick const& tick : Traffic("--interval 2 --speed 500").ticks(200)) {
+        char const* const adapters[] = {"eth0", "wwan0"};
+        for (int i = 0; i < 2; ++i) {
+            double const rate = tick.connection(adapters[i])["rcvEstMbps"].asDouble();
+            spread[i][0] = std::min(spread[i][0], rate);
+            spread[i][1] = std::max(spread[i][1], rate);
+        }
+        hasRaised = hasRaised || tick.connection("wwan0")["lsR"].asDouble() > 0.05;
+    }
+    EXPECT_LT(spread[0][1], spread[0][0] * 1.1) << "steady";
+    EXPECT_GT(spread[1][1], spread[1][0] * 3) << "bursts";
+    EXPECT_TRUE(hasRaised) << "loss";
+}
+
+TEST(SimulatedTraffic, AdapterDropsOutAndStreamsEnd) {
+    Traffic traffic;
+    Link bystander(traffic.daemon.port);
+    int previous = 2;
+    std::string states;
+    std::string healths;
+    for (Tick const& tick : traffic.ticks(200)) {
+        int const state = tick.networks[3]["connectionState"].asInt();
+        bool const isUp = tick.connection("eth1")["cnnct"].asBool();
+        EXPECT_EQ(isUp, state == 2);
+        EXPECT_TRUE(isUp || previous == 2 || tick.connection("eth1")["totBps"] == 0);
+        if (state != previous) {
+            states += std::to_string(state);
+            EXPECT_EQ(parsed(bystander.next())[1], tick.networks) << "everybody is told";
+        }
+        previous = state;
+        EXPECT_EQ(tick.states, "");
+        std::string const health =
+            tick.streams["streams"].empty() ? "-" : tick.streams["streams"][0]["health"].asString();
+        healths += health == healths.substr(healths.empty() ? 0 : healths.size() - 1) ? "" : health;
+    }
+    EXPECT_TRUE(std::regex_search(states, std::regex("^0.*2"))) << states;
+    EXPECT_TRUE(std::regex_search(healths, std::regex("-.*2.*0.*-"))) << healths;
+    bystander.send("request_current_state");
+    Json::Value report = parsed(bystander.next());
+    while (report[0] != "report_current_state") {
+        report = parsed(bystander.next());
+    }
+    EXPECT_EQ(report[1]["state"], 6);
+}
+
+TEST(SimulatedTraffic, LimitsFill) {
+    Traffic traffic;
+    traffic.link.send(R"(set_network_daily_limit {"network":"eth0","max":30000000})");
+    traffic.link.send(R"(set_network_limit {"network":"wwan0","max":16210000000,"resetDay":15})");
+    traffic.link.send(R"(set_network_priority {"network":"wlan0","priority":2})");
+    traffic.link.send(R"(set_network_priority {"network":"eth1","priority":2})");
+    Tick tick = traffic.tick();
+    for (int i = 0; i < 500 && (tick.usage(0, "usageDaily") < 30'000'000 || tick.usage(2) < 16'210'000'000);
+         ++i) {
+        EXPECT_EQ(tick.usage(1), 0) << "a backup carried something before the others were full";
+        tick = traffic.tick();
+    }
+    tick = traffic.ticks(2).back();
+    EXPECT_EQ(tick.usage(0, "usageDaily"), 30'000'000);
+    EXPECT_EQ(tick.connection("eth0")["totBps"], 0);
+    EXPECT_EQ(tick.connection("eth0")["zzz"], 1);
+    EXPECT_GT(tick.connection("wwan0")["totBps"].asInt(), 0);
+    EXPECT_LE(tick.connection("wwan0")["rcvBps"].asInt(), 128'000) << "the rate over a limit";
+
+    traffic.link.send(R"(add_net_daily_limit_boost {"network":"eth0","value":1000000})");
+    EXPECT_EQ(traffic.ticks(30).back().usage(0, "usageDaily"), 31'000'000);
+}
+
+TEST(SimulatedTraffic, UsageBeginsAnewAtMidnight) {
+    kelvarissim::Character const idle{1, 1, 10, 0, 0, 0, 1, 0, 0, 0};
+    kelvarissim::Day day({idle, idle, idle}, 1);
+    for (kelvarissim::Line& line : day.lines) {
+        line.usage.month = 3000;
+        line.usage.day = 500;
+        line.usage.boostDaily = 10;
+    }
+    day.lines[1].usage.resetDay = 7;
+    day.lines[2].usage.resetDay = 8;
+    day.advance(std::chrono::hours(16) - std::chrono::milliseconds(100));
+    EXPECT_EQ(day.lines[0].usage.day, 500);
+    day.advance(std::chrono::milliseconds(50));
+    EXPECT_EQ(day.lines[0].usage.day, 500);
+    day.advance(std::chrono::milliseconds(50));
+    EXPECT_EQ(day.lines[0].usage.day, 0);
+    EXPECT_EQ(day.lines[0].usage.boostDaily, 0);
+    EXPECT_EQ(day.lines[0].usage.month, 2900);
+    EXPECT_EQ(day.lines[1].usage.month, 0);
+    EXPECT_EQ(day.lines[2].usage.month, 3000);
+}
+
+TEST(SimulatedTraffic, SessionEndsAndBeginsAnew) {
+    Traffic traffic;
+    Json::Int64 const before = traffic.ticks(30).back().bytes();
+    auto const tickInState = [&](char state) {
+        Tick tick = traffic.tick();
+        while (!tick.states.ends_with(state)) {
+            tick = traffic.tick();
+        }
+        return tick;
+    };
+    traffic.link.send("server_disconnect");
+    Tick const idle = tickInState('2');
+    EXPECT_GE(idle.bytes(), before);
+    EXPECT_EQ(idle.connections["connections"], Json::arrayValue);
+    EXPECT_EQ(idle.streams["streams"], Json::arrayValue);
+    EXPECT_EQ(traffic.tick().bytes(), idle.bytes());
+    traffic.link.send(R"(server_auto_connect {"server":"auto"})");
+    EXPECT_LT(tickInState('6').bytes(), before);
+    EXPECT_EQ(traffic.tick().connections["connections"].size(), 4U);
 }

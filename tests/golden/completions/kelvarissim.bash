@@ -3,8 +3,8 @@
 _kelvarissim() {
     COMPREPLY=()
     case $3 in
-    --port | --interval | --delay | --lock | --drop-after | --close-frame-after | --connect-error | --disconnect-reason | --safebrowsing-error) ;;
-    *) mapfile -t COMPREPLY < <(compgen -W '--port --verbose --interval --silent --delay --lock --drop-after --close-frame-after --connect-error --disconnect-reason --safebrowsing-error --help' -- "$2") ;;
+    --port | --interval | --seed | --speed | --delay | --lock | --drop-after | --close-frame-after | --connect-error | --disconnect-reason | --safebrowsing-error) ;;
+    *) mapfile -t COMPREPLY < <(compgen -W '--port --verbose --interval --traffic --seed --speed --silent --delay --lock --drop-after --close-frame-after --connect-error --disconnect-reason --safebrowsing-error --help' -- "$2") ;;
     esac
 }
 

@@ -5,6 +5,9 @@ _arguments \
     '--port[listens on this port (9330); 0 picks a free one]:N:' \
     '--verbose[logs each request (<-) and each report (->) on standard error]' \
     '--interval[time between two periodic reports (1000)]:MS:' \
+    '--traffic[connects at the start and lives through days of lively traffic]' \
+    '--seed[which days --traffic lives through (1)]:N:' \
+    '--speed[how much faster they pass than real ones (1)]:FACTOR:' \
     '--silent[upgrades and obeys, but reports nothing]' \
     '--delay[handles each request that much later, in order]:MS:' \
     '*--lock[answers that request with a locked setting; repeatable]:REQUEST=REASON:' \
