@@ -18,11 +18,12 @@ constexpr unsigned leavingLimit = 1; // seconds
 
 std::atomic<int> finalStatus = 1;
 
-// Descriptors that the caller has closed would be given to the link, and lines would go there.
+// Descriptors that the caller has closed would be given to the link, and lines would go there. The stand-ins fail to
+// write, as the closed ones would.
 void occupyStandardDescriptors() {
     int descriptor = 0;
     do {
-        descriptor = open("/dev/null", O_RDWR);
+        descriptor = open("/dev/null", O_RDONLY);
     } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
     if (descriptor >= 0) {
         close(descriptor);
@@ -33,11 +34,21 @@ void occupyStandardDescriptors() {
 void limitLeaving(int status) {
     finalStatus = status;
     std::signal(SIGALRM, [](int) { _exit(finalStatus); });
+    sigset_t alarms;
+    sigemptyset(&alarms);
+    sigaddset(&alarms, SIGALRM);
+    sigprocmask(SIG_UNBLOCK, &alarms, nullptr);
     alarm(leavingLimit);
 }
 
+// A signal that the caller has the program ignore, as nohup does, stays ignored.
 void onInterrupt(Loop& loop, std::unique_ptr<Command> const& command) {
     for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler == SIG_IGN) {
+            continue;
+        }
         loop.onSignal(signal, [&loop, &command, signal] { loop.end(command->interrupted(signal)); });
     }
 }

@@ -7,6 +7,8 @@ namespace monitor {
 namespace {
 
 constexpr std::chrono::seconds openingLimit{1};
+// The link may be gone and be back before anybody takes it for lost, and what was reported meanwhile was missed.
+constexpr std::chrono::seconds refreshPeriod{3};
 // Reports and results that are dispatched before other descriptors have their turn.
 constexpr std::size_t dispatchCount = 64;
 
@@ -33,6 +35,7 @@ void Monitor::start(Command& ofCommand) {
     unanswered.remove(Topic::error);
     loop.addDescriptor(client->fd(), POLLIN, [this](short) { dispatch(); });
     loop.setTimer(openingLimit, [this] { open(); });
+    loop.setTimer(refreshPeriod, [this] { refresh(); });
     subscriptions.push_back(client->onLink([this](kelvaris::Link link) {
         if (setLink(known, link)) {
             announce(Topic::link);
@@ -70,6 +73,20 @@ void Monitor::subscribe(Topic topic, kelvaris::StreamCall<T> const& call, Put pu
         }
         answered(topic);
     }));
+}
+
+// The answers reach the subscriptions.
+void Monitor::refresh() {
+    auto const read = [this](Topic topic, auto const& call) {
+        if (known.isUp() && wanted.has(topic)) {
+            call.then([](auto const&) {});
+        }
+    };
+    read(Topic::state, client->getState());
+    read(Topic::server, client->getConnectedServer());
+    read(Topic::settings, client->getSettings());
+    read(Topic::adapters, client->getAdapters());
+    loop.setTimer(refreshPeriod, [this] { refresh(); });
 }
 
 // A daemon that is away answers nothing, so its absence answers all.

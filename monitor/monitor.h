@@ -22,7 +22,7 @@ public:
 
 private:
     template <class T, class Put> void subscribe(Topic topic, kelvaris::StreamCall<T> const& call, Put put);
-    void subscribeToStatistics(Topics wanted);
+    void refresh();
     void answered(Topic topic);
     void announce(Topic topic);
     void open();

@@ -109,11 +109,14 @@ void Output::flush() {
 // A full disk has taken a part of a line, which would spoil what is added later.
 void Output::fail(int error) {
     waiting.clear();
+    bool isCut = unfinished == 0;
     struct stat status {};
     if (!file.empty() && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-        static_cast<void>(ftruncate(descriptor, status.st_size - static_cast<off_t>(unfinished)));
+        isCut = ftruncate(descriptor, status.st_size - static_cast<off_t>(unfinished)) == 0;
     }
-    throw std::system_error(error, std::generic_category(), file.empty() ? "standard output" : file);
+    std::string const name = file.empty() ? "standard output" : file;
+    throw std::system_error(error, std::generic_category(),
+                            isCut ? name : name + ", which may end within a line");
 }
 
 } // namespace monitor

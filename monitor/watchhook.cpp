@@ -108,6 +108,7 @@ std::string Event::line() const {
 }
 
 Hook::Hook(Loop& ofLoop, Options const& ofOptions) : loop(ofLoop), options(ofOptions) {
+    std::signal(SIGCHLD, SIG_DFL); // a caller that ignores it would have us wait for nothing
     loop.onSignal(SIGCHLD, [this] { reap(); });
 }
 

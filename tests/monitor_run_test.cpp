@@ -111,15 +111,21 @@ TEST_F(MonitorRun, WaitEndsWithItsGoalItsTimeOutOrASignal) {
     Process connected(monitorCommand(port, {"wait", "--for", "state:CONNECTED"}));
     Process endless(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
     Process interrupted(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
+    Process ignoring(
+        {.path = "/bin/sh",
+         .argv = {"sh", "-c", "trap '' HUP; exec \"$0\" --port \"$1\" wait --for state:CONNECTED",
+                  MONITOR_PATH, std::to_string(port)}});
 
     // The daemon comes later than those who wait for it, and is killed before it is what they wait for.
     std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
     EXPECT_EQ(daemon.wait().status, 0);
     EXPECT_EQ(runMonitor(port, {"wait", "--for", "network", "--timeout", "0.5"}).status, 124);
+    ignoring.signal(SIGHUP);
     simulator.reset();
     simulator.emplace(std::vector<std::string>{}, port);
     tool(port, {"connect", "us", "nyc"});
     EXPECT_EQ(connected.wait().status, 0);
+    EXPECT_EQ(ignoring.wait().status, 0) << "a hang-up that nohup had it ignore ended it";
     EXPECT_EQ(network.wait().status, 0);
     EXPECT_EQ(network.out(), "");
     endless.signal(SIGTERM);
@@ -154,7 +160,7 @@ TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
     simulator.reset();
     watch.waitForOutput("\"lost\"");
     simulator.emplace(std::vector<std::string>{}, port);
-    watch.waitForOutput("\"seq\":7,");
+    watch.waitForOutput(R"("event":"state","data":{"state":"LOGGED_IN"})");
     watch.signal(SIGINT);
     Outcome const& outcome = watch.wait();
     EXPECT_EQ(outcome.status, 0);
@@ -164,17 +170,19 @@ TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
     std::vector<std::string> told;
     for (std::string line; std::getline(lines, line);) {
         Json::Value const object = parsed(line);
-        EXPECT_EQ(object["seq"], Json::UInt64(told.size()));
+        EXPECT_EQ(object["seq"].asUInt64(), told.size());
         EXPECT_EQ(object.size(), 4U);
         std::string const event = object["event"].asString();
         told.push_back(
             event + (event == "snapshot" || event == "server" ? "" : " " + object["data"][event].asString()));
     }
-    std::vector<std::string> const expected = {"snapshot",  "state CONNECTING", "server", "state CONNECTED",
-                                               "link lost", "link up",          "server", "state LOGGED_IN"};
-    ASSERT_EQ(told.size(), expected.size());
-    std::sort(told.end() - 2, told.end()); // what is read anew comes in any order
-    EXPECT_EQ(told, expected);
+    // On a busy machine the link may be lost more than once, and then more is told.
+    auto next = told.begin();
+    for (char const* const each : {"snapshot", "state AUTO_CONNECTING", "state CONNECTING", "server",
+                                   "state CONNECTED", "link lost", "link up", "state LOGGED_IN"}) {
+        next = std::find(next, told.end(), each);
+        ASSERT_NE(next, told.end()) << each << " isn't told, or not in its turn:\n" << outcome.out;
+    }
 }
 
 // Starts the monitor with a pipe as its standard output, which nobody reads.
@@ -253,15 +261,13 @@ TEST_F(MonitorRun, HookThatHangsIsKilledWithItsChildrenAndTheNewestEventIsNext) 
     Process watch(monitorCommand(
         simulator.port, {"watch", "--exec-timeout", "0.3", "--exec", "sh", "-c", script, "sh", folder}));
     watch.waitForOutput("sh took longer than 0.3 s and was killed");
-    awaitContent("seen", "\n");
     auto const limit = std::chrono::steady_clock::now() + patience();
-    while (std::count(contentOf("seen").begin(), contentOf("seen").end(), '\n') < 2 &&
+    int first = -1;
+    int second = -1;
+    while (!(std::istringstream(contentOf("seen")) >> first >> second) &&
            std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(20ms);
     }
-    int first = -1;
-    int second = -1;
-    std::istringstream(contentOf("seen")) >> first >> second;
     EXPECT_EQ(first, 0);
     EXPECT_GT(second, 20) << "1.3 s of reports came meanwhile, and the oldest of them must not be next";
     int held = 0;
@@ -311,6 +317,11 @@ TEST_F(MonitorRun, RecordAddsToItsFileReopensItAndSeesADaemonGo) {
 
 TEST_F(MonitorRun, RecordOnAFullDiskIsAnError) {
     Simulator const simulator;
+    Outcome const closed = runProcess({.path = "/bin/sh",
+                                       .argv = {"sh", "-c", "exec \"$0\" --port \"$1\" record >&-",
+                                                MONITOR_PATH, std::to_string(simulator.port)}});
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_EQ(closed.err, "kelvaris-monitor: standard output: Bad file descriptor\n");
     for (std::string const file : {"/dev/full", "/nowhere/r.csv"}) {
         Outcome const outcome = runMonitor(simulator.port, {"record", file});
         EXPECT_EQ(outcome.status, 1);
