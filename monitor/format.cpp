@@ -57,6 +57,15 @@ std::string shortRate(double bitsPerSecond, Unit unit) {
     return number + prefix;
 }
 
+std::string scaleText(double bitsPerSecond, Unit unit) {
+    auto [number, prefix] = scaled(unit == Unit::bits ? bitsPerSecond : bitsPerSecond / 8);
+    if (number.find('.') != std::string::npos) {
+        number.erase(number.find_last_not_of('0') + 1);
+        number.erase(number.find_last_not_of('.') + 1);
+    }
+    return number + prefix;
+}
+
 std::string bytesText(double bytes) {
     auto const [number, prefix] = scaled(bytes);
     return number + " " + prefix + "B";

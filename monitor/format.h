@@ -18,6 +18,8 @@ constexpr char unknown[] = "–";
 std::string rateText(double bitsPerSecond, Unit unit);
 // "42.1M", at most 5 columns.
 std::string shortRate(double bitsPerSecond, Unit unit);
+// The same of a round number: "50M".
+std::string scaleText(double bitsPerSecond, Unit unit);
 // "12.4 GB", at most 7 columns.
 std::string bytesText(double bytes);
 // "3 d 4 h", "2 h 14 min", "14 min 3 s", "8 s".

@@ -23,8 +23,8 @@ int widthOf(char32_t code) {
 }
 
 char32_t asciiFor(char32_t code) {
-    constexpr std::u32string_view fancy = U"●◐○↓↑·…━╸─–±▔›×";
-    constexpr std::u32string_view simple = U"*+ov^-~=---+^>x";
+    constexpr std::u32string_view fancy = U"●◐○↓↑·…━╸─–±";
+    constexpr std::u32string_view simple = U"*+ov^-~=---+";
     static_assert(fancy.size() == simple.size());
     auto const at = fancy.find(code);
     return at == std::u32string_view::npos ? U'?' : simple[at];

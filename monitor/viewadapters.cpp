@@ -114,12 +114,18 @@ void drawGauge(Scene const& scene, Gauge const& gauge, int row, int column, int 
     constexpr int shortestBar = 6;
     Ink const ink = inkOf(gauge);
     scene.grid.put(row, column, gauge.period, dimStyle, columns);
-    std::string const figures = bytesText(gauge.used) + " of " + bytesText(gauge.limit);
+    std::string const limit = bytesText(gauge.limit);
+    std::string used = bytesText(gauge.used);
+    std::size_t const unit = used.find(' ');
+    if (limit.ends_with(used.substr(unit))) {
+        used.resize(unit);
+    }
+    std::string const figures = used + " of " + limit;
     std::string const text =
         joinFitting({figures, gauge.rest}, " · ", columns - periodColumns - shortestBar - 1);
     int const bar = std::max(columns - periodColumns - widthOf(text) - 1, 0);
     drawBar(scene, row, column + periodColumns, bar, gauge.used / gauge.limit, ink);
-    scene.grid.put(row, column + periodColumns + bar + 1, text, {.ink = ink == Ink::good ? Ink::plain : ink});
+    scene.grid.put(row, column + periodColumns + bar + 1, text, {.ink = ink == Ink::bad ? ink : Ink::plain});
 }
 
 // ---- Places ----
@@ -235,7 +241,7 @@ void drawCard(Scene const& scene, ShownAdapter const& adapter, int row, int grap
         grid.put(row, column, arrow, {.ink = ink});
         putRight(scene, row, column + 2, labelColumns - 3, rateOf(scene, adapter, member, false), plainStyle);
         if (graphRows >= 2) {
-            putRight(scene, row + 1, column, labelColumns - 1, "▔ " + shortRate(top, scene.view.unit),
+            putRight(scene, row + 1, column, labelColumns - 1, "scale " + scaleText(top, scene.view.unit),
                      dimStyle);
         }
     };
@@ -256,11 +262,11 @@ struct LineColumns {
     int limit = 6;
     int sendGraph = 7;
     int loss = 7;
-    int receiveGraph = 7;
+    int receiveGraph = 6;
     int latency = 7;
     int send = 8;
     int receive = 8;
-    int name = 8;
+    int name = 9;
 };
 
 LineColumns fitLine(int columns) {

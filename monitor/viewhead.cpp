@@ -13,10 +13,10 @@ namespace {
 constexpr int wideHead = 90;
 constexpr int narrowHead = 50;
 
-struct Words {
-    Style style;
-    std::string text;
-};
+// Where columns are few none is left empty.
+int marginOf(Scene const& scene) {
+    return scene.columns() < narrowHead ? 0 : 1;
+}
 
 // "Auto connecting"
 std::string stateText(kelvaris::State state) {
@@ -81,10 +81,12 @@ std::string linkText(Scene const& scene) {
 void drawState(Scene const& scene, int columns) {
     Snapshot const& snapshot = scene.snapshot;
     Grid& grid = scene.grid;
+    int const dot = marginOf(scene);
+    int const text = dot + 2;
     if (!snapshot.isUp()) {
         Style const style{.ink = snapshot.link ? Ink::bad : Ink::plain, .bold = true};
-        grid.put(0, 1, "○", style);
-        int const column = grid.put(0, 3, linkText(scene), style, columns - 3) + 2;
+        grid.put(0, dot, "○", style);
+        int const column = grid.put(0, text, linkText(scene), style, columns - text) + 2;
         if (snapshot.link) {
             std::string const since = agoOf(snapshot.linkSince, scene.view.now);
             grid.put(0, column, "waiting for it on " + scene.view.daemon + ", " + since, dimStyle,
@@ -93,15 +95,15 @@ void drawState(Scene const& scene, int columns) {
         return;
     }
     if (!snapshot.state) {
-        grid.put(0, 1, "○");
-        grid.put(0, 3, "The daemon hasn't told its state", dimStyle, columns - 3);
+        grid.put(0, dot, "○");
+        grid.put(0, text, "The daemon hasn't told its state", dimStyle, columns - text);
         return;
     }
     bool const isCurrent = snapshot.state.current;
     Ink const ink = inkOf(*snapshot.state);
     Style const style{.ink = isCurrent ? ink : Ink::plain, .bold = isCurrent, .dim = !isCurrent};
-    grid.put(0, 1, dotOf(ink), style);
-    int const column = grid.put(0, 3, stateText(*snapshot.state), style, columns - 3) + 2;
+    grid.put(0, dot, dotOf(ink), style);
+    int const column = grid.put(0, text, stateText(*snapshot.state), style, columns - text) + 2;
     if (!isCurrent) {
         grid.put(0, column, agoOf(snapshot.state.time, scene.view.now) + " ago", dimStyle, columns - column);
     } else {
@@ -144,7 +146,7 @@ void drawRates(Scene const& scene, int row, int columns) {
         return std::string(static_cast<std::size_t>(std::max(0, (isShort ? 5 : 11) - widthOf(shown))), ' ') +
                shown;
     };
-    int column = grid.put(row, 1, "↓ ", {.ink = Ink::receive});
+    int column = grid.put(row, marginOf(scene), "↓ ", {.ink = Ink::receive});
     column = grid.put(row, column, text(receive), boldStyle) + (isShort ? 1 : 3);
     column = grid.put(row, column, "↑ ", {.ink = Ink::send});
     column = grid.put(row, column, text(send), boldStyle) + (isShort ? 2 : 4);
@@ -220,7 +222,7 @@ void drawHead(Scene const& scene, int rows) {
         grid.putBefore(1, columns - 1, note, noteStyle);
     } else if (rows >= 3) {
         int const begin = note.empty() ? columns : grid.putBefore(1, columns - 1, note, noteStyle);
-        grid.put(1, 1, joinFitting(sessionWords(scene), " · ", begin - 2), wordsStyle);
+        grid.put(1, marginOf(scene), joinFitting(sessionWords(scene), " · ", begin - 2), wordsStyle);
     }
 }
 

@@ -10,7 +10,7 @@ namespace monitor {
 
 namespace {
 
-constexpr int axisColumns = 12;
+constexpr int axisColumns = 7;
 
 std::string rightAligned(std::string const& text, int columns) {
     return std::string(static_cast<std::size_t>(std::max(columns - widthOf(text), 0)), ' ') + text;
@@ -75,9 +75,9 @@ void drawDirection(Scene const& scene, ShownAdapter const& adapter, double Traff
     grid.put(row, column, figures, dimStyle);
     double const top = drawTraffic(scene, adapter, member, {row + 1, axis + 1, rows - 1, columns});
     if (axis > 0 && rows > 1) {
-        grid.put(row + 1, 0, rightAligned(rateText(top, scene.view.unit), axis), dimStyle);
+        grid.put(row + 1, 0, rightAligned(scaleText(top, scene.view.unit), axis), dimStyle);
         if (rows >= 6) {
-            grid.put(row + 1 + (rows - 1) / 2, 0, rightAligned(rateText(top / 2, scene.view.unit), axis),
+            grid.put(row + 1 + (rows - 1) / 2, 0, rightAligned(scaleText(top / 2, scene.view.unit), axis),
                      dimStyle);
         }
         grid.put(row + rows - 1, 0, rightAligned("0", axis), dimStyle);
@@ -120,7 +120,7 @@ std::string detailsOf(Scene const& scene, ShownAdapter const& adapter, int colum
     return joinFitting(words, " · ", columns);
 }
 
-constexpr std::array<std::array<char const*, 2>, 12> helpRows = {{
+constexpr std::array<std::array<char const*, 2>, 13> helpRows = {{
     {"q, Ctrl-C", "quit"},
     {"?, h", "this page"},
     {"p, Space", "pause, and go on"},
@@ -133,6 +133,7 @@ constexpr std::array<std::array<char const*, 2>, 12> helpRows = {{
     {"Esc", "back"},
     {"Ctrl-L", "draw anew"},
     {"Ctrl-Z", "suspend"},
+    {"● ◐ ○", "connected, connecting, disconnected"},
 }};
 
 } // namespace
@@ -183,7 +184,8 @@ void drawFull(Scene const& scene, ShownAdapter const& adapter, int row, int rows
     int const times = rows >= 6 ? 1 : 0;
     int const each = (end - row - times) / 2;
     int const first = end - row - times - each;
-    drawDirection(scene, adapter, &Traffic::receiveBitsPerSecond, row, first);
+    int const between = each >= 6 ? 1 : 0;
+    drawDirection(scene, adapter, &Traffic::receiveBitsPerSecond, row, first - between);
     drawDirection(scene, adapter, &Traffic::sendBitsPerSecond, row + first, each);
     if (times > 0) {
         drawTimes(scene, end - 1);

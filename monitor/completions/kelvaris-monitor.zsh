@@ -24,6 +24,8 @@ if [[ $command == watch && $exec -lt $CURRENT ]]; then
 fi
 case $command:$words[CURRENT-1] in
 *:--address) _hosts && return ;;
+top:--color) compadd -- auto always never && return ;;
+top:--graph) compadd -- auto braille block ascii && return ;;
 *:--port | *:--interval | *:--count | *:--timeout | *:--exec-timeout) _message value && return ;;
 wait:--for) compadd -- daemon network state:LOGGED_OUT state:LOGGING_IN state:LOGGED_IN state:AUTO_CONNECTING state:CONNECTING state:DISCONNECTING state:CONNECTED state:OVERLIMIT && return ;;
 esac
