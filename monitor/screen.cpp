@@ -59,6 +59,16 @@ cchar_t drawn(Cell const& cell, bool isColoured) {
     return result;
 }
 
+// Into the corner of a single column ncurses can't write: it would begin in the column on its left.
+void writeCorner(Grid const& picture) {
+    int const row = picture.size().rows - 1;
+    std::string const text = picture.rowText(row);
+    wmove(stdscr, row, 0);
+    wrefresh(stdscr);
+    std::fputs((text.empty() ? " \r" : text + '\r').c_str(), stdout);
+    std::fflush(stdout);
+}
+
 bool takesOutput() {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
     return poll(&output, 1, 0) != 0;
@@ -128,13 +138,17 @@ bool Screen::show(Grid const& picture) {
     for (int row = 0; row < size.rows; ++row) {
         for (int column = 0; column < size.columns; ++column) {
             Cell const& cell = picture.at(row, column);
-            if (cell.text[0] != 0 && !(isSame && cell == shown.at(row, column))) {
+            bool const isCorner = size.columns == 1 && row == size.rows - 1;
+            if (cell.text[0] != 0 && !isCorner && !(isSame && cell == shown.at(row, column))) {
                 cchar_t const character = drawn(cell, isColoured && has_colors());
                 mvwadd_wch(stdscr, row, column, &character);
             }
         }
     }
     wrefresh(stdscr);
+    if (size.columns == 1 && size.rows > 0) {
+        writeCorner(picture);
+    }
     shown = picture;
     return true;
 }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <sys/ioctl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace monitor {
 
@@ -149,7 +150,7 @@ public:
 
 private:
     void draw() {
-        loop.removeTimer(timer);
+        loop.removeTimer(std::exchange(timer, 0));
         screen.show(picture(frozen ? *frozen : snapshot, screen.size()));
         bool const isQuiet = view.pausedSince || !snapshot.isUp() || !snapshot.connections ||
                              Clock::now() - snapshot.connections.time > tickBesidesReports;

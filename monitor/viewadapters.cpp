@@ -87,8 +87,8 @@ std::vector<Gauge> gaugesOf(ShownAdapter const& adapter, ViewState const& view) 
     for (Gauge& gauge : gauges) {
         if (gauge.used >= gauge.limit && usage.overlimitRate) {
             gauge.rest = *usage.overlimitRate > 0
-                             ? "limited to " + rateText(static_cast<double>(*usage.overlimitRate), view.unit)
-                             : "not used any more";
+                             ? "now " + rateText(static_cast<double>(*usage.overlimitRate), view.unit)
+                             : "not used now";
         }
     }
     return gauges;

@@ -87,11 +87,10 @@ void drawState(Scene const& scene, int columns) {
         Style const style{.ink = snapshot.link ? Ink::bad : Ink::plain, .bold = true};
         grid.put(0, dot, "○", style);
         int const column = grid.put(0, text, linkText(scene), style, columns - text) + 2;
-        if (snapshot.link) {
-            std::string const since = agoOf(snapshot.linkSince, scene.view.now);
-            grid.put(0, column, "waiting for it on " + scene.view.daemon + ", " + since, dimStyle,
-                     columns - column);
-        }
+        std::string const where = "on " + scene.view.daemon;
+        std::string const since = ", " + agoOf(snapshot.linkSince, scene.view.now);
+        grid.put(0, column, snapshot.link ? "waiting for it " + where + since : where, dimStyle,
+                 columns - column);
         return;
     }
     if (!snapshot.state) {
