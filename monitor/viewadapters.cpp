@@ -112,6 +112,7 @@ void drawBar(Scene const& scene, int row, int column, int columns, double part, 
 void drawGauge(Scene const& scene, Gauge const& gauge, int row, int column, int columns) {
     constexpr int periodColumns = 6;
     constexpr int shortestBar = 6;
+    constexpr int mostTextColumns = 32;
     Ink const ink = inkOf(gauge);
     scene.grid.put(row, column, gauge.period, dimStyle, columns);
     std::string const limit = bytesText(gauge.limit);
@@ -123,7 +124,9 @@ void drawGauge(Scene const& scene, Gauge const& gauge, int row, int column, int 
     std::string const figures = used + " of " + limit;
     std::string const text =
         joinFitting({figures, gauge.rest}, " · ", columns - periodColumns - shortestBar - 1);
-    int const bar = std::max(columns - periodColumns - widthOf(text) - 1, 0);
+    // Where there is room all bars are of the same length.
+    int const texts = std::max(widthOf(text), columns >= narrowestCard ? mostTextColumns : 0);
+    int const bar = std::max(columns - periodColumns - texts - 1, 0);
     drawBar(scene, row, column + periodColumns, bar, gauge.used / gauge.limit, ink);
     scene.grid.put(row, column + periodColumns + bar + 1, text, {.ink = ink == Ink::bad ? ink : Ink::plain});
 }
@@ -301,12 +304,14 @@ LineColumns fitLine(int columns) {
 } // namespace
 
 void drawLine(Scene const& scene, ShownAdapter const& adapter, int row) {
-    LineColumns const line = fitLine(scene.columns());
+    int const margin = scene.columns() >= narrowestCard ? 1 : 0; // where columns are few none is left empty
+    LineColumns const line = fitLine(scene.columns() - 2 * margin);
     Grid& grid = scene.grid;
-    int column = 0;
+    int column = margin;
     drawDot(scene, adapter, row, column);
-    grid.put(row, 2, adapter.name, nameStyle(scene, adapter), line.name);
-    column = 2 + line.name;
+    column += 2;
+    grid.put(row, column, adapter.name, nameStyle(scene, adapter), line.name);
+    column += line.name;
     auto const right = [&](int width, std::string const& text, Style style) {
         if (width > 0) {
             putRight(scene, row, column + 1, width - 1, text, style);

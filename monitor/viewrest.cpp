@@ -182,11 +182,11 @@ void drawFull(Scene const& scene, ShownAdapter const& adapter, int row, int rows
     }
     row += rows >= 16 ? 1 : 0;
     int const times = rows >= 6 ? 1 : 0;
-    int const each = (end - row - times) / 2;
-    int const first = end - row - times - each;
-    int const between = each >= 6 ? 1 : 0;
-    drawDirection(scene, adapter, &Traffic::receiveBitsPerSecond, row, first - between);
-    drawDirection(scene, adapter, &Traffic::sendBitsPerSecond, row + first, each);
+    int const room = end - row - times;
+    int const between = room >= 14 ? 1 : 0;
+    int const first = (room - between + 1) / 2;
+    drawDirection(scene, adapter, &Traffic::receiveBitsPerSecond, row, first);
+    drawDirection(scene, adapter, &Traffic::sendBitsPerSecond, row + first + between, room - between - first);
     if (times > 0) {
         drawTimes(scene, end - 1);
     }

@@ -25,7 +25,7 @@ std::vector<std::string> const traffic = {"--traffic", "--seed", "7", "--interva
 class Terminal {
 public:
     Terminal(std::string const& environment, int columns, int rows)
-        : socket("kelvaris" + std::to_string(getpid())) {
+        : socket("kelvaris" + std::to_string(getpid()) + "." + std::to_string(++count)) {
         tmux({"-f", "/dev/null", "new-session", "-d", "-x", std::to_string(columns), "-y",
               std::to_string(rows),
               "env -u TMUX -u COLUMNS -u LINES -u NO_COLOR PS1='ready$ ' " + environment +
@@ -75,7 +75,8 @@ private:
         words.insert(words.begin(), {"tmux", "-L", socket});
         return runProcess({.path = "/usr/bin/tmux", .argv = words}).out;
     }
-    std::string socket;
+    inline static int count = 0; // a server that ends would take a new one of its name along
+    std::string const socket;
 };
 
 class MonitorTop : public testing::Test {
@@ -212,6 +213,18 @@ TEST_F(MonitorTop, ObeysItsKeys) {
     terminal.awaitText("paused 2 s"); // it goes on counting
     terminal.keys({"p"});
     terminal.await([](std::string const& now) { return now.find("paused") == std::string::npos; }, "its end");
+}
+
+TEST_F(MonitorTop, ADaemonThatNeverCompletesTheUpgradeLeavesTheKeysAtWork) {
+    ScriptedDaemon const daemon({}, {.upgrades = std::vector<Upgrade>(20, Upgrade{.bytes = "HTTP/1.1 101"})});
+    Terminal const terminal(utf8, 100, 30);
+    terminal.line(std::string(MONITOR_PATH) + " --port " + std::to_string(daemon.port()) +
+                  " top; echo $((3 * 5))");
+    terminal.awaitText("Looking for the daemon");
+    terminal.keys({"?"});
+    terminal.awaitText("choose an adapter");
+    terminal.keys({"q"});
+    terminal.awaitText("15");
 }
 
 TEST_F(MonitorTop, EndsWithItsTerminal) {
