@@ -140,7 +140,7 @@ std::vector<std::string> takeHook(std::vector<std::string>& words) {
     if (!isWatch || exec == words.end() || exec + 1 == words.end()) {
         return {};
     }
-    std::vector<std::string> const hook(exec + 1, words.end());
+    std::vector<std::string> hook(exec + 1, words.end());
     words.erase(exec + 2, words.end());
     return hook;
 }

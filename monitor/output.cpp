@@ -14,7 +14,7 @@ namespace monitor {
 
 namespace {
 
-constexpr std::size_t longestWaiting = 1024 * 1024;
+constexpr std::size_t longestWaiting = 1048576;
 
 bool canWrite(int descriptor) {
     pollfd polled{descriptor, POLLOUT, 0};
@@ -23,7 +23,7 @@ bool canWrite(int descriptor) {
 
 } // namespace
 
-Output::Output(Loop& ofLoop, std::string const& ofFile) : loop(ofLoop), file(ofFile) {
+Output::Output(Loop& ofLoop, std::string ofFile) : loop(ofLoop), file(std::move(ofFile)) {
     open();
 }
 

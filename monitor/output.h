@@ -13,7 +13,7 @@ namespace monitor {
 class Output {
 public:
     // Standard output; with a name that file, which is added to.
-    explicit Output(Loop& loop, std::string const& file = "");
+    explicit Output(Loop& loop, std::string file = "");
     ~Output(); // tries once to write what is left
     Output(Output const&) = delete;
     Output& operator=(Output const&) = delete;
