@@ -177,10 +177,12 @@ int Screen::nextKey() {
     }
 }
 
-// Output that has been stopped with a key would never let the last sequences through.
+// Output that has been stopped with a key would never let the last sequences through. It can be started by who has stopped
+// it, so it is stopped once more.
 void Screen::leave() {
     if (isInside) {
         isInside = false;
+        tcflow(STDOUT_FILENO, TCOOFF);
         tcflow(STDOUT_FILENO, TCOON);
         endwin();
     }

@@ -23,6 +23,9 @@ constexpr std::chrono::milliseconds tickBesidesReports{1500};
 // A terminal that can't move its cursor gets a new picture below the one before.
 constexpr std::chrono::seconds betweenPictures{5};
 
+// A daemon that takes longer to answer is looked for on a screen that says so.
+constexpr std::chrono::milliseconds longestBlank{40};
+
 constexpr int printedColumns = 100;
 
 int columnsForPrinting() {
@@ -122,6 +125,11 @@ public:
     explicit ScreenTop(Context const& context)
         : View(context), screen(isColoured(context.options.top.colour, true)) {
         adaptTo(view, context.options.top.graph, false);
+        loop.setTimer(longestBlank, [this] {
+            if (!isOpen) {
+                opened(snapshot);
+            }
+        });
         if (isatty(STDIN_FILENO)) {
             keyboard = loop.addDescriptor(STDIN_FILENO, POLLIN, [this](short events) { readKeys(events); });
         }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int mostGraphRows = 7;
 constexpr int printedGraphRows = 2;
-constexpr int printedRows = 400;
+constexpr int printedRows = 200;
 // Streams come and go. Where there is room it is kept for them, so that nothing moves then.
 constexpr int keptStreamRows = 4;
 constexpr int roomyRows = 28;

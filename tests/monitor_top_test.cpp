@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 #include <unistd.h>
 
@@ -54,6 +55,16 @@ public:
     }
     std::string value(std::string const& format) const {
         return tmux({"display-message", "-p", format});
+    }
+    // What the shell runs.
+    pid_t child() const {
+        std::string const shell = std::to_string(std::stol(value("#{pane_pid}")));
+        pid_t process = 0;
+        std::ifstream("/proc/" + shell + "/task/" + shell + "/children") >> process;
+        if (process <= 0) {
+            throw std::runtime_error("the shell runs nothing");
+        }
+        return process;
     }
     template <class Predicate> std::string await(Predicate predicate, std::string const& what) const {
         auto const limit = std::chrono::steady_clock::now() + patience();
@@ -144,9 +155,6 @@ TEST_F(MonitorTop, FillsEachSizeAlsoWhenItChanges) {
 
 TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     Terminal const terminal(utf8, 100, 30);
-    auto const pid = [&terminal] {
-        return static_cast<pid_t>(std::stol(terminal.capture().substr(terminal.capture().find("pid ") + 4)));
-    };
     terminal.line("cd " + folder + "; modes() { stty -a | sed 1d; }; modes >before; echo kept");
     terminal.awaitText("\nkept");
     terminal.line(top());
@@ -156,9 +164,7 @@ TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     terminal.awaitText("Stopped");
     EXPECT_EQ(terminal.value("#{alternate_on} #{cursor_flag}"), "0 1\n");
     terminal.resize(60, 20); // which it learns of when it is back
-    terminal.line("clear; echo pid $(jobs -p)");
-    terminal.await([](std::string const& now) { return now.starts_with("pid "); }, "the job");
-    pid_t const process = pid();
+    pid_t const process = terminal.child();
     terminal.line("fg");
     terminal.await([](std::string const& now) { return now.find("±") != std::string::npos; }, "narrow cards");
     kill(process, SIGTERM);
@@ -168,7 +174,14 @@ TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     terminal.await([](std::string const& now) { return now.starts_with("done"); }, "the end");
     EXPECT_EQ(contentOf("before"), contentOf("after"));
     EXPECT_NE(contentOf("before"), "");
-    // The other ends: a key that the terminal turns into a signal, and the daemon's absence when words are wrong.
+    // Output that is stopped doesn't keep it from ending.
+    terminal.line("clear; " + top());
+    terminal.awaitText("Mobile");
+    terminal.keys({"C-s"});
+    std::this_thread::sleep_for(300ms);
+    kill(terminal.child(), SIGTERM);
+    terminal.awaitText("ready$");
+    // The other ends, by keys, of which the terminal makes signals of two.
     for (char const* const key : {"C-c", "C-\\", "q"}) {
         terminal.line(top());
         terminal.awaitText("Mobile");
