@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <clocale>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
@@ -113,7 +112,7 @@ bool Screen::canDraw() {
     }
     SCREEN* const trial = newterm(nullptr, nowhere, nowhere);
     auto const moves = trial == nullptr ? nullptr : tigetstr("cup");
-    bool const can = moves != nullptr && moves != reinterpret_cast<char*>(-1);
+    bool const can = moves != nullptr && reinterpret_cast<std::intptr_t>(moves) != -1;
     if (trial != nullptr) {
         endwin();
         delscreen(trial);
