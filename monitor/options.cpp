@@ -37,6 +37,28 @@ std::string topicHelp() {
     return "what to watch, of " + names + " (all)";
 }
 
+void addTop(CLI::App& app, Options& options) {
+    CLI::App& command = *app.add_subcommand("top", "Show the lines and what they do in the terminal");
+    command.add_flag("--once", options.top.once, "print one picture as plain text, and end");
+    command.add_flag("--bytes", options.top.bytes, "begin with bytes a second instead of bits");
+    command.add_option("--color", options.top.colour, "when to use colours: auto, always or never (auto)")
+        ->transform(CLI::Transformer(std::map<std::string, Colour>{{"auto", Colour::automatic},
+                                                                   {"always", Colour::always},
+                                                                   {"never", Colour::never}})
+                        .description(""))
+        ->type_name("WHEN");
+    command
+        .add_option("--graph", options.top.graph,
+                    "what graphs are made of: auto, braille, block or ascii (auto)")
+        ->transform(CLI::Transformer(std::map<std::string, GraphChoice>{{"auto", GraphChoice::automatic},
+                                                                        {"braille", GraphChoice::braille},
+                                                                        {"block", GraphChoice::block},
+                                                                        {"ascii", GraphChoice::ascii}})
+                        .description(""))
+        ->type_name("KIND");
+    command.callback([&options] { options.make = makeTop; });
+}
+
 void addWatch(CLI::App& app, Options& options) {
     CLI::App& command = *app.add_subcommand("watch", "Print a JSON object a line for each change");
     command
@@ -201,6 +223,7 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
         ->check(CLI::Range(1, 65535).description(""))
         ->type_name("PORT");
     // A command is added here: its words, and its function that makes it.
+    addTop(app, options);
     addWatch(app, options);
     addWait(app, options);
     addRecord(app, options);

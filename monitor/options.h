@@ -50,10 +50,21 @@ struct ExportOptions {
     bool once = false;
 };
 
+enum class Colour { automatic, always, never };
+enum class GraphChoice { automatic, braille, block, ascii };
+
+struct TopOptions {
+    bool once = false;
+    bool bytes = false;
+    Colour colour = Colour::automatic;
+    GraphChoice graph = GraphChoice::automatic;
+};
+
 struct Options {
     std::string address;
     std::uint16_t port = 0;
     std::unique_ptr<Command> (*make)(Context const&) = nullptr; // the chosen command
+    TopOptions top;
     WatchOptions watch;
     WaitOptions wait;
     RecordOptions record;

@@ -84,6 +84,17 @@ std::string printable(std::string_view text) {
     return clean(text, true);
 }
 
+std::u32string characters(std::string_view text) {
+    std::u32string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        Character const next = firstOf(text);
+        result += next.isValid ? next.code : U'\uFFFD';
+        text.remove_prefix(next.length);
+    }
+    return result;
+}
+
 std::string rfc3339(std::chrono::system_clock::time_point time) {
     auto const whole = std::chrono::floor<std::chrono::seconds>(time);
     auto const rest = std::chrono::duration_cast<std::chrono::milliseconds>(time - whole).count();

@@ -15,6 +15,9 @@ std::string repaired(std::string_view text);
 // such a character, and "\u{202e}" beyond the first 256.
 std::string printable(std::string_view text);
 
+// The characters of such a text, each by its number.
+std::u32string characters(std::string_view text);
+
 // "2026-11-23T15:24:29.123Z"
 std::string rfc3339(std::chrono::system_clock::time_point time);
 

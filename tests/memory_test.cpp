@@ -58,7 +58,7 @@ std::string kindOf(Case const& tried, Outcome const& intact, Outcome const& outc
         return "glibc";
     }
     // It asks for a thread's stack when that begins, which takes memory.
-    if (outcome.err.find("Sanitizer: CHECK failed: sanitizer_linux") != std::string::npos) {
+    if (outcome.err.find("sanitizer_linux_libcdep") != std::string::npos) {
         return "sanitizer";
     }
     return tried.kind(intact, outcome);

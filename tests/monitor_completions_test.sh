@@ -71,6 +71,9 @@ expect "$work/topics" kelvaris-monitor watch state ""
 grep -e '^s' "$work/topics" >"$work/some"
 expect "$work/some" kelvaris-monitor watch s
 
+printf '%s\n' always auto never >"$work/colours"
+expect "$work/colours" kelvaris-monitor top --color ""
+
 "${shells[0]}_offers" kelvaris-monitor wait --for "" | sort >"$work/goals"
 expect "$work/goals" kelvaris-monitor wait --for ""
 while read -r goal; do

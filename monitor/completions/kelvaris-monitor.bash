@@ -26,6 +26,8 @@ _kelvaris_monitor() {
     done
     case $command:$prev in
     *:--address) mapfile -t COMPREPLY < <(compgen -A hostname -- "$cur") && return ;;
+    top:--color) offered='auto always never' ;;
+    top:--graph) offered='auto braille block ascii' ;;
     *:--port | *:--interval | *:--count | *:--timeout | *:--exec-timeout | *:--listen) return ;;
     wait:--for) offered='daemon network state:LOGGED_OUT state:LOGGING_IN state:LOGGED_IN state:AUTO_CONNECTING state:CONNECTING state:DISCONNECTING state:CONNECTED state:OVERLIMIT' ;;
     watch:*) offered='link state server settings adapters connections session streams error' ;;

@@ -38,6 +38,12 @@ function __kelvaris_monitor_words
         case --address
             __fish_print_hostnames
             return
+        case --color
+            string split ' ' -- 'auto always never'
+            return
+        case --graph
+            string split ' ' -- 'auto braille block ascii'
+            return
         case --port --interval --count --timeout --exec-timeout --listen
             return
         case --textfile

@@ -26,6 +26,8 @@ case $command:$words[CURRENT-1] in
 *:--address) _hosts && return ;;
 *:--port | *:--interval | *:--count | *:--timeout | *:--exec-timeout | *:--listen) _message value && return ;;
 export:--textfile) _files && return ;;
+top:--color) compadd -- auto always never && return ;;
+top:--graph) compadd -- auto braille block ascii && return ;;
 wait:--for) compadd -- daemon network state:LOGGED_OUT state:LOGGING_IN state:LOGGED_IN state:AUTO_CONNECTING state:CONNECTING state:DISCONNECTING state:CONNECTED state:OVERLIMIT && return ;;
 esac
 if [[ $PREFIX == -* ]]; then
