@@ -114,8 +114,9 @@ function groupOf(name) {
     return name ~ /^(kelvarissdk|call|await|delivery|result)$/ ? "cpp_client" : name ~ /^(types|fields)$/ ? "cpp_types" : "cpp_" name
 }
 
-# "see 6 in kelvarissdk.hpp" leads to the page that these have become.
+# What leads to the conventions in a header leads to the page that these have become.
 function linked(line,    place, words) {
+    sub(/The conventions above/, "The @ref conventions_cpp", line)
     if (!match(line, /see [0-9]+ in (csdkinterface\.h|kelvarissdk\.hpp)/)) return line
     split(substr(line, RSTART, RLENGTH), words, " ")
     place = words[4] == "csdkinterface.h" ? "conventions_c" : "conventions_cpp"

@@ -89,11 +89,11 @@ def head(path: Path) -> list[str]:
 
 def examples() -> str:
     """The page that lists the examples, and one for each."""
-    text = "/** @page examples Examples\n\nThey are installed in /usr/share/doc/libkelvarissdk-dev/examples with a CMake"
-    text += " project that builds them.\n\n"
+    text = "/** @page programs Example programs\n\nThey are installed in /usr/share/doc/libkelvarissdk-dev/examples with a CMake"
+    text += " project that builds them.\n"
     pages = ""
     for folder, title in CHAPTERS.items():
-        text += f"@section examples_{folder or 'c'} {title}\n\n"
+        text += f"\n@section programs_{folder or 'c'} {title}\n\n"
         for path in sorted((EXAMPLES / folder).glob("*.*")):
             if path.name == "CMakeLists.txt":
                 continue
