@@ -114,11 +114,27 @@ function groupOf(name) {
     return name ~ /^(kelvarissdk|call|await|delivery|result)$/ ? "cpp_client" : name ~ /^(types|fields)$/ ? "cpp_types" : "cpp_" name
 }
 
-# What leads to the conventions in a header leads to the page that these have become.
-function linked(line,    place, words) {
+# What leads to the conventions in a header leads to the page that these have become, and names in comments lead to what
+# they name.
+function linked(line,    place, words, shown, name, next_) {
     sub(/The conventions above/, "The @ref conventions_cpp", line)
-    if (!match(line, /see [0-9]+ in (csdkinterface\.h|kelvarissdk\.hpp)/)) return line
-    split(substr(line, RSTART, RLENGTH), words, " ")
-    place = words[4] == "csdkinterface.h" ? "conventions_c" : "conventions_cpp"
-    return substr(line, 1, RSTART - 1) "see " words[2] " in the @ref " place substr(line, RSTART + RLENGTH)
+    if (match(line, /see [0-9]+ in (csdkinterface\.h|kelvarissdk\.hpp)/)) {
+        split(substr(line, RSTART, RLENGTH), words, " ")
+        place = words[4] == "csdkinterface.h" ? "conventions_c" : "conventions_cpp"
+        line = substr(line, 1, RSTART - 1) "see " words[2] " in the @ref " place substr(line, RSTART + RLENGTH)
+    }
+    if (code) return line
+    if (line !~ /^ *\*/) {
+        place = index(line, "/**")
+        if (!place) return line
+        shown = substr(line, 1, place)
+        line = substr(line, place + 1)
+    }
+    while (match(line, /KelvarisSDK_[A-Za-z_]*[A-Za-z]/)) {
+        name = substr(line, RSTART, RLENGTH)
+        next_ = substr(line, RSTART + RLENGTH, 1)
+        shown = shown substr(line, 1, RSTART - 1) (next_ ~ /[_(*]/ ? name : "@ref " name " \"" name "\"")
+        line = substr(line, RSTART + RLENGTH)
+    }
+    return shown line
 }

@@ -10,6 +10,7 @@ import ast
 import inspect
 import re
 import sys
+import textwrap
 from collections.abc import Iterator
 from pathlib import Path
 
@@ -91,9 +92,10 @@ def methods(body: list[ast.stmt]) -> Iterator[str]:
             result = f" -> {ast.unparse(node.returns)}" if node.returns else ""
             kind = "Subscription: " if "listener" in decorators else ""
             start = "await " if isinstance(node, ast.AsyncFunctionDef) else ""
-            yield f"{kind}`{start}{node.name}{arguments}{result}`\n\n{ast.get_docstring(node) or ''}\n\n"
+            note = textwrap.indent(ast.get_docstring(node) or "", "  ")
+            yield f"- {kind}`{start}{node.name}{arguments}{result}`\n\n{note}\n\n"
         elif isinstance(node, ast.Assign) and ast.unparse(node.value).startswith("stream("):
-            yield f"Subscription: `{ast.unparse(node.targets[0])}()`\n\n"
+            yield f"- Subscription: `{ast.unparse(node.targets[0])}()`\n\n"
 
 
 def class_text(node: ast.ClassDef) -> str:
