@@ -11,7 +11,8 @@ import re
 import sys
 from pathlib import Path
 
-SOURCE = Path(__file__).resolve().parents[2]
+HERE = Path(__file__).resolve().parent
+SOURCE = HERE.parents[1]
 INCLUDE = SOURCE / "sdklibrary/include/kelvarissdk"
 EXAMPLES = SOURCE / "examples"
 
@@ -63,9 +64,10 @@ def records(table: dict[str, tuple[int, int]]) -> str:
         " numbers of 64 bits stand at multiples of 4, some are smaller. `kelvarissdk-abi.json` has those of the machine"
         " that it is installed on, and the place of every field.\n\n"
     )
+    titles = dict(re.findall(r"@defgroup (\w+) (.*)", (HERE / "groups.dox").read_text()))
     for header, group in GROUPS.items():
         names = re.findall(r"^typedef struct (\w+) {", (INCLUDE / f"{header}.h").read_text(), re.M)
-        text += f"## @ref {group} {{#records_{header}}}\n\n| Record | Bytes |\n|---|---:|\n"
+        text += f"## {titles[group]} {{#records_{header}}}\n\n| Record | Bytes |\n|---|---:|\n"
         for name in names:
             wide, narrow = table[name]
             text += f"| {name} | {wide}{f' or {narrow}' if narrow != wide else ''} |\n"
@@ -102,7 +104,7 @@ def examples() -> str:
             what = " ".join(what.split())
             text += f'- @ref {name} "{name}": {what}\n'
             commands = "\n".join(line.strip() for part in rest for line in part.splitlines())
-            pages += f"/** @example{{lineno}} {name}\n{what}\n\n@verbatim\n{commands}\n@endverbatim\n*/\n"
+            pages += f"/** @example {name}\n@details {what}\n\n@verbatim\n{commands}\n@endverbatim\n*/\n"
     return f"{text}*/\n{pages}"
 
 
