@@ -55,7 +55,10 @@ inside { if (/^} \/\/ namespace detail/) inside = 0; print ""; next }
 cpp && /^    using Record = / { print ""; next }
 cpp && /^    (template <[^>]*> )?static [A-Za-z]+ from\(/ { converter = 1 }
 converter { if (/^    }$/) converter = 0; print ""; next }
-cpp { sub(/^protected:/, "private:"); sub(/ : protected detail::Caller/, "") }
+cpp && /^(private|protected):/ { hidden = 1 }
+hidden && /^};/ { hidden = 0 }
+hidden { print ""; next }
+cpp { sub(/ : protected detail::Caller/, ""); sub(/detail::Awaiter<T> operator/, "auto operator") }
 
 # Each family is a group, and a part of a C header is a titled part of it.
 !cpp && /^#define KELVARISSDK_[A-Z]+_H$/ { print "/** @addtogroup " group "\n * @{ */"; next }
@@ -96,7 +99,7 @@ pending {
 }
 
 {
-    # Notes behind fields.
+    # A note behind a field.
     if (match($0, /(;|,|= [0-9]+) +\/\* /)) {
         $0 = substr($0, 1, RSTART + RLENGTH - 4) "/**< " substr($0, RSTART + RLENGTH)
     }

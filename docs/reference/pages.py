@@ -9,6 +9,7 @@ from __future__ import annotations
 import json
 import re
 import sys
+from itertools import takewhile
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
@@ -59,10 +60,10 @@ def records(table: dict[str, tuple[int, int]]) -> str:
     text = (
         "# Records {#records}\n\n"
         "The records of the C interface, with their sizes in bytes. A call that waits needs that much stack for its record"
-        " and up to 4 KiB more; a callback gets its record by value. The sizes are the same on all machines where only one"
-        " is given; of two, the first holds where `long` has 64 bits, the second where it has 32. On 32-bit x86, where"
-        " numbers of 64 bits stand at multiples of 4, some are smaller. `kelvarissdk-abi.json` has those of the machine"
-        " that it is installed on, and the place of every field.\n\n"
+        " and up to 4 KiB more; a callback gets its record by value. Where one size is given, it is the same on all"
+        " machines; of two, the first holds where `long` has 64 bits, the second where it has 32. On 32-bit x86,"
+        " where numbers of 64 bits stand at multiples of 4, some are smaller. `kelvarissdk-abi.json` has those of"
+        " the machine that it is installed on, and the place of every field.\n\n"
     )
     titles = dict(re.findall(r"@defgroup (\w+) (.*)", (HERE / "groups.dox").read_text()))
     for header, group in GROUPS.items():
@@ -83,16 +84,15 @@ def head(path: Path) -> list[str]:
     elif text.startswith("/*"):
         text = re.sub(r"^ \* ?", "", text[3 : text.index(" */")], flags=re.M)
     else:
-        text = "".join(
-            line[2:].removeprefix(" ") + "\n" for line in re.match(r"(//.*\n)+", text)[0].splitlines()
-        )
+        comment = takewhile(lambda line: line.startswith("//"), text.splitlines())
+        text = "\n".join(line[2:].removeprefix(" ") for line in comment)
     return text.strip("\n").split("\n\n")
 
 
 def examples() -> str:
     """The page that lists the examples, and one for each."""
-    text = "/** @page programs Example programs\n\nThey are installed in /usr/share/doc/libkelvarissdk-dev/examples with a CMake"
-    text += " project that builds them.\n"
+    text = "/** @page programs Example programs\n\nThe package libkelvarissdk-dev has them in"
+    text += " /usr/share/doc/libkelvarissdk-dev/examples, with a CMake project that builds them.\n"
     pages = ""
     for folder, title in CHAPTERS.items():
         text += f"\n@section programs_{folder or 'c'} {title}\n\n"
