@@ -14,7 +14,8 @@ FNR == 1 {
     next
 }
 
-# The head of the file. The items of a numbered list must begin in one column, and their titles stand out.
+# The head of the file; groups.dox speaks for a group of several headers. The items of a numbered list must begin in one column, and their titles stand out.
+head && name ~ /^(version|call|await|delivery|result|fields)$/ && !/\*\// { next }
 head && / Include (csdkinterface\.h|kelvarissdk\.hpp); it opens/ { skipped = 1; next }
 head && skipped && !/\*\// { next }
 head && /^ \* CONVENTIONS/ {
