@@ -14,7 +14,8 @@ FNR == 1 {
     next
 }
 
-# The head of the file; groups.dox speaks for a group of several headers. The items of a numbered list must begin in one column, and their titles stand out.
+# The head of the file; groups.dox speaks for a group of several headers. The items of a numbered list must begin in one
+# column, and their titles stand out.
 head && name ~ /^(version|call|await|delivery|result|fields)$/ && !/\*\// { next }
 head && / Include (csdkinterface\.h|kelvarissdk\.hpp); it opens/ { skipped = 1; next }
 head && skipped && !/\*\// { next }
@@ -115,7 +116,8 @@ END {
 # csdkinterface.h has the handle, kelvarissdk.hpp the client; what calls are made of in C++ is together.
 function groupOf(name) {
     if (!cpp) return name ~ /^(csdkinterface|version)$/ ? "c_core" : "c_" name
-    return name ~ /^(kelvarissdk|call|await|delivery|result)$/ ? "cpp_client" : name ~ /^(types|fields)$/ ? "cpp_types" : "cpp_" name
+    if (name ~ /^(kelvarissdk|call|await|delivery|result)$/) return "cpp_client"
+    return name == "fields" ? "cpp_types" : "cpp_" name
 }
 
 # What leads to the conventions in a header leads to the page that these have become, and names in comments lead to what
