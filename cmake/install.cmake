@@ -1,4 +1,5 @@
-# What is installed, in four components: the tool, the library, what programs that link it need, and the simulated daemon.
+# What is installed, in five components: the tool, the library, what programs that link it need, the monitor, and the
+# simulated daemon.
 include(CMakePackageConfigHelpers)
 
 set(cmake_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KelvarisSDK)
@@ -47,6 +48,11 @@ configure_file(cmake/kelvarissdk.pc.in kelvarissdk.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kelvarissdk.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libkelvarissdk-dev/examples COMPONENT dev)
+if(TARGET kelvaris-monitor)
+    install(TARGETS kelvaris-monitor RUNTIME COMPONENT monitor)
+    install(FILES docs/kelvaris-monitor.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT monitor)
+    install_completions(kelvaris-monitor monitor)
+endif()
 if(TARGET kelvarissim)
     install(TARGETS kelvarissim RUNTIME COMPONENT simulator)
     install(FILES docs/kelvarissim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT simulator)

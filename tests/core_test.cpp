@@ -68,7 +68,8 @@ TEST(Login, PromptIsSilent) {
         SCOPED_TRACE(interrupted);
         std::vector<Step> script = {{"login", R"({"password":"secret","username":"me"})"}};
         ScriptedDaemon daemon(interrupted != 0 ? std::vector<Step>() : script);
-        std::string const run = "trap '' USR1; exec " SDKCLI_PATH " -p " + std::to_string(daemon.port());
+        std::string const run =
+            "trap '' USR1; exec " EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port());
         Process process({.path = "/bin/sh", .argv = {"sh", "-c", run + " login me"}, .input = std::nullopt});
         process.waitForOutput("Enter password : ");
         process.waitForEcho(false);
@@ -95,7 +96,7 @@ TEST(Login, PromptIsSilent) {
 TEST(Login, PromptEchoesWhileItIsStopped) {
     ScriptedDaemon daemon({{"login", R"({"password":"secret","username":"me"})", {state(2)}}});
     std::string const run =
-        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        "set -m; " EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
         " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key; fg";
     Process process(
         {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .input = std::nullopt});
@@ -122,7 +123,7 @@ TEST(Login, PromptEchoesWhileItIsStopped) {
 TEST(Login, PromptEchoesAfterAStopThatCantBeCaught) {
     ScriptedDaemon daemon({{"login", R"({"password":"secret","username":"me"})", {state(2)}}});
     std::string const run =
-        "set -m; " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+        "set -m; " EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
         " login me; echo one; read key; bg; wait %1; echo two; read key; fg; echo three; read key";
     Process process(
         {.path = "/usr/bin/setsid", .argv = {"setsid", "--ctty", "sh", "-c", run}, .input = std::nullopt});

@@ -120,7 +120,7 @@ TEST(Faults, DaemonRestarted) {
 // The reader of the pipe is gone before the tool has anything to print.
 TEST(HostProcess, ClosedPipeEndsTheToolQuietly) {
     ScriptedDaemon daemon({{"request_current_state"}});
-    std::string const run = "{ " SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
+    std::string const run = "{ " EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()) +
                             " state; echo $? >&2; } | { exec <&-; echo closed >&2; }";
     Process shell({.path = "/bin/sh", .argv = {"sh", "-c", run}});
     shell.waitForOutput("closed\n");

@@ -66,7 +66,7 @@ std::string kindOf(Case const& tried, Outcome const& intact, Outcome const& outc
 
 // Spread over a run, and from case to case elsewhere in it.
 void tryAll(std::vector<Case> const& cases) {
-    std::mutex mutex;
+    std::mutex mutex; // also guards the cache of the locale that making an expression fills
     std::map<std::string, long> outcomes;
     std::vector<std::function<void()>> attempts;
     for (Case const& each : cases) {
@@ -82,8 +82,8 @@ void tryAll(std::vector<Case> const& cases) {
         for (long at = 2 * (1 + first); at <= 2 * count + 1; at += at % 2 == 0 ? 1 : 2 * step - 1) {
             attempts.emplace_back([&, intact, failing = at / 2, lasting = at % 2 != 0] {
                 Outcome const outcome = each.run(failing, lasting);
-                std::string const kind = kindOf(each, *intact, outcome);
                 std::lock_guard const lock(mutex);
+                std::string const kind = kindOf(each, *intact, outcome);
                 ++outcomes[kind];
                 EXPECT_NE(kind, "wrong")
                     << each.name << ", allocation " << failing << (lasting ? " and later" : "") << ": status "
@@ -131,7 +131,7 @@ std::vector<Row> actionsOf(std::string const& family) {
 // nothing is set.
 Outcome runTool(Row const& row, long failing, bool lasting) {
     ScriptedDaemon daemon(row.exchange, {.mayMiss = failing > 0});
-    Words words = {SDKCLI_PATH, "-p", std::to_string(daemon.port())};
+    Words words = split(EMULATOR SDKCLI_PATH " -p " + std::to_string(daemon.port()));
     words.insert(words.end(), row.argv.begin(), row.argv.end());
     Outcome outcome = run(words, failing, lasting, row.input);
     if (std::string const problems = daemon.finish(); !problems.empty()) {
@@ -205,7 +205,8 @@ TEST_P(MemoryOfAHost, RunsOut) {
     Simulator simulator;
     std::vector<Case> cases;
     for (std::string const how : {"", " async"}) {
-        Words const words = split(MEMORY_HOST " " + std::to_string(simulator.port) + ' ' + GetParam() + how);
+        Words const words =
+            split(EMULATOR MEMORY_HOST " " + std::to_string(simulator.port) + ' ' + GetParam() + how);
         auto const attempt = [words](long failing, bool lasting) { return run(words, failing, lasting); };
         cases.push_back({GetParam() + how, attempt, kindOfHost});
     }

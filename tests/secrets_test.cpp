@@ -56,7 +56,8 @@ std::string secretOf(std::size_t size) {
 // The command with everything bound at its start, and without the leak sanitizer, which can't work on a process that
 // is traced. Without an input it has a terminal.
 Command bound(std::vector<std::string> words, std::optional<std::string> const& input = std::nullopt) {
-    words.insert(words.begin(), {"env", "LD_BIND_NOW=1", "ASAN_OPTIONS=detect_leaks=0"});
+    Words const before = split("env LD_BIND_NOW=1 ASAN_OPTIONS=detect_leaks=0 " EMULATOR);
+    words.insert(words.begin(), before.begin(), before.end());
     return {.path = "/usr/bin/env", .argv = std::move(words), .input = input};
 }
 

@@ -17,7 +17,8 @@ void repeat(Row const& row) {
     Command command = tool({"--ip", "localhost", "--port", '0' + std::to_string(daemon.port() + 65536)});
     command.argv.insert(command.argv.end(), row.argv.begin(), row.argv.end());
     if (!row.shell.empty()) {
-        Words const before = {"sh", "-c", "exec \"$@\"" + row.shell, "sh"};
+        Words before = split("sh -c '' sh " EMULATOR);
+        before[2] = "exec \"$@\"" + row.shell;
         command.argv.insert(command.argv.begin(), before.begin(), before.end());
         command.path = "/bin/sh";
     }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/mman.h>
@@ -52,6 +53,21 @@ std::vector<std::string> environmentOf(Command const& command) {
     return variables;
 }
 
+// The command, or for a program of another machine the emulator's, which gives the program its name.
+Command started(Command command) {
+    if (command.path == "/proc/self/exe") {
+        command.path = std::filesystem::read_symlink(command.path);
+    }
+    std::vector<std::string> words = split(EMULATOR);
+    if (!words.empty() && command.path.starts_with(PROGRAMS)) {
+        words.insert(words.end(), {"-0", command.argv[0], command.path});
+        command.argv.erase(command.argv.begin());
+        command.argv.insert(command.argv.begin(), words.begin(), words.end());
+        command.path = words[0];
+    }
+    return command;
+}
+
 std::vector<char*> pointersTo(std::vector<std::string> const& texts) {
     std::vector<char*> pointers;
     for (std::string const& text : texts) {
@@ -80,8 +96,8 @@ pid_t spawn(Command const& command, int in, int out, int err) {
 
     std::vector<std::string> const environment = environmentOf(command);
     pid_t pid = -1;
-    errno = posix_spawn(&pid, command.path.c_str(), &actions, &attributes, pointersTo(command.argv).data(),
-                        pointersTo(environment).data());
+    errno = posix_spawnp(&pid, command.path.c_str(), &actions, &attributes, pointersTo(command.argv).data(),
+                         pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     return checked(pid, command.path.c_str());
@@ -103,7 +119,7 @@ Process::Process(Command const& command) : deadline(steady_clock::now() + 6 * pa
         close(input);
         input = checked(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC), name.data());
     }
-    pid = spawn(command, input, output, errors);
+    pid = spawn(started(command), input, output, errors);
 }
 
 Process::~Process() {

@@ -46,14 +46,14 @@ typedef struct KelvarisSDK_ConnectionStats {
     char adapterID[100];    /* text; no terminator when full */
     char connectionID[100]; /* text; no terminator when full */
     char localIp[46];       /* text; no terminator when full */
-    double lossReceive;     /* as reported, as is the next */
+    double lossReceive;     /* ratio from 0 to 1, as is the next */
     double lossSend;
     int64_t latencyMs;                  /* milliseconds */
     char privateIp[46];                 /* text; no terminator when full */
     KelvarisSDK_TransportMode protocol; /* AUTO: none reported; a name that is none leaves what stood here */
     int32_t numberOfSockets;            /* a count */
     char remoteIp[46];                  /* text; no terminator when full */
-    int64_t totalBps;                   /* per second; bits or bytes as reported, as are the next two */
+    int64_t totalBps;                   /* bits per second, as are the next two */
     int64_t sendBps;
     int64_t receiveBps;
     double sendEstimateMbps; /* Mbit/s, as is the next */
@@ -64,7 +64,7 @@ typedef struct KelvarisSDK_ConnectionStats {
 
 /** All connections at one moment. */
 typedef struct KelvarisSDK_ConnectionStatsGroup {
-    uint64_t time;            /* time stamp, unit as reported; 0: none reported, and then no connections */
+    uint64_t time;            /* milliseconds since the epoch; 0: none reported, and then no connections */
     uint16_t connectionCount; /* elements of `connections` in use */
     KelvarisSDK_ConnectionStats connections[25];
 } KelvarisSDK_ConnectionStatsGroup;
@@ -97,7 +97,7 @@ typedef struct KelvarisSDK_SessionStats {
     int64_t numFailovers;    /* a count, as is the next */
     int64_t numSessions;
     int64_t retransBytes;          /* bytes */
-    int64_t periodStartTime;       /* time stamp, unit as reported */
+    int64_t periodStartTime;       /* milliseconds since the epoch */
     int64_t totalConnectedMinutes; /* minutes */
     double mbpsDownBenefit; /* Mbit/s: bonding's gain over the fastest connection; 0 without connections */
     double mbpsUpBenefit;   /* the same for sending */
@@ -152,11 +152,11 @@ KELVARISSDK_API char const* KelvarisSDK_StreamHealth_toString(KelvarisSDK_Stream
 /** A stream that the daemon follows. */
 typedef struct KelvarisSDK_StreamStats {
     bool active;
-    uint64_t duration; /* unit as reported */
+    uint64_t duration; /* milliseconds */
     uint64_t id;
     uint64_t groupId;
-    uint64_t startTime; /* time stamp, unit as reported */
-    double uploadSpeed; /* unit as reported, as are the next three */
+    uint64_t startTime; /* milliseconds since the epoch */
+    double uploadSpeed; /* Mbit/s, as are the next three */
     double downloadSpeed;
     double averageUploadSpeed;
     double averageDownloadSpeed;

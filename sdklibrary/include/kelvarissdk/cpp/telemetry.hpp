@@ -58,14 +58,14 @@ struct ConnectionStats {
     std::string adapterID;
     std::string connectionID;
     std::string localIp;
-    double lossReceive = 0;
+    double lossReceive = 0; /**< ratio from 0 to 1, as is the next */
     double lossSend = 0;
     std::chrono::milliseconds latencyMs{};
     std::string privateIp;
     TransportMode protocol = TransportMode::AUTO;
     std::int32_t numberOfSockets = 0;
     std::string remoteIp;
-    std::int64_t totalBps = 0;
+    std::int64_t totalBps = 0; /**< bits per second, as are the next two */
     std::int64_t sendBps = 0;
     std::int64_t receiveBps = 0;
     double sendEstimateMbps = 0;
@@ -103,7 +103,7 @@ struct ConnectionStats {
 /** All connections at one moment. */
 struct ConnectionStatsResult {
     using Record = KelvarisSDK_ConnectionStatsResult;
-    std::optional<std::uint64_t> time; /**< time stamp; none reported: and then no connections */
+    std::optional<std::uint64_t> time; /**< milliseconds since the epoch; none: and then no connections */
     std::vector<ConnectionStats> connections;
 
     static ConnectionStatsResult from(Record const& record) {
@@ -129,7 +129,7 @@ struct SessionStats {
     std::int64_t numFailovers = 0;
     std::int64_t numSessions = 0;
     std::int64_t retransBytes = 0;
-    std::int64_t periodStartTime = 0; /**< time stamp */
+    std::int64_t periodStartTime = 0; /**< milliseconds since the epoch */
     std::chrono::minutes totalConnectedMinutes{};
     double mbpsDownBenefit = 0; /**< Mbit/s: bonding's gain over the fastest connection */
     double mbpsUpBenefit = 0;
@@ -208,11 +208,11 @@ struct SessionStatsResult {
 /** A stream that the daemon follows. */
 struct StreamStats {
     bool active = false;
-    std::uint64_t duration = 0;
+    std::uint64_t duration = 0; /**< milliseconds */
     std::uint64_t id = 0;
     std::uint64_t groupId = 0;
-    std::uint64_t startTime = 0; /**< time stamp */
-    double uploadSpeed = 0;
+    std::uint64_t startTime = 0; /**< milliseconds since the epoch */
+    double uploadSpeed = 0;      /**< Mbit/s, as are the next three */
     double downloadSpeed = 0;
     double averageUploadSpeed = 0;
     double averageDownloadSpeed = 0;

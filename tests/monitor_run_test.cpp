@@ -1,0 +1,340 @@
+// The commands of kelvaris-monitor as programs, against the simulated daemon, which comes and goes, and against daemons
+// that misbehave.
+
+#include "support/process.h"
+#include "support/scripteddaemon.h"
+#include "support/simulator.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <optional>
+#include <spawn.h>
+#include <sstream>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace harness;
+using namespace std::chrono_literals;
+
+namespace {
+
+Command monitorCommand(std::uint16_t port, std::vector<std::string> const& words) {
+    Command command{.path = MONITOR_PATH, .argv = {"kelvaris-monitor", "--port", std::to_string(port)}};
+    command.argv.insert(command.argv.end(), words.begin(), words.end());
+    return command;
+}
+
+Outcome runMonitor(std::uint16_t port, std::vector<std::string> const& words) {
+    return runProcess(monitorCommand(port, words));
+}
+
+void tool(std::uint16_t port, std::vector<std::string> const& words) {
+    Command command{.path = SDKCLI_PATH, .argv = {"sdkcli", "-p", std::to_string(port)}};
+    command.argv.insert(command.argv.end(), words.begin(), words.end());
+    EXPECT_EQ(runProcess(command).status, 0);
+}
+
+std::uint16_t freePort() {
+    return ScriptedDaemon({}, {.listen = false}).port();
+}
+
+double secondsOf(std::function<void()> const& action) {
+    auto const start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+class MonitorRun : public testing::Test {
+protected:
+    void SetUp() override {
+        char name[] = "/tmp/monitor_run.XXXXXX";
+        folder = mkdtemp(name);
+    }
+    void TearDown() override {
+        std::filesystem::remove_all(folder);
+    }
+    std::string contentOf(std::string const& name) const {
+        std::stringstream content;
+        content << std::ifstream(folder + "/" + name).rdbuf();
+        return content.str();
+    }
+    void awaitContent(std::string const& name, std::string const& text) const {
+        auto const limit = std::chrono::steady_clock::now() + patience();
+        while (contentOf(name).find(text) == std::string::npos && std::chrono::steady_clock::now() < limit) {
+            std::this_thread::sleep_for(10ms);
+        }
+        EXPECT_NE(contentOf(name).find(text), std::string::npos) << text << " isn't in:\n" << contentOf(name);
+    }
+    std::string folder;
+};
+
+TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
+    std::vector<std::vector<std::string>> const rows = {
+        {},
+        {"stare"},
+        {"watch", "weather"},
+        {"wait"},
+        {"wait", "--for", "state:connected"},
+        {"wait", "--for", "daemon", "--timeout", "-1"},
+        {"wait", "--for", "daemon", "--timeout", "1s"},
+        {"record", "--interval", "0"},
+        {"record", "--count", "0"},
+        {"record", "a", "b"},
+        {"watch", "--exec"},
+        {"--address", std::string(46, 'a'), "watch"},
+    };
+    for (auto const& words : rows) {
+        Outcome const outcome = runMonitor(1, words);
+        EXPECT_EQ(outcome.status, 2) << testing::PrintToString(words);
+        EXPECT_NE(outcome.err, "");
+        EXPECT_EQ(outcome.out, "");
+    }
+    setenv("KELVARIS_PORT", "none", 1);
+    EXPECT_EQ(runProcess({.path = MONITOR_PATH, .argv = {"kelvaris-monitor", "watch"}}).status, 2);
+    unsetenv("KELVARIS_PORT");
+    Outcome const help = runMonitor(1, {"wait", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("--timeout"), std::string::npos);
+}
+
+TEST_F(MonitorRun, WaitEndsWithItsGoalItsTimeOutOrASignal) {
+    std::uint16_t const port = freePort();
+    EXPECT_EQ(runMonitor(port, {"wait", "--for", "daemon", "--timeout", "0.3"}).status, 124);
+    Process daemon(monitorCommand(port, {"wait", "--for", "daemon"}));
+    Process network(monitorCommand(port, {"wait", "--for", "network"}));
+    Process connected(monitorCommand(port, {"wait", "--for", "state:CONNECTED"}));
+    Process endless(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
+    Process interrupted(monitorCommand(port, {"wait", "--for", "state:OVERLIMIT"}));
+    Process ignoring(
+        {.path = "/bin/sh",
+         .argv = {"sh", "-c", "trap '' HUP; exec \"$0\" --port \"$1\" wait --for state:CONNECTED",
+                  MONITOR_PATH, std::to_string(port)}});
+
+    // The daemon comes later than those who wait for it, and is killed before it is what they wait for.
+    std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
+    EXPECT_EQ(daemon.wait().status, 0);
+    EXPECT_EQ(runMonitor(port, {"wait", "--for", "network", "--timeout", "0.5"}).status, 124);
+    ignoring.signal(SIGHUP);
+    simulator.reset();
+    simulator.emplace(std::vector<std::string>{}, port);
+    tool(port, {"connect", "us", "nyc"});
+    EXPECT_EQ(connected.wait().status, 0);
+    EXPECT_EQ(ignoring.wait().status, 0) << "a hang-up that nohup had it ignore ended it";
+    EXPECT_EQ(network.wait().status, 0);
+    EXPECT_EQ(network.out(), "");
+    endless.signal(SIGTERM);
+    EXPECT_EQ(endless.wait().status, 128 + SIGTERM);
+    interrupted.signal(SIGINT);
+    EXPECT_EQ(interrupted.wait().status, 128 + SIGINT);
+}
+
+TEST_F(MonitorRun, ADaemonThatNeverCompletesTheUpgradeHoldsNothingUp) {
+    ScriptedDaemon const daemon({}, {.upgrades = std::vector<Upgrade>(20, Upgrade{.bytes = "HTTP/1.1 101"})});
+    EXPECT_EQ(runMonitor(daemon.port(), {"wait", "--for", "daemon", "--timeout", "0.5"}).status, 124);
+    Process watch(monitorCommand(daemon.port(), {"watch"}));
+    watch.waitForOutput("\"event\":\"snapshot\"");
+    Process record(monitorCommand(daemon.port(), {"record"}));
+    record.waitForOutput("down");
+    for (Process* const each : {&watch, &record}) {
+        EXPECT_LT(secondsOf([each] {
+                      each->signal(SIGTERM);
+                      EXPECT_EQ(each->wait().status, 0);
+                  }),
+                  5);
+    }
+}
+
+TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
+    std::uint16_t const port = freePort();
+    std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
+    Process watch(monitorCommand(port, {"watch", "link", "state", "server"}));
+    watch.waitForOutput("\n");
+    tool(port, {"connect", "us", "nyc"});
+    watch.waitForOutput("\"CONNECTED\"");
+    simulator.reset();
+    watch.waitForOutput("\"lost\"");
+    simulator.emplace(std::vector<std::string>{}, port);
+    watch.waitForOutput(R"("event":"state","data":{"state":"LOGGED_IN"})");
+    watch.signal(SIGINT);
+    Outcome const& outcome = watch.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+
+    std::istringstream lines(outcome.out);
+    std::vector<std::string> told;
+    for (std::string line; std::getline(lines, line);) {
+        Json::Value const object = parsed(line);
+        EXPECT_EQ(object["seq"].asUInt64(), told.size());
+        EXPECT_EQ(object.size(), 4U);
+        std::string const event = object["event"].asString();
+        told.push_back(
+            event + (event == "snapshot" || event == "server" ? "" : " " + object["data"][event].asString()));
+    }
+    // On a busy machine the link may be lost more than once, and then more is told.
+    auto next = told.begin();
+    for (char const* const each : {"snapshot", "state AUTO_CONNECTING", "state CONNECTING", "server",
+                                   "state CONNECTED", "link lost", "link up", "state LOGGED_IN"}) {
+        next = std::find(next, told.end(), each);
+        ASSERT_NE(next, told.end()) << each << " isn't told, or not in its turn:\n" << outcome.out;
+    }
+}
+
+// Starts the monitor with a pipe as its standard output, which nobody reads.
+pid_t startUnread(std::uint16_t port, int (&ends)[2]) {
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
+    std::string number = std::to_string(port);
+    char program[] = MONITOR_PATH;
+    char option[] = "--port";
+    char command[] = "watch";
+    char* const words[] = {program, option, number.data(), command, nullptr};
+    pid_t child = 0;
+    EXPECT_EQ(posix_spawn(&child, program, &files, nullptr, words, environ), 0);
+    posix_spawn_file_actions_destroy(&files);
+    close(ends[1]);
+    return child;
+}
+
+int statusOf(pid_t child) {
+    int status = -1;
+    auto const limit = std::chrono::steady_clock::now() + patience();
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > limit) {
+            kill(child, SIGKILL);
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+    return status;
+}
+
+TEST_F(MonitorRun, WatchDependsOnNoReader) {
+    Simulator const simulator({"--interval", "5"});
+    int ends[2];
+    pid_t const stalled = startUnread(simulator.port, ends);
+    int held = 0;
+    for (int before = -1; held != before || held == 0; std::this_thread::sleep_for(300ms)) {
+        before = held;
+        ASSERT_EQ(ioctl(ends[0], FIONREAD, &held), 0);
+    }
+    EXPECT_GT(held, 16 * 1024) << "so much a full pipe holds";
+    kill(stalled, SIGTERM);
+    EXPECT_EQ(statusOf(stalled), 0) << "a full pipe mustn't hold up a signal";
+    close(ends[0]);
+
+    pid_t const left = startUnread(simulator.port, ends);
+    close(ends[0]);
+    EXPECT_EQ(statusOf(left), 0) << "a reader that has gone is the end, and no error";
+}
+
+TEST_F(MonitorRun, HookGetsTheObjectAndNoShell) {
+    Simulator const simulator;
+    std::string const script =
+        "cat >\"$1\"; printf '%s|%s|%s' \"$2\" \"$KELVARIS_EVENT\" \"$KELVARIS_DATA\" >\"$1.var\"; "
+        "mv \"$1.var\" \"$1.done\"; exit 3";
+    Process watch(monitorCommand(simulator.port, {"watch", "state", "--exec", "sh", "-c", script, "--help",
+                                                  folder + "/object", "$(id) ; --port"}));
+    watch.waitForOutput("sh ended with status 3");
+    Json::Value const object = parsed(contentOf("object"));
+    EXPECT_EQ(object["event"], "snapshot");
+    EXPECT_EQ(contentOf("object.done"), "$(id) ; --port|snapshot|{\"state\":{\"state\":\"LOGGED_IN\"}}");
+    watch.signal(SIGTERM);
+    EXPECT_EQ(watch.wait().status, 0);
+    EXPECT_EQ(watch.out(), "") << "the hook takes the place of the lines";
+
+    Process missing(monitorCommand(simulator.port, {"watch", "--exec", "/nowhere/hook"}));
+    missing.waitForOutput("/nowhere/hook can't be started: No such file or directory");
+}
+
+TEST_F(MonitorRun, HookThatHangsIsKilledWithItsChildrenAndTheNewestEventIsNext) {
+    Simulator const simulator({"--interval", "20"});
+    // It ignores the request to end, and so does its child, which holds a lock for as long as it lives.
+    std::string const script = "trap '' TERM; echo $KELVARIS_SEQ >>\"$1/seen\"; mkfifo \"$1/$KELVARIS_SEQ\"; "
+                               "exec 9<>\"$1/$KELVARIS_SEQ\"; (sleep 100; true) & wait";
+    Process watch(monitorCommand(
+        simulator.port, {"watch", "--exec-timeout", "0.3", "--exec", "sh", "-c", script, "sh", folder}));
+    watch.waitForOutput("sh took longer than 0.3 s and was killed");
+    auto const limit = std::chrono::steady_clock::now() + patience();
+    int first = -1;
+    int second = -1;
+    while (!(std::istringstream(contentOf("seen")) >> first >> second) &&
+           std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(first, 0);
+    EXPECT_GT(second, 20) << "1.3 s of reports came meanwhile, and the oldest of them must not be next";
+    int held = 0;
+    while ((held = open((folder + "/0").c_str(), O_WRONLY | O_NONBLOCK)) >= 0 &&
+           std::chrono::steady_clock::now() < limit) {
+        close(held);
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(held, -1) << "the child of the first hook still lives";
+    EXPECT_LT(secondsOf([&] {
+                  watch.signal(SIGTERM);
+                  EXPECT_EQ(watch.wait().status, 0);
+              }),
+              4);
+}
+
+TEST_F(MonitorRun, RecordAddsToItsFileReopensItAndSeesADaemonGo) {
+    std::uint16_t const port = freePort();
+    std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
+    std::string const file = folder + "/r.csv";
+    EXPECT_EQ(runMonitor(port, {"record", file, "--count", "2", "--interval", "0.05"}).status, 0);
+    std::string const before = contentOf("r.csv");
+    EXPECT_EQ(before.find("time,"), 0U);
+    EXPECT_EQ(std::count(before.begin(), before.end(), '\n'), 1 + 2 * 4); // adapters
+
+    Process record(monitorCommand(port, {"record", file, "--interval", "0.05"}));
+    auto const moved = [&] { return contentOf("old.csv"); };
+    while (contentOf("r.csv").size() == before.size()) {
+        std::this_thread::sleep_for(5ms);
+    }
+    std::filesystem::rename(file, folder + "/old.csv");
+    record.signal(SIGHUP);
+    awaitContent("r.csv", "Wired");
+    EXPECT_EQ(contentOf("r.csv").find("time,"), 0U) << "a new file has a header";
+    EXPECT_EQ(moved().find("time,", 1), std::string::npos) << "an old one has one";
+    simulator.reset();
+    awaitContent("r.csv", "Z,down,,,,");
+    simulator.emplace(std::vector<std::string>{}, port);
+    std::filesystem::rename(file, folder + "/older.csv");
+    record.signal(SIGHUP);
+    awaitContent("r.csv", "Wired");
+    record.signal(SIGTERM);
+    Outcome const& outcome = record.wait();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(MonitorRun, RecordOnAFullDiskIsAnError) {
+    Simulator const simulator;
+    Outcome const closed = runProcess({.path = "/bin/sh",
+                                       .argv = {"sh", "-c", "exec \"$0\" --port \"$1\" record >&-",
+                                                MONITOR_PATH, std::to_string(simulator.port)}});
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_EQ(closed.err, "kelvaris-monitor: standard output: Bad file descriptor\n");
+    for (std::string const file : {"/dev/full", "/nowhere/r.csv"}) {
+        Outcome const outcome = runMonitor(simulator.port, {"record", file});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.err.find(file), std::string::npos) << outcome.err;
+    }
+    // A file that must not grow: the rows before the limit stay whole.
+    Outcome const outcome = runProcess(
+        {.path = "/bin/sh",
+         .argv = {"sh", "-c", "ulimit -f 2; exec \"$0\" --port \"$1\" record \"$2\" --interval 0.01",
+                  MONITOR_PATH, std::to_string(simulator.port), folder + "/small.csv"}});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("File too large"), std::string::npos) << outcome.err;
+    EXPECT_TRUE(contentOf("small.csv").ends_with('\n'));
+}
+
+} // namespace
