@@ -6,6 +6,7 @@ if(NOT DOXYGEN_FOUND)
     return()
 endif()
 set(reference ${PROJECT_SOURCE_DIR}/docs/reference)
+set(pages ${CMAKE_CURRENT_BINARY_DIR}/reference)
 set(DOXYGEN_PROJECT_NAME "Kelvaris client library")
 set(DOXYGEN_PROJECT_NUMBER ${PROJECT_VERSION})
 set(DOXYGEN_PROJECT_BRIEF "Reference for C, C++ and Python")
@@ -28,7 +29,7 @@ set(DOXYGEN_PREDEFINED "KELVARISSDK_API=" "KELVARISSDK_TAG(name)=name" "KELVARIS
 set(DOXYGEN_FILTER_PATTERNS "*.h=awk -f ${CMAKE_CURRENT_LIST_DIR}/docsfilter.awk"
     "*.hpp=awk -f ${CMAKE_CURRENT_LIST_DIR}/docsfilter.awk")
 set(DOXYGEN_STRIP_FROM_PATH ${PROJECT_SOURCE_DIR}/sdklibrary/include ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
-set(DOXYGEN_EXAMPLE_PATH ${PROJECT_SOURCE_DIR}/examples ${reference})
+set(DOXYGEN_EXAMPLE_PATH ${PROJECT_SOURCE_DIR}/examples ${reference} ${pages})
 set(DOXYGEN_EXAMPLE_RECURSIVE YES)
 set(DOXYGEN_EXTENSION_MAPPING mjs=JavaScript)
 # One includes two headers, which bring in all others; those aren't shown.
@@ -41,7 +42,6 @@ set(DOXYGEN_CLASS_GRAPH NO)
 set(DOXYGEN_HAVE_DOT NO)
 
 set(headers ${PROJECT_SOURCE_DIR}/sdklibrary/include/kelvarissdk)
-set(pages ${CMAKE_CURRENT_BINARY_DIR}/reference)
 file(GLOB documented CONFIGURE_DEPENDS ${headers}/*.h ${headers}/*.hpp ${headers}/cpp/*.hpp)
 # The insides of the C++ layer.
 list(FILTER documented EXCLUDE REGEX "/cpp/(core|deliver|life|link|operation)\\.hpp$")

@@ -55,6 +55,18 @@ def check(table: dict[str, tuple[int, int]], description: Path) -> None:
         sys.exit(f"pages.py: other sizes in the headers or the compiler's view of {wrong}")
 
 
+def row(name: str, size: tuple[int, int]) -> str:
+    """A record's row of a table."""
+    wide, narrow = size
+    return f"| {name} | {wide}{f' or {narrow}' if narrow != wide else ''} |\n"
+
+
+def results(table: dict[str, tuple[int, int]]) -> str:
+    """The table of the front page: what calls return, by size."""
+    names = sorted((name for name in table if name.endswith("Result")), key=lambda name: table[name])
+    return "| Record | Bytes |\n|---|---:|\n" + "".join(row(name, table[name]) for name in names)
+
+
 def records(table: dict[str, tuple[int, int]]) -> str:
     """The page of the records, by families."""
     text = (
@@ -70,8 +82,7 @@ def records(table: dict[str, tuple[int, int]]) -> str:
         names = re.findall(r"^typedef struct (\w+) {", (INCLUDE / f"{header}.h").read_text(), re.M)
         text += f"## {titles[group]} {{#records_{header}}}\n\n| Record | Bytes |\n|---|---:|\n"
         for name in names:
-            wide, narrow = table[name]
-            text += f"| {name} | {wide}{f' or {narrow}' if narrow != wide else ''} |\n"
+            text += row(name, table[name])
         text += "\n"
     return text
 
@@ -113,6 +124,7 @@ def main() -> None:
     table = sizes()
     check(table, description)
     (folder / "records.md").write_text(records(table))
+    (folder / "sizes.txt").write_text(results(table))
     (folder / "examples.dox").write_text(examples())
 
 
