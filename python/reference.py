@@ -1,16 +1,22 @@
 #!/usr/bin/python3
-"""Writes the reference of the Python layer, a page of Markdown, from the modules' documentation to standard output."""
+"""Writes the reference of the Python layer, pages of Markdown, from the modules' documentation.
+
+    reference.py FOLDER
+"""
 
 from __future__ import annotations
 
 import ast
 import inspect
+import re
+import sys
+import textwrap
 from collections.abc import Iterator
 from pathlib import Path
 
 PACKAGE = Path(__file__).resolve().parent / "kelvarissdk"
 
-# The modules and what they are about, in the order of the page.
+# The modules and what they are about, in the order of the pages.
 CHAPTERS = {
     "_client": "The client that waits",
     "_aio": "The client for asyncio",
@@ -86,9 +92,10 @@ def methods(body: list[ast.stmt]) -> Iterator[str]:
             result = f" -> {ast.unparse(node.returns)}" if node.returns else ""
             kind = "Subscription: " if "listener" in decorators else ""
             start = "await " if isinstance(node, ast.AsyncFunctionDef) else ""
-            yield f"{kind}`{start}{node.name}{arguments}{result}`\n\n{ast.get_docstring(node) or ''}\n\n"
+            note = textwrap.indent(ast.get_docstring(node) or "", "  ")
+            yield f"- {kind}`{start}{node.name}{arguments}{result}`\n\n{note}\n\n"
         elif isinstance(node, ast.Assign) and ast.unparse(node.value).startswith("stream("):
-            yield f"Subscription: `{ast.unparse(node.targets[0])}()`\n\n"
+            yield f"- Subscription: `{ast.unparse(node.targets[0])}()`\n\n"
 
 
 def class_text(node: ast.ClassDef) -> str:
@@ -96,33 +103,42 @@ def class_text(node: ast.ClassDef) -> str:
     fields = "".join(attributes(node.body))
     bases = [ast.unparse(base) for base in node.bases]
     kind = f", an exception ({', '.join(bases)})" if node.name.endswith("Error") else ""
-    text = f"### {node.name}{kind}\n\n{ast.get_docstring(node) or ''}\n\n{fields}\n"
+    text = f"## {node.name}{kind} {{#python_{node.name}}}\n\n{ast.get_docstring(node) or ''}\n\n{fields}\n"
     return text + "".join(methods(node.body))
 
 
-def page() -> str:
-    """The whole page: the package's documentation, then a chapter for each module."""
+def front_page() -> str:
+    """The package's documentation, with titles and the titles of its numbered list standing out, and the chapters."""
+    text = (ast.get_docstring(parsed("__init__")) or "").replace("\nCONVENTIONS\n", "\n## Conventions\n")
+    text = re.sub(r"^(\d+\. )([A-Z][^.,;`]{3,40}\.) ", r"\1**\2** ", text, flags=re.M)
+    chapters = "".join(f"- @subpage python_{module.strip('_')}\n" for module in CHAPTERS)
+    return f"# Python layer {{#python}}\n\n{text}\n\n## All of it\n\n{chapters}"
+
+
+def chapter(module: str, title: str, public: set[str], enumerations: dict[str, ast.ClassDef]) -> str:
+    """A module's page: its documentation, then its classes and the enumerations that it takes over."""
+    tree = parsed(module)
+    text = f"# {title} {{#python_{module.strip('_')}}}\n\n"
+    if module[0] != "_":
+        text += f"{ast.get_docstring(tree)}\n\n"
+    own = {node.name: node for node in tree.body if isinstance(node, ast.ClassDef)}
+    taken = [enumerations[name] for name in exported(module) if name in enumerations and name not in own]
+    calls = {f"{module.capitalize()}Calls", "SafeBrowsingCalls", "FirstCalls"}
+    return text + "".join(class_text(node) for node in [*taken, *own.values()] if node.name in public | calls)
+
+
+def main() -> None:
+    """Writes a page for the package and one for each module."""
+    folder = Path(sys.argv[1])
     public = public_names()
     enumerations = {node.name: node for node in parsed("_abi").body if isinstance(node, ast.ClassDef)}
-    text = f"# Python {{#python}}\n\n{ast.get_docstring(parsed('__init__')) or ''}\n\n"
+    (folder / "python.md").write_text(front_page())
     for module, title in CHAPTERS.items():
-        tree = parsed(module)
-        text += f"## {title} {{#python_{module.strip('_')}}}\n\n"
-        if module[0] != "_":
-            text += f"{ast.get_docstring(tree)}\n\n"
-        own = {node.name: node for node in tree.body if isinstance(node, ast.ClassDef)}
-        taken = [enumerations[name] for name in exported(module) if name in enumerations and name not in own]
-        for node in [*taken, *own.values()]:
-            if node.name in public or node.name in (
-                f"{module.capitalize()}Calls",
-                "SafeBrowsingCalls",
-                "FirstCalls",
-            ):
-                text += class_text(node)
-    return text
+        text = chapter(module, title, public, enumerations)
+        (folder / f"python_{module.strip('_')}.md").write_text(text)
 
 
 PLAIN_TYPES = plain_types()
 
 if __name__ == "__main__":
-    print(page(), end="")
+    main()

@@ -60,7 +60,9 @@ private:
 class [[nodiscard]] Subscription {
 public:
     Subscription() = default;
+    /** @cond */
     explicit Subscription(detail::OperationPtr of) : operation(std::move(of)) {}
+    /** @endcond */
     Subscription(Subscription&& other) noexcept = default;
     Subscription& operator=(Subscription&& other) noexcept {
         Subscription(std::move(other)).operation.swap(operation);
@@ -102,10 +104,12 @@ private:
  */
 template <class T> class [[nodiscard]] Call {
 public:
+    /** @cond */
     using Operation = detail::TypedOperation<T>;
 
     Call(std::shared_ptr<detail::Core> ofCore, detail::Traits with, typename Operation::Starter by)
         : core(std::move(ofCore)), traits(with), starter(std::move(by)) {}
+    /** @endcond */
 
     /** With a time-out of one's own: it ends the call with TIMEOUT, unless the library's own ended it before. */
     Call within(std::chrono::nanoseconds limit) const {
@@ -147,6 +151,7 @@ public:
         return result;
     }
 
+    /** @cond */
     // What awaiting and subscribing are made of.
     template <class Callable> auto deliver(Callable&& callable) const {
         return make<detail::Delivered<T, std::decay_t<Callable>>>(std::forward<Callable>(callable));
@@ -154,6 +159,7 @@ public:
     void launch(std::shared_ptr<Operation> const& operation) const {
         core ? core->start(operation) : operation->endAtOnce(ErrorType::CANCELLED);
     }
+    /** @endcond */
 
 private:
     template <class Kind, class... Arguments> std::shared_ptr<Kind> make(Arguments&&... arguments) const {
@@ -176,9 +182,11 @@ private:
 /** A call that can also be subscribed to. */
 template <class T> class [[nodiscard]] StreamCall : public Call<T> {
 public:
+    /** @cond */
     StreamCall(std::shared_ptr<detail::Core> ofCore, detail::Traits with,
                typename Call<T>::Operation::Starter by)
         : Call<T>(std::move(ofCore), with, std::move(by)), keep(with.statistics ? keepLatest : keepAll) {}
+    /** @endcond */
 
     /**
      * Calls `callable` with a Result<T> const& for the report that is read and each later one of its kind. An error, such
