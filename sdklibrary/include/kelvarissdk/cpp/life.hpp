@@ -84,6 +84,7 @@ inline void Core::start(OperationPtr const& operation) {
         return;
     }
     live.emplace(operation.get(), operation);
+    operation->enrolling = operation->hasCall(); // until then a new handle leaves it to this thread
     if (operation->timeLimit) {
         operation->due = Clock::now() + *operation->timeLimit;
         timers.emplace(operation->due, operation);
@@ -101,6 +102,7 @@ inline void Core::start(OperationPtr const& operation) {
 
 inline void Core::enroll(OperationPtr const& operation) {
     Lock lock(mutex);
+    operation->enrolling = false;
     if (replacing) {
         return; // the new handle takes it
     }
