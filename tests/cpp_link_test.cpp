@@ -1,5 +1,6 @@
 // How the C++ layer sees the link: the simulator killed and started again, a daemon that closes.
 
+#include "support/nothreads.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
 #include "support/texts.h"
@@ -128,9 +129,13 @@ TEST(CppLink, EndsAndIsMadeAnew) {
                           {.appName = std::nullopt});
     Inbox<Link> links;
     Inbox<State> states;
-    Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byExecutor([](auto task) {
-                                                                  std::thread(task).detach();
-                                                              })});
+    Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byQueue()});
+    std::jthread const dispatches([&client](std::stop_token const& stop) {
+        while (!stop.stop_requested()) {
+            client.dispatch();
+            std::this_thread::sleep_for(1ms);
+        }
+    });
     Subscription const link = client.onLink([&](Link to) { links.put(to); });
     Subscription const state = client.getState().subscribe([&](auto const& report) {
         if (report) {
@@ -151,9 +156,11 @@ TEST(CppLink, EndsAndIsMadeAnew) {
         return true;
     };
     std::jthread const starter([&] { slow.launch(operation); });
+    std::optional<NoThreads> none(std::in_place); // so the new handle takes two attempts
     EXPECT_EQ(links.take(), Link::LOST);
     EXPECT_EQ(links.take(), Link::ENDED);
     EXPECT_EQ(pending.get().error().code, ErrorType::TIMEOUT);
+    none.reset();
     EXPECT_EQ(states.take(), State::LOGGED_IN);
     EXPECT_EQ(links.take(), Link::UP);
     replaced.set_value();
