@@ -108,6 +108,8 @@ class Core:
                 return
             self.live[operation.key] = operation
             operations[operation.key] = operation
+            # Until then a new handle leaves it to this thread.
+            operation.enrolling = operation.description is not None
         if operation.description is not None:
             self.enroll(operation)
 
@@ -115,6 +117,7 @@ class Core:
         description = operation.description
         assert description is not None
         with self.mutex:
+            operation.enrolling = False
             if self.replacing or operation.settled:
                 return  # the new handle takes it
             operation.enrolling = True
