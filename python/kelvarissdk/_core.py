@@ -32,6 +32,7 @@ from .errors import CallCancelledError, CallTimeoutError, SdkError, error_in
 
 # How long the end of a client is waited for, in seconds.
 END = 1.0
+PARENTS = "the client is that of a parent process"
 _FAULTS = {signal.SIGSEGV, signal.SIGBUS, signal.SIGFPE, signal.SIGILL, signal.SIGTRAP, signal.SIGSYS}
 
 
@@ -100,7 +101,7 @@ class Core:
     def start(self, operation: Operation) -> None:
         """Hands it to the library. What goes wrong is found in the operation."""
         if self.forked:
-            operation.error = SdkError("the client is that of a parent process")
+            operation.error = SdkError(PARENTS)
             return
         with self.mutex:
             if self.closing:
