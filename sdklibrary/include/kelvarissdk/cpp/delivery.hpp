@@ -24,7 +24,10 @@ public:
     using Task = std::function<void()>;
     using ExceptionHook = std::function<void(std::exception_ptr)>;
 
-    /** On the library's reader thread; time-outs and cancellations on threads of the client. */
+    /**
+     * On the library's reader thread; a time-out on a thread of the client, and where a call is refused or cancelled, or the
+     * client ended, on the thread that does so, which must hold no lock that the callable takes.
+     */
     static Delivery onReaderThread() {
         return {Kind::readerThread, {}};
     }
