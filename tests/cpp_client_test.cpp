@@ -431,6 +431,7 @@ TEST(CppBadInput, NoThreadCanBeStarted) {
         });
         daemon.waitForRequest("request_current_state");
         std::promise<void> left;
+        bool const dispatches = client->fd() >= 0;
         std::optional<NoThreads> none(std::in_place);
         EXPECT_THROW(clientOf(daemon.port()), std::system_error);
         client->getVersion().then([&](auto const&) {
@@ -439,7 +440,7 @@ TEST(CppBadInput, NoThreadCanBeStarted) {
         });
         daemon.waitForRequest("request_version_data");
         daemon.send(version.answers[0]);
-        if (int const fd = client->fd(); fd >= 0) {
+        if (dispatches) {
             dispatchUntil(*client, [&] { return !client; });
         } else {
             left.get_future().wait();
