@@ -1,5 +1,6 @@
 // The C++ layer: the forms of a call, subscriptions and their ends, delivery.
 
+#include "support/nothreads.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
 #include "support/texts.h"
@@ -417,14 +418,55 @@ TEST(CppBadInput, CallableThatBlocks) {
     daemon.waitForRequest("request_version_data");
 }
 
+// A client that is left in its callable ends when the callable has returned, or with the next report.
+TEST(CppBadInput, NoThreadCanBeStarted) {
+    for (auto const& delivery : {Delivery::byQueue(), Delivery::onReaderThread()}) {
+        ScriptedDaemon daemon({{"request_current_state"}, {"request_version_data"}}, noName);
+        auto client = std::make_unique<Client>(clientOf(daemon.port(), delivery));
+        std::promise<ErrorType> last;
+        Subscription const states = client->getState().subscribe([&](auto const& state) {
+            if (!state) {
+                last.set_value(state.error().code);
+            }
+        });
+        daemon.waitForRequest("request_current_state");
+        std::promise<void> left;
+        bool const dispatches = client->fd() >= 0;
+        std::optional<NoThreads> none(std::in_place);
+        EXPECT_THROW(clientOf(daemon.port()), std::system_error);
+        client->getVersion().then([&](auto const&) {
+            client.reset();
+            left.set_value();
+        });
+        daemon.waitForRequest("request_version_data");
+        daemon.send(version.answers[0]);
+        if (dispatches) {
+            dispatchUntil(*client, [&] { return !client; });
+        } else {
+            left.get_future().wait();
+            none.reset();
+            daemon.send(state(6));
+        }
+        EXPECT_EQ(last.get_future().get(), ErrorType::CANCELLED);
+    }
+}
+
 TEST(CppBadInput, Fork) {
     ScriptedDaemon daemon({version}, noName);
     std::optional<Client> client = clientOf(daemon.port());
     EXPECT_TRUE(client->getVersion().get());
+    Subscription const link = client->onLink([](Link) {});
+    std::jthread const holdsTheMutex([&link](std::stop_token const& stop) {
+        while (!stop.stop_requested()) {
+            link.dropped();
+        }
+    });
     pid_t const child = fork();
     if (child == 0) {
+        alarm(20);
         bool const ends = client->getVersion().get().error().code == ErrorType::SDK &&
-                          client->getState().future().get().error().code == ErrorType::SDK;
+                          client->getState().future().get().error().code == ErrorType::SDK &&
+                          client->onLink([](Link) {}).dropped() == link.dropped();
         client.reset();
         _exit(ends ? 0 : 1);
     }

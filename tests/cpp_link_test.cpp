@@ -1,5 +1,6 @@
 // How the C++ layer sees the link: the simulator killed and started again, a daemon that closes.
 
+#include "support/nothreads.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
 #include "support/texts.h"
@@ -123,13 +124,18 @@ TEST(CppLink, EndsAndIsMadeAnew) {
     ScriptedDaemon daemon({{"request_current_state", "null", {state(6)}},
                            {"check_captive_networks"},
                            {"request_version_data", "null", {}, Then::closeFrame},
-                           {"request_current_state", "null", {state(2)}}},
+                           {"request_current_state", "null", {state(2)}},
+                           {"request_directory_url"}},
                           {.appName = std::nullopt});
     Inbox<Link> links;
     Inbox<State> states;
-    Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byExecutor([](auto task) {
-                                                                  std::thread(task).detach();
-                                                              })});
+    Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byQueue()});
+    std::jthread const dispatches([&client](std::stop_token const& stop) {
+        while (!stop.stop_requested()) {
+            client.dispatch();
+            std::this_thread::sleep_for(1ms);
+        }
+    });
     Subscription const link = client.onLink([&](Link to) { links.put(to); });
     Subscription const state = client.getState().subscribe([&](auto const& report) {
         if (report) {
@@ -140,11 +146,27 @@ TEST(CppLink, EndsAndIsMadeAnew) {
     auto pending = client.checkForCaptivePortals().future(); // its own time-out is 30 seconds
     daemon.waitForRequest("check_captive_networks");
     EXPECT_EQ(links.take(), Link::UP);
+    // This call is prepared before the handle is replaced and reaches the new one, once.
+    std::promise<void> replaced;
+    Inbox<bool> outcome;
+    auto const slow = client.getDirectorySettings();
+    auto const operation = slow.deliver([&](auto const& result) { outcome.put(static_cast<bool>(result)); });
+    operation->attach = [&](auto const&) {
+        replaced.get_future().wait();
+        return true;
+    };
+    std::jthread const starter([&] { slow.launch(operation); });
+    std::optional<NoThreads> none(std::in_place); // so the new handle takes two attempts
     EXPECT_EQ(links.take(), Link::LOST);
     EXPECT_EQ(links.take(), Link::ENDED);
     EXPECT_EQ(pending.get().error().code, ErrorType::TIMEOUT);
+    none.reset();
     EXPECT_EQ(states.take(), State::LOGGED_IN);
     EXPECT_EQ(links.take(), Link::UP);
+    replaced.set_value();
+    daemon.waitForRequest("request_directory_url");
+    daemon.send(report("directory_settings", "{}"));
+    EXPECT_TRUE(outcome.take());
     EXPECT_EQ(daemon.connections(), 2U);
 }
 

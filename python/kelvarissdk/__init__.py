@@ -19,7 +19,8 @@ CONVENTIONS
 2. Results are frozen dataclasses, made when they are taken: lists are tuples, a span of time is a timedelta, a moment a
    datetime or a date, and an enumeration's number without a name its member UNKNOWN. None stands where the record says
    "none". A note at the class says which report it comes from, those at the fields name units and capacities. Arguments
-   that wouldn't arrive as they are, such as numbers out of range, raise ValueError or TypeError, and nothing is sent.
+   that wouldn't arrive as they are, such as numbers out of range, raise ValueError or TypeError, and nothing is sent; of
+   a list, so many items are sent as its method says.
 
 3. Errors are subclasses of KelvarisError, one for each code; CallTimeoutError is a TimeoutError too, NotConnectedError a
    ConnectionError, and InvalidArgumentError a ValueError. A call ends once, with what comes first: its result, the

@@ -10,7 +10,7 @@ from typing import Any, Generic, TypeVar, cast
 
 from ._calls import Awaiting, Description
 from ._client import Calls, abandon, bound, prepare
-from ._core import END, Core, create_settings
+from ._core import END, PARENTS, Core, create_settings
 from ._link import Link
 from ._operations import Items, Once, Operation
 from .errors import SdkError
@@ -231,7 +231,7 @@ class AsyncClient(Calls, Awaiting):
 
     def _loop(self) -> Wakes:
         if self._core.forked:
-            raise SdkError("the client is that of a parent process")
+            raise SdkError(PARENTS)
         loop = asyncio.get_running_loop()
         if self._wakes is None:
             self._wakes = Wakes(self._core)

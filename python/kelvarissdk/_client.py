@@ -13,11 +13,11 @@ from types import TracebackType
 from typing import Any, Generic, TypeVar, cast
 
 from ._calls import Blocking, Description, reader_threads
-from ._core import END, Core, create_settings, signals_blocked
+from ._core import END, PARENTS, Core, create_settings, signals_blocked
 from ._link import Link
 from ._operations import Items, Once
 from .adapters import AdaptersCalls
-from .errors import CallTimeoutError, SynchronousInCallbackError
+from .errors import CallTimeoutError, SdkError, SynchronousInCallbackError
 from .lists import ListsCalls
 from .safebrowsing import SafeBrowsingCalls
 from .session import SessionCalls
@@ -146,6 +146,8 @@ class Subscription(Generic[R]):
         refuse_on_reader_thread()
         if self._call is not None:
             raise ValueError("the subscription has a callable")
+        if self._core.forked:
+            raise SdkError(PARENTS)
         items = self._items
         seconds = seconds_of(timeout)
         with self._core.mutex:

@@ -32,6 +32,7 @@ from .errors import CallCancelledError, CallTimeoutError, SdkError, error_in
 
 # How long the end of a client is waited for, in seconds.
 END = 1.0
+PARENTS = "the client is that of a parent process"
 _FAULTS = {signal.SIGSEGV, signal.SIGBUS, signal.SIGFPE, signal.SIGILL, signal.SIGTRAP, signal.SIGSYS}
 
 
@@ -100,7 +101,7 @@ class Core:
     def start(self, operation: Operation) -> None:
         """Hands it to the library. What goes wrong is found in the operation."""
         if self.forked:
-            operation.error = SdkError("the client is that of a parent process")
+            operation.error = SdkError(PARENTS)
             return
         with self.mutex:
             if self.closing:
@@ -108,6 +109,8 @@ class Core:
                 return
             self.live[operation.key] = operation
             operations[operation.key] = operation
+            # Until then a new handle leaves it to this thread.
+            operation.enrolling = operation.description is not None
         if operation.description is not None:
             self.enroll(operation)
 
@@ -115,6 +118,7 @@ class Core:
         description = operation.description
         assert description is not None
         with self.mutex:
+            operation.enrolling = False
             if self.replacing or operation.settled:
                 return  # the new handle takes it
             operation.enrolling = True

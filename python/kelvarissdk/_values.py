@@ -182,9 +182,11 @@ def _plain_slot(slot: Any, value: Any) -> Any:
 
 
 def _plain_hours(value: Any) -> int:
-    return _plain_number(
-        ctypes.c_uint, value // timedelta(hours=1) if isinstance(value, timedelta) else value
-    )
+    if isinstance(value, timedelta):
+        value, rest = divmod(value, timedelta(hours=1))
+        if rest:
+            raise ValueError("a period is a whole number of hours")
+    return _plain_number(ctypes.c_uint, value)
 
 
 def _plain_list(count: Any, item: Any, values: Iterable[Any]) -> tuple[int, Any]:

@@ -135,6 +135,7 @@ class Arguments(unittest.TestCase):
                 (ValueError, lambda: client.set_firewall_domains(["ä" * 26])),
                 (ValueError, lambda: client.set_firewall_ports([ProtocolPortPair(PortProtocol.TCP, 65536)])),
                 (ValueError, lambda: client.set_streaming_ipv4(["1.2.3"])),
+                (ValueError, lambda: client.enable_stat_updates(True, [timedelta(minutes=90)])),
                 (TypeError, lambda: client.set_jumbo_packets("off")),
                 (TypeError, lambda: client.set_dns_servers("1.1.1.1")),
                 (TypeError, lambda: client.connect_country(b"us")),

@@ -255,7 +255,8 @@ threading.Thread(target=lambda: list(stats), daemon=True).start()
             signal.alarm(PATIENCE)
             refused = 0
             try:
-                for use in (self.client.get_version, self.client.states, self.client.within(1).get_state):
+                within = self.client.within(1)
+                for use in (self.client.get_version, self.client.states, within.get_state, subscription.get):
                     try:
                         use()
                     except SdkError:
@@ -263,7 +264,7 @@ threading.Thread(target=lambda: list(stats), daemon=True).start()
                 subscription.close()
                 self.client.close()
                 with Client(port=self.daemon.port, probing=False) as own:
-                    os._exit(0 if refused == 3 and own.get_version().maj == 1 else 1)
+                    os._exit(0 if refused == 4 and own.get_version().maj == 1 else 1)
             finally:
                 os._exit(2)
         self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), 0)

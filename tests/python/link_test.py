@@ -1,6 +1,7 @@
 """How both clients see the link: the simulator killed and started again, a daemon that closes."""
 
 import asyncio
+import threading
 import time
 import unittest
 from datetime import timedelta
@@ -125,6 +126,40 @@ class Links(unittest.IsolatedAsyncioTestCase):
 
             await self.both(see, daemon.port)
 
+    async def begin_meanwhile(self):
+        """A call that is made before the handle is replaced and begins afterwards reaches the new one, once."""
+        closes = [True]
+
+        def close():
+            if closes:
+                closes.pop()
+                daemon.send_frame(8, b"\x03\xe8", daemon.links[-1])
+            return ()
+
+        with Daemon({"request_current_state": [state(6)], "request_version_data": close}) as daemon:
+            with Client(port=daemon.port) as client:
+                links, states = client.links(), client.states()
+                replaced = threading.Event()
+                enroll = client._core.enroll
+
+                def enroll_late(operation):
+                    if threading.current_thread() is not client._core.thread:
+                        replaced.wait(PATIENCE)
+                    enroll(operation)
+
+                client._core.enroll = enroll_late
+                waits = asyncio.create_task(asyncio.to_thread(client.get_directory_settings))
+                while await asyncio.to_thread(links.get, PATIENCE) is not Link.ENDED:
+                    pass
+                self.assertIs(await asyncio.to_thread(links.get, PATIENCE), Link.UP)
+                replaced.set()
+                await asyncio.to_thread(daemon.request, "request_directory_url")
+                daemon.send("directory_settings", {})
+                await waits
+                states.close()
+                client.daemon_exit()
+                self.assertEqual((await asyncio.to_thread(daemon.request))[0], "exit")
+
     async def return_late(self):
         """The requests that wait for a daemon are few after whatever time: here after 7.5 seconds."""
         with Daemon(refusals=30) as daemon:
@@ -140,7 +175,7 @@ class Links(unittest.IsolatedAsyncioTestCase):
 
     async def test_links(self):
         """They take their time, so they run together."""
-        await asyncio.gather(self.lose_and_find(), self.end(), self.return_late())
+        await asyncio.gather(self.lose_and_find(), self.end(), self.begin_meanwhile(), self.return_late())
 
 
 if __name__ == "__main__":

@@ -50,7 +50,11 @@
  *     oldest reports are dropped and counted. A text cut within a character and an unknown number: see 2. A callable that
  *     blocks holds up the reader thread if it runs there, and otherwise its own queue. A daemon that neither reports nor
  *     closes for as long as the time-out of a read, five seconds, is taken for ENDED. Memory that runs out while a record
- *     becomes a value ends the process, as an exception in a callback of the C interface does.
+ *     becomes a value ends the process, as an exception in a callback of the C interface does. Where no thread can be
+ *     started, making a client throws std::system_error (with -fno-exceptions it ends the process); later on, the link
+ *     isn't watched, calls end by the library's time-outs alone, a client that is left in a callable ends when dispatch()
+ *     or the executor's task returns or with the next report, and a handle that was closed is replaced once that is
+ *     possible: the client tries it every second.
  */
 #ifndef KELVARISSDK_KELVARISSDK_HPP
 #define KELVARISSDK_KELVARISSDK_HPP
@@ -126,13 +130,11 @@ public:
             operation->stream = true;
             operation->limit = keepAll.count;
             core->start(operation);
-            detail::Lock lock(core->mutex);
             core->watch(*operation, [watcher = operation.get()](Link link) {
                 std::list<Result<detail::LinkChange>> change;
                 change.emplace_back(detail::LinkChange{link});
                 watcher->offer(change);
             });
-            core->flush(lock);
         }
         return Subscription(operation);
     }

@@ -81,7 +81,7 @@ public:
 
     /** How many reports were dropped because the callable didn't keep up. */
     std::size_t dropped() const {
-        if (!operation || !operation->core) {
+        if (!operation || !operation->core || operation->core->isInherited()) {
             return 0;
         }
         std::lock_guard const lock(operation->core->mutex);

@@ -164,6 +164,7 @@ public:
 
     // ---- The link, in link.hpp; with the mutex held ----
     void heard(Operation const& operation, KelvarisSDK_BaseResult const& head);
+    // Without the mutex: tells the link and each change of it.
     void watch(Operation& operation, std::function<void(Link)> tell);
 
     std::mutex mutex;
@@ -172,10 +173,13 @@ public:
 
 private:
     KelvarisSDK_Handle* create() const;
+    KelvarisSDK_Handle* createOrNull() const;
     KelvarisSDK_Handle* takeHandle(Lock& lock);
     template <class Use> auto useHandle(Lock& lock, Use use);
     void enroll(OperationPtr const& operation);
     void discard(Operation& operation);
+    void withdraw(Operation const& operation);
+    void clearSignal();
     void runToken(Lock& lock);
     void drainHere(Lock& lock);
     void deliverRest(Lock& lock);
@@ -183,6 +187,7 @@ private:
     bool give(Delivery::Task const& task);
     void post(std::size_t count);
     void close(Lock& lock);
+    void closeIfLeft(Lock& lock);
     static bool isInsideCallable(Core const* core);
 
     // ---- The helper thread, in link.hpp ----
@@ -210,8 +215,8 @@ private:
     KelvarisSDK_Handle* handle = nullptr;
     std::size_t uses = 0; // calls of the C interface
     bool closing = false;
-    bool closeAsked = false;
-    bool over = false; // the end has delivered what there was
+    bool closeAsked = false; // by closeLater(): the helper does it, or who finds that there is none
+    bool over = false;       // the end has delivered what there was
     bool replacing = false;
     unsigned generation = 0;
     std::deque<OperationPtr> ready; // an entry for each item that waits

@@ -24,6 +24,22 @@ inline void Core::push(Operation& operation) {
     }
 }
 
+// Nothing of it waits any more.
+inline void Core::withdraw(Operation const& operation) {
+    ready.erase(std::remove_if(ready.begin(), ready.end(),
+                               [&operation](OperationPtr const& each) { return each.get() == &operation; }),
+                ready.end());
+    clearSignal();
+}
+
+// The descriptor isn't readable without something to deliver.
+inline void Core::clearSignal() {
+    if (signal >= 0 && ready.empty()) {
+        eventfd_t count = 0;
+        eventfd_read(signal, &count);
+    }
+}
+
 inline void Core::flush(Lock& lock) {
     while (!directs.empty()) {
         OperationPtr const operation = std::move(directs.front());
@@ -80,10 +96,7 @@ inline void Core::drainHere(Lock& lock) {
 inline void Core::runToken(Lock& lock) {
     OperationPtr const operation = std::move(ready.front());
     ready.pop_front();
-    if (signal >= 0 && ready.empty()) {
-        eventfd_t count = 0;
-        eventfd_read(signal, &count);
-    }
+    clearSignal();
     run(operation, lock);
 }
 
@@ -121,6 +134,7 @@ inline void Core::post(std::size_t count) {
              --left) {
             core->runToken(lock);
         }
+        core->closeIfLeft(lock);
     };
     for (; count > 0; --count) {
         if (!give(task)) {
@@ -131,19 +145,7 @@ inline void Core::post(std::size_t count) {
 }
 
 inline bool Core::give(Delivery::Task const& task) {
-#if defined(__cpp_exceptions)
-    try {
-        settings.delivery.post(task);
-    } catch (...) {
-        if (settings.onException) {
-            settings.onException(std::current_exception());
-        }
-        return false;
-    }
-#else
-    settings.delivery.post(task);
-#endif
-    return true;
+    return settings.delivery.give(task, settings.onException);
 }
 
 inline std::size_t Core::dispatch(std::size_t max) {
@@ -157,6 +159,7 @@ inline std::size_t Core::dispatch(std::size_t max) {
     for (; done < count && !ready.empty() && !closing; ++done) {
         runToken(lock);
     }
+    closeIfLeft(lock);
     return done;
 }
 
@@ -166,6 +169,7 @@ inline void Core::leaveCallback(Lock& lock) {
     if (!discarded.empty()) {
         unregisterDiscarded(lock);
     }
+    closeIfLeft(lock);
 }
 
 } // namespace detail

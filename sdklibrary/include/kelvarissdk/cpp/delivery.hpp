@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-#include <kelvarissdk/csdkinterface.h>
+#include <kelvarissdk/cpp/result.hpp>
 
 namespace kelvaris {
 
@@ -22,14 +22,36 @@ class Delivery {
 public:
     enum class Kind : std::uint32_t { readerThread, executor, queue };
     using Task = std::function<void()>;
+    using ExceptionHook = std::function<void(std::exception_ptr)>;
 
-    /** On the library's reader thread; time-outs and cancellations on threads of the client. */
+    /**
+     * On the library's reader thread; a time-out on a thread of the client, and where a call is refused or cancelled, or the
+     * client ended, on the thread that does so, which must hold no lock that the callable takes.
+     */
     static Delivery onReaderThread() {
         return {Kind::readerThread, {}};
     }
     /** By `post`, which takes a task from any thread and runs it later. It must not run it at once. */
+    template <bool exceptions = KELVARIS_EXCEPTIONS>
     static Delivery byExecutor(std::function<void(Task)> post) {
-        return {Kind::executor, std::move(post)};
+        return {Kind::executor,
+                [post = std::move(post)](Task const& task, [[maybe_unused]] ExceptionHook const& hook) {
+#if defined(__cpp_exceptions)
+                    if constexpr (exceptions) {
+                        try {
+                            post(task);
+                        } catch (...) {
+                            if (hook) {
+                                hook(std::current_exception());
+                            }
+                            return false;
+                        }
+                        return true;
+                    }
+#endif
+                    post(task);
+                    return true;
+                }};
     }
     /** In Client::dispatch(), which is due while Client::fd() is readable. */
     static Delivery byQueue() {
@@ -37,10 +59,11 @@ public:
     }
 
     Kind kind;
-    std::function<void(Task)> post;
+    std::function<bool(Task const&, ExceptionHook const&)> give; // false: the executor threw
 
 private:
-    Delivery(Kind ofKind, std::function<void(Task)> byPost) : kind(ofKind), post(std::move(byPost)) {}
+    Delivery(Kind ofKind, std::function<bool(Task const&, ExceptionHook const&)> by)
+        : kind(ofKind), give(std::move(by)) {}
 };
 
 /** How many reports wait for a subscription's callable; a report that finds no place drops the oldest. */
@@ -68,7 +91,7 @@ struct CreateSettings {
     Delivery delivery = Delivery::onReaderThread();
     bool probing = true; /**< whether the link is watched, see 6 in kelvarissdk.hpp */
     /** Gets what a callable or an executor throws, where that was thrown; it must not throw. Without it that is lost. */
-    std::function<void(std::exception_ptr)> onException = {};
+    Delivery::ExceptionHook onException = {};
 
 private:
     static KelvarisSDK_CreateSettings const& defaults() {

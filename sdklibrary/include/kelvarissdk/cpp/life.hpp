@@ -12,10 +12,10 @@ namespace kelvaris {
 namespace detail {
 
 inline Core::Core(CreateSettings with) : settings(std::move(with)) {
+    handle = create(); // which may throw, so it comes first
     if (settings.delivery.kind == Delivery::Kind::queue) {
         signal = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     }
-    handle = create();
 }
 
 // Not in the constructor, because the helper shares the object.
@@ -42,6 +42,19 @@ inline KelvarisSDK_Handle* Core::create() const {
     fill(plain.address, settings.address);
     plain.port = settings.port;
     return KelvarisSDK_CreateWithSettings(plain);
+}
+
+// Null where a thread can't be started, too.
+inline KelvarisSDK_Handle* Core::createOrNull() const {
+#if defined(__cpp_exceptions)
+    try {
+        return create();
+    } catch (...) {
+        return nullptr;
+    }
+#else
+    return create();
+#endif
 }
 
 // From then on others find none. Waits for those who use it.
@@ -84,6 +97,7 @@ inline void Core::start(OperationPtr const& operation) {
         return;
     }
     live.emplace(operation.get(), operation);
+    operation->enrolling = operation->hasCall(); // until then a new handle leaves it to this thread
     if (operation->timeLimit) {
         operation->due = Clock::now() + *operation->timeLimit;
         timers.emplace(operation->due, operation);
@@ -101,6 +115,7 @@ inline void Core::start(OperationPtr const& operation) {
 
 inline void Core::enroll(OperationPtr const& operation) {
     Lock lock(mutex);
+    operation->enrolling = false;
     if (replacing) {
         return; // the new handle takes it
     }
@@ -161,6 +176,7 @@ inline void Core::end(Operation& operation) {
     operation.closed = true;
     operation.settled = true;
     operation.dropItems();
+    withdraw(operation);
     disarm(operation);
     watchers.erase(&operation);
     while (operation.running && operation.runner != std::this_thread::get_id()) {
@@ -228,7 +244,7 @@ inline void Core::leave() {
     } else {
         auto const stay = shared_from_this();
         Lock lock(mutex);
-        if (!closing && !closeAsked) {
+        if (!closing && !(closeAsked && hasHelper)) {
             close(lock);
         }
     }
@@ -242,11 +258,20 @@ inline void Core::closeLater() {
     if (closing || closeAsked) {
         return;
     }
+    closeAsked = true;
+    closeIfLeft(lock);
+}
+
+// Where no thread can be started, the end comes once a thread is outside of all callables, or can be started again.
+inline void Core::closeIfLeft(Lock& lock) {
+    if (!closeAsked || closing) {
+        return;
+    }
     if (needHelper()) {
-        closeAsked = true;
         nudge();
     } else if (!isInsideCallable(this)) {
         close(lock);
+        lock.lock();
     }
 }
 

@@ -144,7 +144,7 @@ inline Clock::time_point Core::nextDue() const {
     return std::min(due, Clock::now() + std::chrono::hours(24));
 }
 
-// ---- The link; with the mutex held ----
+// ---- The link; with the mutex held but for watch() ----
 
 inline void Core::heard(Operation const& operation, KelvarisSDK_BaseResult const& head) {
     if (!settings.probing) {
@@ -179,6 +179,10 @@ inline void Core::changeLink(Link to) {
 
 // A watcher that comes late is told how things stand.
 inline void Core::watch(Operation& operation, std::function<void(Link)> tell) {
+    if (isInherited()) {
+        return;
+    }
+    Lock lock(mutex);
     if (closing || operation.settled) {
         return;
     }
@@ -186,11 +190,14 @@ inline void Core::watch(Operation& operation, std::function<void(Link)> tell) {
         tell(*link);
     }
     watchers.emplace(&operation, std::move(tell));
+    flush(lock);
 }
 
 inline void Core::superviseLink(Lock& lock) {
     if (probeEnded) {
-        replaceHandle(lock);
+        if (!replacing || Clock::now() >= lastHeard + quietLimit) {
+            replaceHandle(lock);
+        }
         return;
     }
     if (returned) {
@@ -275,7 +282,7 @@ inline void Core::readAnew(Lock& lock) {
     });
 }
 
-// Nobody but the helper gets here, so there is one at a time.
+// Nobody but the helper gets here, so there is one at a time. Where no handle can be made, it is tried again in a second.
 inline void Core::replaceHandle(Lock& lock) {
     probeEnded = false;
     probing = false;
@@ -286,13 +293,14 @@ inline void Core::replaceHandle(Lock& lock) {
     KelvarisSDK_Handle* const old = takeHandle(lock);
     lock.unlock();
     KelvarisSDK_Destroy(old);
-    KelvarisSDK_Handle* const fresh = create();
+    KelvarisSDK_Handle* const fresh = createOrNull();
     std::vector<OperationPtr> streams;
     std::vector<OperationPtr> ended;
     lock.lock();
     handle = fresh;
     ++generation;
-    replacing = false;
+    replacing = fresh == nullptr;
+    probeEnded = replacing;
     lastHeard = Clock::now();
     discarded.clear();
     for (auto entry = live.begin(); entry != live.end();) {
@@ -314,6 +322,9 @@ inline void Core::replaceHandle(Lock& lock) {
     }
     flush(lock);
     lock.lock();
+    if (replacing) {
+        return;
+    }
     enableStatistics(lock);
     lock.unlock();
     for (OperationPtr const& operation : streams) {

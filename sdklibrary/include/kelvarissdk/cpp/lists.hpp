@@ -1,7 +1,7 @@
 /*
  * Lists of traffic: the firewall, the local proxy and its streaming services, and what counts as streaming.
  *
- * Of a list of more than 100 items the first 100 are sent; an empty one clears the list.
+ * Of a list of more than 100 items the first 100 are sent, and of a domain the first 50 bytes; an empty list clears.
  *
  * Include kelvarissdk.hpp; it opens with the conventions and brings in this header.
  */
