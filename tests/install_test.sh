@@ -10,7 +10,7 @@ cd "$2"
 cmake --install "$1" --prefix "$PWD/first" >/dev/null
 mv first prefix
 prefix=$PWD/prefix
-examples=$(find "$prefix" -name examples)
+examples=$(find "$prefix" -path '*/libkelvarissdk-dev/examples')
 
 # No other folder than the installed one is searched, in which the .pc file stands.
 PKG_CONFIG_LIBDIR=$(dirname "$(find "$prefix" -name kelvarissdk.pc)")
