@@ -382,8 +382,9 @@ TEST_F(MonitorExport, PrometheusTakesItAllAndAnswersTheDashboard) {
     for (std::string const& query : queries) {
         std::ostringstream path;
         path << "/api/v1/query?query=" << std::hex << std::uppercase;
-        for (unsigned char const each : query) {
-            path << '%' << std::setw(2) << std::setfill('0') << static_cast<int>(each);
+        for (char const each : query) {
+            path << '%' << std::setw(2) << std::setfill('0')
+                 << static_cast<int>(static_cast<unsigned char>(each));
         }
         awaitAnswer(port, path.str(), "\"value\":[");
     }
