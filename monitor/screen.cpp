@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/ioctl.h>
@@ -83,6 +84,7 @@ Screen::Screen(bool inColour) : isColoured(inColour), shown({0, 0}, false) {
         throw std::runtime_error("the terminal can't be used");
     }
     isInside = true;
+    takeErrors();
     set_escdelay(escapeDelay);
     cbreak();
     noecho();
@@ -184,12 +186,35 @@ void Screen::leave() {
         tcflow(STDOUT_FILENO, TCOOFF);
         tcflow(STDOUT_FILENO, TCOON);
         endwin();
+        giveErrorsBack();
+    }
+}
+
+// The library tells on the standard error output of reports that it can't read, bytes of the daemon's included. On the
+// terminal that would be written over the picture.
+void Screen::takeErrors() {
+    if (errors < 0 && isatty(STDERR_FILENO) != 0) {
+        int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        errors = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        if (nowhere >= 0 && errors >= 0) {
+            dup2(nowhere, STDERR_FILENO);
+        }
+        close(nowhere);
+    }
+}
+
+void Screen::giveErrorsBack() {
+    if (errors >= 0) {
+        dup2(errors, STDERR_FILENO);
+        close(errors);
+        errors = -1;
     }
 }
 
 void Screen::enter() {
     if (!isInside) {
         isInside = true;
+        takeErrors();
         resize();
     }
     redraw();

@@ -40,8 +40,12 @@ public:
     void redraw();
 
 private:
+    void takeErrors();
+    void giveErrorsBack();
+
     bool const isColoured;
     bool isInside = false;
+    int errors = -1; // the standard error output, while it is taken away
     Grid shown;
 };
 

@@ -3,6 +3,7 @@
 #include "support/process.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <csignal>
@@ -238,6 +239,21 @@ TEST_F(MonitorTop, ADaemonThatNeverCompletesTheUpgradeLeavesTheKeysAtWork) {
     terminal.awaitText("choose an adapter");
     terminal.keys({"q"});
     terminal.awaitText("15");
+}
+
+// The library tells of them on the standard error output, which is the same terminal.
+TEST_F(MonitorTop, ReportsThatCantBeReadLeaveThePictureAlone) {
+    ScriptedDaemon daemon({}, {.appName = std::nullopt});
+    Terminal const terminal(utf8, 100, 30);
+    terminal.line(std::string(MONITOR_PATH) + " --port " + std::to_string(daemon.port()) + " top");
+    daemon.waitForRequest("request_current_state");
+    daemon.send("no JSON at all");
+    daemon.send(state(6));
+    std::string const shown = terminal.awaitText("Connected");
+    EXPECT_EQ(shown.find("JSON"), std::string::npos) << shown;
+    terminal.keys({"q"});
+    terminal.awaitText("ready$");
+    static_cast<void>(daemon.finish()); // it says which requests it didn't expect
 }
 
 TEST_F(MonitorTop, EndsWithItsTerminal) {
