@@ -247,9 +247,11 @@ TEST_F(MonitorTop, ReportsThatCantBeReadLeaveThePictureAlone) {
     Terminal const terminal(utf8, 100, 30);
     terminal.line(std::string(MONITOR_PATH) + " --port " + std::to_string(daemon.port()) + " top");
     daemon.waitForRequest("request_current_state");
-    daemon.send("no JSON at all");
     daemon.send(state(6));
-    std::string const shown = terminal.awaitText("Connected");
+    terminal.awaitText("Connected");
+    daemon.send(R"(["report_current_state",{"state":)");
+    daemon.send(state(5));
+    std::string const shown = terminal.awaitText("Disconnecting");
     EXPECT_EQ(shown.find("JSON"), std::string::npos) << shown;
     terminal.keys({"q"});
     terminal.awaitText("ready$");
