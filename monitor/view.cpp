@@ -194,7 +194,9 @@ std::vector<ShownAdapter> adaptersOf(Snapshot const& snapshot, ViewState const& 
 std::string joinFitting(std::vector<std::string> const& words, std::string const& separator, int columns) {
     std::string joined;
     for (std::string const& each : words) {
-        std::string const longer = joined.empty() || each.empty() ? joined + each : joined + separator + each;
+        std::string longer = joined;
+        longer += joined.empty() || each.empty() ? "" : separator;
+        longer += each;
         if (widthOf(longer) > columns) {
             break;
         }

@@ -71,10 +71,10 @@ std::string linkText(Scene const& scene) {
     if (!snapshot.link) {
         return "Looking for the daemon";
     }
-    std::string const what = snapshot.state
-                                 ? (*snapshot.link == kelvaris::Link::LOST ? "Daemon lost" : "Daemon ended")
-                                 : "No daemon";
-    return what;
+    if (!snapshot.state) {
+        return "No daemon";
+    }
+    return *snapshot.link == kelvaris::Link::LOST ? "Daemon lost" : "Daemon ended";
 }
 
 // The state in the first row, then the server; the age of all when nothing of it is up to date.
