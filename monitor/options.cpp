@@ -7,6 +7,7 @@
 #include <cctype>
 #include <charconv>
 #include <iostream>
+#include <iterator>
 
 namespace monitor {
 
@@ -195,8 +196,10 @@ std::vector<std::string> takeHook(std::vector<std::string>& words) {
     if (!isWatch || exec == words.end() || exec + 1 == words.end()) {
         return {};
     }
-    std::vector<std::string> hook(exec + 1, words.end());
-    words.erase(exec + 2, words.end());
+    auto const kept = static_cast<std::size_t>(exec + 2 - words.begin());
+    std::vector<std::string> hook;
+    std::copy(exec + 1, words.end(), std::back_inserter(hook));
+    words.resize(kept);
     return hook;
 }
 

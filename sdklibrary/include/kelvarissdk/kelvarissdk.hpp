@@ -87,7 +87,8 @@ public:
     }
     Client(Client&& other) noexcept : SafeBrowsingCalls(std::move(other.core)) {}
     Client& operator=(Client&& other) noexcept {
-        Client(std::move(other)).core.swap(core);
+        Client moved(std::move(other));
+        moved.core.swap(core);
         return *this;
     }
     Client(Client const&) = delete;

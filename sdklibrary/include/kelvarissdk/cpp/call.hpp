@@ -65,7 +65,8 @@ public:
     /** @endcond */
     Subscription(Subscription&& other) noexcept = default;
     Subscription& operator=(Subscription&& other) noexcept {
-        Subscription(std::move(other)).operation.swap(operation);
+        Subscription moved(std::move(other));
+        moved.operation.swap(operation);
         return *this;
     }
     ~Subscription() {
