@@ -18,11 +18,14 @@ void choose(ViewState& view, bool isNext, Snapshot const& snapshot) {
     if (ids.empty()) {
         return;
     }
-    auto const chosen = std::find(ids.begin(), ids.end(), view.chosen);
-    if (chosen == ids.end()) {
+    auto const chosen =
+        static_cast<std::size_t>(std::find(ids.begin(), ids.end(), view.chosen) - ids.begin());
+    if (chosen == ids.size()) {
         view.chosen = isNext ? ids.front() : ids.back();
-    } else if (isNext ? chosen + 1 != ids.end() : chosen != ids.begin()) {
-        view.chosen = isNext ? *(chosen + 1) : *(chosen - 1);
+    } else if (isNext && chosen + 1 < ids.size()) {
+        view.chosen = ids[chosen + 1];
+    } else if (!isNext && chosen > 0) {
+        view.chosen = ids[chosen - 1];
     }
 }
 
