@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
-#include <fstream>
 #include <kelvarissdk/kelvarissdk.hpp>
 #include <poll.h>
 #include <string>
@@ -81,16 +80,6 @@ void cppDelivered(benchmark::State& state) {
     state.counters["cpuPerReport"] = median(cpuTimes);
 }
 BENCHMARK(cppDelivered)->Arg(1000)->Iterations(100);
-
-long residentKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word && word != "VmRSS:") {
-    }
-    long size = 0;
-    status >> size;
-    return size;
-}
 
 // The consumer takes one report in a millisecond, while 100,000 come.
 void cppGrowth(benchmark::State& state) {

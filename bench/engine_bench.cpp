@@ -8,7 +8,6 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <fstream>
 #include <future>
 #include <json/json.h>
 #include <kelvarissdk/csdkinterface.h>
@@ -265,16 +264,6 @@ BENCHMARK_CAPTURE(parse, state, "request_current_state")->Iterations(10000);
 BENCHMARK_CAPTURE(parse, directory, "request_directory")->Iterations(200);
 
 // ---- What a handle keeps ----
-
-long residentKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word && word != "VmRSS:") {
-    }
-    long size = 0;
-    status >> size;
-    return size;
-}
 
 // A handle handles 100,000 reports once its buffers have found their size.
 void growth(benchmark::State& state) {

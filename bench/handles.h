@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <kelvarissdk/csdkinterface.h>
 #include <memory>
 #include <stdexcept>
@@ -22,6 +23,16 @@ inline double cpuSeconds(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+inline long residentKiB() {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word && word != "VmRSS:") {
+    }
+    long size = 0;
+    status >> size;
+    return size;
 }
 
 inline std::uint16_t portFrom(char const* variable) {

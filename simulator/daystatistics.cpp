@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::int64_t minuteMs = 60'000;
 constexpr std::int64_t hourMs = 60 * minuteMs;
-constexpr int packetBytes = 1400;
 
 // How a line shows in the reports. Its place in the table is its place in the world and in the day.
 struct Description {
@@ -89,25 +88,8 @@ void writeUsage(Json::Value& adapter, Line const& line) {
     adapter["limits"]["boostDaily"] = Json::Int64(line.usage.boostDaily);
 }
 
-double meanOpinionScore(Line const& line) {
-    return std::clamp(4.4 - line.latencyMs() / 250 - line.loss() * 30, 1.0, 4.4);
-}
-
 bool isUp(Line const& line) {
     return line.state() == Line::State::connected;
-}
-
-Json::Value rounded(double number) {
-    return Json::Int64(std::llround(number));
-}
-
-Json::Value packetCounts(std::int64_t bytesIn, std::int64_t bytesOut) {
-    Json::Value counts;
-    counts["packets_in"] = bytesIn / packetBytes;
-    counts["packets_out"] = bytesOut / packetBytes;
-    counts["bytes_in"] = bytesIn;
-    counts["bytes_out"] = bytesOut;
-    return counts;
 }
 
 } // namespace
@@ -191,7 +173,7 @@ Json::Value DayStatistics::connection(std::size_t index) const {
     report["totBps"] = rate.received + rate.sent;
     report["rcvEstMbps"] = line.usableDown();
     report["sndEstMbps"] = line.usableUp();
-    report["mos"] = up ? meanOpinionScore(line) : 0;
+    report["mos"] = up ? meanOpinionScore(line.latencyMs(), line.loss()) : 0;
     return report;
 }
 

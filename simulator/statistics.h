@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <json/value.h>
 #include <set>
@@ -13,6 +15,26 @@ constexpr Period allTime = UINT32_MAX;
 inline std::int64_t millisecondsSinceEpoch() {
     auto const time = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+}
+
+constexpr int packetBytes = 1400;
+
+inline Json::Value rounded(double number) {
+    return Json::Int64(std::llround(number));
+}
+
+// Estimates the mean opinion score of a call over a link, from 1 to 4.4.
+inline double meanOpinionScore(double latencyMs, double loss) {
+    return std::clamp(4.4 - latencyMs / 250 - loss * 30, 1.0, 4.4);
+}
+
+inline Json::Value packetCounts(std::int64_t bytesIn, std::int64_t bytesOut) {
+    Json::Value counts;
+    counts["packets_in"] = bytesIn / packetBytes;
+    counts["packets_out"] = bytesOut / packetBytes;
+    counts["bytes_in"] = bytesIn;
+    counts["bytes_out"] = bytesOut;
+    return counts;
 }
 
 // Where the reports of the statistics come from.

@@ -7,31 +7,11 @@ namespace kelvarissim {
 
 namespace {
 
-constexpr int packetBytes = 1400;
-
 // Returns the Wi-Fi link's quality in this step; the pattern repeats every twenty steps.
 double wifiQuality(unsigned step) {
     constexpr std::array<double, 20> round = {1, 1, 1, 1,   1,   1, 1, 1, 1,   1,
                                               1, 1, 1, 0.5, 0.2, 0, 0, 0, 0.4, 0.8};
     return round[step % round.size()];
-}
-
-// Estimates the mean opinion score of a call over this link, from 1 to 4.4.
-double meanOpinionScore(double latencyMs, double loss) {
-    return std::clamp(4.4 - latencyMs / 250 - loss * 30, 1.0, 4.4);
-}
-
-Json::Value rounded(double number) {
-    return Json::Int64(std::llround(number));
-}
-
-Json::Value packetCounts(std::int64_t bytesIn, std::int64_t bytesOut) {
-    Json::Value counts;
-    counts["packets_in"] = bytesIn / packetBytes;
-    counts["packets_out"] = bytesOut / packetBytes;
-    counts["bytes_in"] = bytesIn;
-    counts["bytes_out"] = bytesOut;
-    return counts;
 }
 
 } // namespace

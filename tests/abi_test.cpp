@@ -1,4 +1,4 @@
-// The description of the interface's layout that the build writes for bindings.
+// kelvarissdk-abi.json, the layout of the interface that the build writes for bindings.
 
 #include "support/texts.h"
 

@@ -20,7 +20,7 @@ def classes(base):
 
 
 def type_name(kind):
-    """The name of a type in the compiler's description."""
+    """The name of a type in kelvarissdk-abi.json."""
     while issubclass(kind, ctypes.Array):
         kind = kind._type_
     if issubclass(kind, ctypes.Structure):
