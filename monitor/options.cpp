@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cstdlib>
 #include <iostream>
 #include <iterator>
 
@@ -203,6 +204,16 @@ std::vector<std::string> takeHook(std::vector<std::string>& words) {
     return hook;
 }
 
+// From version 2.4 on CLI11 passes over a variable that its own check refuses, and the command would ask another daemon
+// than the one that is meant.
+void refuseDropped(CLI::Option& option) {
+    char const* const value = std::getenv(option.get_envname().c_str());
+    if (option.count() == 0 && value != nullptr && *value != '\0') {
+        std::string word = value;
+        throw CLI::ValidationError(option.get_name(), (*option.get_validator())(word));
+    }
+}
+
 } // namespace
 
 std::optional<int> readWords(int argc, char const* const* argv, Options& options) {
@@ -237,6 +248,8 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
     std::reverse(words.begin(), words.end()); // as CLI11 takes them
     try {
         app.parse(std::move(words));
+        refuseDropped(*app.get_option("--address"));
+        refuseDropped(*app.get_option("--port"));
     } catch (CLI::ParseError const& error) {
         return app.exit(error) == 0 ? 0 : wrongWordsStatus;
     }

@@ -95,9 +95,14 @@ TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
         EXPECT_NE(outcome.err, "");
         EXPECT_EQ(outcome.out, "");
     }
-    setenv("KELVARIS_PORT", "none", 1);
-    EXPECT_EQ(runProcess({.path = MONITOR_PATH, .argv = {"kelvaris-monitor", "watch"}}).status, 2);
-    unsetenv("KELVARIS_PORT");
+    for (auto const& [variable, value] : {std::pair("KELVARIS_PORT", std::string("none")),
+                                          std::pair("KELVARIS_ADDRESS", std::string(46, 'a'))}) {
+        setenv(variable, value.c_str(), 1);
+        Outcome const outcome = runProcess({.path = MONITOR_PATH, .argv = {"kelvaris-monitor", "watch"}});
+        EXPECT_EQ(outcome.status, 2) << variable;
+        EXPECT_NE(outcome.err, "");
+        unsetenv(variable);
+    }
     Outcome const help = runMonitor(1, {"wait", "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--timeout"), std::string::npos);
