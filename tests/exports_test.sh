@@ -25,7 +25,7 @@ if [ -n "$undocumented" ]; then
 fi
 # Everything else among the dynamic symbols belongs to libc, libm, the loader or the unwinder.
 self_contained() { # FILE NEEDED
-    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|__gmon_start__)|@@KELVARISSDK_| A KELVARISSDK_' || true)
+    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|_ZGTt|__gmon_start__)|@@KELVARISSDK_| A KELVARISSDK_' || true)
     foreign+=$(readelf -dW "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vxE "$2" || true)
     if [ -n "$foreign" ]; then
         echo "$1 isn't self-contained:"
@@ -34,7 +34,7 @@ self_contained() { # FILE NEEDED
     fi
 }
 if [ -n "${3-}" ]; then
-    own='(libc|libm|ld-linux.*)\.so\..*'
+    own='(libc|libm|ld-linux.*|ld64)\.so\..*'
     self_contained "$1" "$own|libgcc_s\.so\.1"
     self_contained "$3" "$own"
 fi
