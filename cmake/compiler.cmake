@@ -5,6 +5,9 @@ target_compile_options(kelvaris_options INTERFACE -Wall -Wextra -Wpedantic -Wcon
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(kelvaris_options INTERFACE -Wno-restrict) # wrong about "literal" + std::string when optimised
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    target_compile_options(kelvaris_options INTERFACE -Wno-psabi) # tells what was passed otherwise before version 7
+endif()
 if(KELVARIS_WERROR)
     target_compile_options(kelvaris_options INTERFACE -Werror)
 endif()

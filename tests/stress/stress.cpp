@@ -46,11 +46,11 @@ std::atomic<bool> lacksMemory = false;
 thread_local bool isInside = false;
 
 bool allocationFails() {
-    static constinit thread_local unsigned long dice = 1; // differs by what each thread does
+    static constinit thread_local std::uint64_t dice = 1; // differs by what each thread does
     if (!lacksMemory || (!isInside && !kelvarissdk::WebsocketImpl::isInReaderThread)) {
         return false;
     }
-    dice = (dice * 6364136223846793005 + 1442695040888963407) ^ reinterpret_cast<unsigned long>(&dice);
+    dice = (dice * 6364136223846793005U + 1442695040888963407U) ^ reinterpret_cast<std::uintptr_t>(&dice);
     return (dice >> 33) % 2000 == 0 && ++failedAllocations;
 }
 
