@@ -25,7 +25,7 @@ if [ -n "$undocumented" ]; then
 fi
 # Everything else among the dynamic symbols belongs to libc, libm, the loader or the unwinder.
 self_contained() { # FILE NEEDED
-    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|_ZGTt|__gmon_start__)|@@KELVARISSDK_| A KELVARISSDK_' || true)
+    foreign=$(nm -D "$1" | grep -vE '@GLIBC_|@GCC_| w (_ITM_|_ZGTt|__gmon_start__)|@@KELVARISSDK_| A KELVARISSDK_| T KelvarisSDK_' || true)
     foreign+=$(readelf -dW "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vxE "$2" || true)
     if [ -n "$foreign" ]; then
         echo "$1 isn't self-contained:"
