@@ -55,6 +55,7 @@ public:
         section("growth", [this] { growth(); });
         section("the C++ layer", [this] { cppLayer(); });
         section("the Python layer", [this] { pythonLayer(); });
+        section("kelvaris-monitor", [this] { monitor(); });
         return table.print();
     }
 
@@ -324,6 +325,26 @@ private:
         }
         table.add("reports through Python's asyncio", Unit::perSecond,
                   interleave<double>(7, {python(load, "reports")})[0], {}, {.min = 2000});
+    }
+
+    void monitor() {
+        Daemon const traffic({program("kelvarissim"), "--port", "0", "--traffic"});
+        auto const measure = [&](std::string const& what) {
+            return numberOf({"python3", MONITOR_BENCH, program("kelvaris-monitor"), traffic.port(), what});
+        };
+        auto const add = [&](std::string const& name, Unit unit, int rounds, std::string const& what,
+                             double limit) {
+            Samples samples;
+            for (int round = 0; round < rounds; ++round) {
+                samples.push_back(measure(what));
+            }
+            table.add("kelvaris-monitor " + name, unit, samples, {}, {.max = limit});
+        };
+        add("top, start to the first picture", Unit::seconds, 21, "picture", 0.05);
+        add("top, processor time of a second", Unit::seconds, 1, "top", 0.01);
+        add("top, memory", Unit::bytes, 1, "memory", 10 * mebi);
+        add("watch, processor time of a report", Unit::seconds, 1, "watch", 1e-3);
+        add("export, a scrape", Unit::seconds, 3, "scrape", 2e-3);
     }
 
     std::string const library;
