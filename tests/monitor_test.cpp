@@ -42,7 +42,9 @@ Snapshot connectedSnapshot() {
     Snapshot snapshot;
     setLink(snapshot, kelvaris::Link::UP);
     setState(snapshot, kelvaris::State::CONNECTED);
-    setAdapters(snapshot, {adapter("a", hostile), adapter("b")});
+    kelvaris::AdapterData unlimited = adapter("b");
+    unlimited.dataUsage.max = 0;
+    setAdapters(snapshot, {adapter("a", hostile), unlimited});
     setConnections(snapshot, {1, {connection("a", 1000, 40, 0.1), connection("a", 500, 20, 0.3)}});
     return snapshot;
 }
@@ -172,6 +174,21 @@ TEST(MonitorCommand, WatchWritesJsonThatIsAsciiWhateverTheNames) {
     EXPECT_TRUE(
         std::all_of(second.begin(), second.end(), [](char each) { return each >= ' ' && each < 0x7F; }));
     EXPECT_EQ(third, "");
+}
+
+// Both reports may be there before anything is settled.
+TEST(MonitorCommand, WaitIsContentWithAStateThatIsLeftAtOnce) {
+    Loop loop;
+    Snapshot snapshot;
+    Options options;
+    options.wait = {Goal::state, kelvaris::State::CONNECTING, std::nullopt};
+    auto const wait = makeWait({loop, snapshot, options});
+    setLink(snapshot, kelvaris::Link::UP);
+    setState(snapshot, kelvaris::State::CONNECTING);
+    wait->changed(snapshot, {});
+    setState(snapshot, kelvaris::State::CONNECTED);
+    wait->settled(snapshot);
+    EXPECT_TRUE(loop.hasEnded());
 }
 
 TEST(MonitorCommand, RecordWritesARowForEachAdapterWithoutBreakingTheTable) {
