@@ -91,13 +91,15 @@ TEST(MonitorText, IsUtf8AndNothingATerminalObeys) {
     }
     EXPECT_EQ(rfc3339(WallClock::time_point(-1ms)), "1969-12-31T23:59:59.999Z");
     EXPECT_EQ(plain(0.25), "0.25");
+    EXPECT_EQ(plain(20e6), "20000000");
+    EXPECT_EQ(plain(1e21), "1e+21");
 }
 
 TEST(MonitorSnapshot, TellsWhatIsCurrentFromWhatIsNot) {
     Snapshot snapshot = connectedSnapshot();
     EXPECT_TRUE(snapshot.isConnected() && snapshot.hasNetwork());
     EXPECT_FALSE(setState(snapshot, kelvaris::State::CONNECTED)) << "the same again is no change";
-    EXPECT_FALSE(setAdapters(snapshot, {adapter("a", hostile), adapter("b")}));
+    EXPECT_FALSE(setAdapters(snapshot, std::vector(*snapshot.adapters)));
     EXPECT_TRUE(setAdapters(snapshot, {adapter("a", hostile)}));
 
     EXPECT_TRUE(setLink(snapshot, kelvaris::Link::LOST));
