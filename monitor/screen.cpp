@@ -259,8 +259,8 @@ void Screen::enter() {
         isInside = true;
         prepareForCrashes();
         takeErrors();
-        resize();
     }
+    resize(); // who is stopped isn't told of it at once
     redraw();
 }
 
@@ -268,6 +268,7 @@ void Screen::resize() {
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
         resizeterm(size.ws_row, size.ws_col);
+        clearok(curscr, TRUE); // terminals differ in what they make of the picture then
     }
 }
 
