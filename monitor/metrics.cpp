@@ -25,17 +25,16 @@ Value fromBits(std::int64_t bitsPerSecond) {
     return unlessNegative(static_cast<double>(bitsPerSecond) / bitsPerByte);
 }
 
+double bytesFromMegabits(double megabits) {
+    return megabits * bitsPerMegabit / bitsPerByte;
+}
+
 Value fromMegabits(double megabitsPerSecond) {
-    return unlessNegative(megabitsPerSecond * bitsPerMegabit / bitsPerByte);
+    return unlessNegative(bytesFromMegabits(megabitsPerSecond));
 }
 
 Value seconds(std::chrono::duration<double> time) {
     return unlessNegative(time.count());
-}
-
-// A limit of 0 is none: it is what lifts a limit.
-std::optional<std::int64_t> limit(std::optional<std::int64_t> const& reported) {
-    return reported && *reported > 0 ? reported : std::nullopt;
 }
 
 Value bytesOf(std::optional<std::int64_t> const& number) {
@@ -73,7 +72,7 @@ constexpr AdapterMetric adapterMetrics[] = {
      "Day of the month on which the usage in the window month begins anew; absent: it is that of 30 days.",
      [](AdapterData const& adapter) { return bytesOf(adapter.dataUsage.resetDay); }},
     {"kelvaris_adapter_rate_limit_bytes_per_second", "What the adapter may receive and send.",
-     [](AdapterData const& adapter) { return fromBitsOf(limit(adapter.rateLimit)); }},
+     [](AdapterData const& adapter) { return fromBitsOf(limitOf(adapter.rateLimit)); }},
     {"kelvaris_adapter_overlimit_rate_bytes_per_second",
      "Its rate limit once it is over a data limit; 0: it isn't used then.",
      [](AdapterData const& adapter) { return fromBitsOf(adapter.dataUsage.overlimitRate); }},
@@ -109,8 +108,8 @@ void addAdapters(Exposition& to, std::vector<AdapterData> const& adapters) {
     }
     to.metric(gauge, "kelvaris_adapter_limit_bytes", "What the adapter may carry in the window.");
     for (AdapterData const& each : adapters) {
-        addIfThere(to, labelsOf(each).with("window", "month"), bytesOf(limit(each.dataUsage.max)));
-        addIfThere(to, labelsOf(each).with("window", "day"), bytesOf(limit(each.dataUsage.maxDaily)));
+        addIfThere(to, labelsOf(each).with("window", "month"), bytesOf(limitOf(each.dataUsage.max)));
+        addIfThere(to, labelsOf(each).with("window", "day"), bytesOf(limitOf(each.dataUsage.maxDaily)));
     }
     for (AdapterMetric const& metric : adapterMetrics) {
         to.metric(gauge, metric.name, metric.help);
@@ -233,10 +232,11 @@ constexpr SessionMetric sessionMetrics[] = {
     {gauge, "kelvaris_session_max_send_bytes_per_second", "The highest rate in the session.",
      [](SessionStats const& session) { return fromMegabits(session.maxUploadSpeed); }},
     {gauge, "kelvaris_session_receive_benefit_bytes_per_second",
-     "Bonding's gain over the fastest connection.",
-     [](SessionStats const& session) { return fromMegabits(session.mbpsDownBenefit); }},
-    {gauge, "kelvaris_session_send_benefit_bytes_per_second", "Bonding's gain over the fastest connection.",
-     [](SessionStats const& session) { return fromMegabits(session.mbpsUpBenefit); }},
+     "Bonding's gain over the fastest connection; below zero: a loss.",
+     [](SessionStats const& session) -> Value { return bytesFromMegabits(session.mbpsDownBenefit); }},
+    {gauge, "kelvaris_session_send_benefit_bytes_per_second",
+     "Bonding's gain over the fastest connection; below zero: a loss.",
+     [](SessionStats const& session) -> Value { return bytesFromMegabits(session.mbpsUpBenefit); }},
 };
 
 void addSession(Exposition& to, Snapshot const& snapshot) {

@@ -4,11 +4,12 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
-#include <cstdlib>
 #include <iostream>
-#include <iterator>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
 
 namespace monitor {
 
@@ -20,15 +21,41 @@ constexpr std::size_t longestAddress = 45;
 constexpr double longestTime = 366.0 * 86400;
 constexpr char exportAddress[] = "127.0.0.1";
 constexpr std::uint16_t exportPort = 9339;
-constexpr char duration[] = "SECONDS";
 
-CLI::Option* addSeconds(CLI::App& to, std::string const& name, Seconds shortest, std::string const& help,
-                        std::function<void(Seconds)> const& take) {
-    return to
-        .add_option_function<double>(
-            name, [take](double const& value) { take(Seconds(value)); }, help)
-        ->check(CLI::Range(shortest.count(), longestTime).description(""))
-        ->type_name(duration);
+// What the whole word says in decimal digits. CLI11 by itself would also take "0x10", "010" and "nan".
+template <class Number>
+CLI::Option* addNumber(CLI::App& to, std::string const& name, Number least, Number most,
+                       std::string const& help, std::function<void(Number)> const& take) {
+    return to.add_option_function<std::string>(
+        name,
+        [name, least, most, take](std::string const& word) {
+            Number number{};
+            char const* const end = word.data() + word.size();
+            auto const [read, error] = std::from_chars(word.data(), end, number);
+            if (error != std::errc() || read != end || !(number >= least && number <= most)) {
+                std::ostringstream what;
+                what.precision(15);
+                what << '"' << word << "\" is no number from " << least << " to " << most;
+                throw CLI::ValidationError(name, what.str());
+            }
+            take(number);
+        },
+        help);
+}
+
+void addSeconds(CLI::App& to, std::string const& name, Seconds shortest, std::string const& help,
+                std::function<void(Seconds)> const& take) {
+    addNumber<double>(to, name, shortest.count(), longestTime, help, [take](double value) {
+        take(Seconds(value));
+    })->type_name("SECONDS");
+}
+
+// An empty name is that of a variable that nobody has set.
+void addFile(CLI::App& to, std::string const& name, std::string& file, std::string const& help,
+             std::string const& typeName) {
+    to.add_option(name, file, help)
+        ->check([](std::string const& word) { return word.empty() ? "is no name" : ""; })
+        ->type_name(typeName);
 }
 
 std::string topicHelp() {
@@ -126,14 +153,12 @@ void addWait(CLI::App& app, Options& options) {
 
 void addRecord(CLI::App& app, Options& options) {
     CLI::App& command = *app.add_subcommand("record", "Write what each adapter does as CSV");
-    command.add_option("FILE", options.record.file, "add to this file (the standard output)")->type_name("");
+    addFile(command, "FILE", options.record.file, "add to this file (the standard output)", "");
     addSeconds(command, "--interval", Seconds(0.01), "time between two records (1)",
                [&options](Seconds value) { options.record.interval = value; });
-    command
-        .add_option_function<std::uint64_t>(
-            "--count", [&options](std::uint64_t const& value) { options.record.count = value; },
-            "end after so many records (never)")
-        ->check(CLI::PositiveNumber.description(""))
+    addNumber<std::uint64_t>(command, "--count", 1, std::numeric_limits<std::uint64_t>::max(),
+                             "end after so many records (never)",
+                             [&options](std::uint64_t value) { options.record.count = value; })
         ->type_name("N");
     command.callback([&options] { options.make = makeRecord; });
 }
@@ -172,11 +197,8 @@ void addExport(CLI::App& app, Options& options) {
                 std::string("answer GET /metrics there; IPv6 addresses in brackets (") + exportAddress + ":" +
                     std::to_string(exportPort) + ")")
             ->type_name("ADDRESS:PORT");
-    command
-        .add_option("--textfile", options.exporting.textFile,
-                    "keep the metrics in this file; without --listen nothing is answered")
-        ->check([](std::string const& word) { return word.empty() ? "is no name" : ""; })
-        ->type_name("FILE");
+    addFile(command, "--textfile", options.exporting.textFile,
+            "keep the metrics in this file; without --listen nothing is answered", "FILE");
     addSeconds(command, "--interval", Seconds(0.01), "shortest time between two versions of the file (5)",
                [&options](Seconds value) { options.exporting.interval = value; });
     command.add_flag("--once", options.exporting.once, "print the metrics, or write the file, and end")
@@ -190,28 +212,36 @@ void addExport(CLI::App& app, Options& options) {
     });
 }
 
-// What follows "--exec" is the hook's, whatever it looks like.
+// What follows "--exec" is the hook's, whatever it looks like. Without anything behind it the words stay as they are, and
+// are wrong.
 std::vector<std::string> takeHook(std::vector<std::string>& words) {
-    auto const exec = std::find(words.begin(), words.end(), "--exec");
-    auto const isWatch = std::find(words.begin(), exec, "watch") != exec;
-    if (!isWatch || exec == words.end() || exec + 1 == words.end()) {
+    constexpr std::string_view joined = "--exec=";
+    auto const exec = std::find_if(words.begin(), words.end(), [joined](std::string const& word) {
+        return word == "--exec" || word.starts_with(joined);
+    });
+    bool const isWatch = std::find(words.begin(), exec, "watch") != exec;
+    if (!isWatch || exec == words.end()) {
         return {};
     }
-    auto const kept = static_cast<std::size_t>(exec + 2 - words.begin());
-    std::vector<std::string> hook;
-    std::copy(exec + 1, words.end(), std::back_inserter(hook));
-    words.resize(kept);
+    std::vector<std::string> hook(exec, words.end());
+    if (hook.front() == "--exec") {
+        hook.erase(hook.begin());
+    } else {
+        hook.front().erase(0, joined.size());
+    }
+    if (!hook.empty()) {
+        words.erase(exec, words.end());
+    }
     return hook;
 }
 
-// From version 2.4 on CLI11 passes over a variable that its own check refuses, and the command would ask another daemon
-// than the one that is meant.
-void refuseDropped(CLI::Option& option) {
-    char const* const value = std::getenv(option.get_envname().c_str());
-    if (option.count() == 0 && value != nullptr && *value != '\0') {
-        std::string word = value;
-        throw CLI::ValidationError(option.get_name(), (*option.get_validator())(word));
+// Help and versions are printed to the standard output, what is wrong to the standard error output.
+int endWith(CLI::App const& app, CLI::Error const& error) {
+    int const status = app.exit(error) == 0 ? 0 : wrongWordsStatus;
+    if (!std::cout.flush()) {
+        throw std::runtime_error("the standard output can't be written");
     }
+    return status;
 }
 
 } // namespace
@@ -225,16 +255,22 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
                  "kelvaris-monitor");
     app.require_subcommand(1);
     app.set_version_flag("--version", "kelvaris-monitor " KELVARIS_VERSION);
-    app.add_option("--address", options.address,
-                   "the daemon's IPv4 address or host name (" + options.address + ")")
+    // CLI11's newer versions pass over a variable that a check refuses, but not over one that can't be taken.
+    app.add_option_function<std::string>(
+           "--address",
+           [&options](std::string const& word) {
+               if (word.empty() || word.size() > longestAddress) {
+                   throw CLI::ValidationError("--address", "is no address of 1 to 45 bytes: " + word);
+               }
+               options.address = word;
+           },
+           "the daemon's IPv4 address or host name (" + options.address + ")")
         ->envname("KELVARIS_ADDRESS")
-        ->check([](std::string const& word) {
-            return word.empty() || word.size() > longestAddress ? "is no address of 1 to 45 bytes" : "";
-        })
         ->type_name("ADDRESS");
-    app.add_option("--port", options.port, "the daemon's TCP port (" + std::to_string(options.port) + ")")
+    addNumber<std::uint16_t>(app, "--port", 1, 65535,
+                             "the daemon's TCP port (" + std::to_string(options.port) + ")",
+                             [&options](std::uint16_t value) { options.port = value; })
         ->envname("KELVARIS_PORT")
-        ->check(CLI::Range(1, 65535).description(""))
         ->type_name("PORT");
     // A command is added here: its words, and its function that makes it.
     addTop(app, options);
@@ -248,14 +284,14 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
     std::reverse(words.begin(), words.end()); // as CLI11 takes them
     try {
         app.parse(std::move(words));
-        refuseDropped(*app.get_option("--address"));
-        refuseDropped(*app.get_option("--port"));
+    } catch (CLI::RequiredError const& error) {
+        // A word that is no command is what is wrong then, rather than that there is none.
+        auto const unknown = app.remaining();
+        return unknown.empty() ? endWith(app, error) : endWith(app, CLI::ExtrasError(unknown));
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? 0 : wrongWordsStatus;
+        return endWith(app, error);
     }
-    if (!hook.empty()) {
-        options.watch.hook = std::move(hook);
-    }
+    options.watch.hook = std::move(hook);
     return std::nullopt;
 }
 

@@ -64,8 +64,8 @@ void addAdapter(Row& row, kelvaris::AdapterData const& adapter, Traffic const* t
         row.number(traffic->latencySeconds).number(traffic->jitterSeconds);
         row.number(traffic->lossReceive).number(traffic->lossSend).count(traffic->connected);
     }
-    row.count(adapter.dataUsage.usage).count(adapter.dataUsage.max);
-    row.count(adapter.dataUsage.usageDaily).count(adapter.dataUsage.maxDaily);
+    row.count(adapter.dataUsage.usage).count(limitOf(adapter.dataUsage.max));
+    row.count(adapter.dataUsage.usageDaily).count(limitOf(adapter.dataUsage.maxDaily));
 }
 
 // Writes a line for each adapter at each interval. Where there is none, or nobody who tells, a line says so.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -69,6 +71,44 @@ void writeCorner(Grid const& picture) {
     std::fflush(stdout);
 }
 
+// What gives the terminal back when the program crashes, where ncurses can't be called any more.
+constexpr std::array crashes = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+std::array<struct sigaction, crashes.size()> actionsBefore;
+termios modesBefore;
+std::array<char, 128> leavingSequences;
+std::size_t leavingLength = 0;
+
+void forgetCrashes() {
+    for (std::size_t i = 0; i < crashes.size(); ++i) {
+        sigaction(crashes[i], &actionsBefore[i], nullptr);
+    }
+}
+
+// Behind it the crash takes its course, with the action from before.
+void giveBackAndCrash(int signal) {
+    static_cast<void>(!write(STDOUT_FILENO, leavingSequences.data(), leavingLength));
+    tcsetattr(STDOUT_FILENO, TCSANOW, &modesBefore);
+    forgetCrashes();
+    raise(signal);
+}
+
+void prepareForCrashes() {
+    leavingLength = 0;
+    for (char const* const name : {"op", "sgr0", "rmkx", "cnorm", "rmcup"}) {
+        char const* const found = tigetstr(name);
+        bool const isThere = found != nullptr && reinterpret_cast<std::intptr_t>(found) != -1;
+        std::string_view const sequence = isThere ? found : "";
+        if (sequence.size() <= leavingSequences.size() - leavingLength) {
+            leavingLength += sequence.copy(leavingSequences.data() + leavingLength, sequence.size());
+        }
+    }
+    struct sigaction action {};
+    action.sa_handler = giveBackAndCrash;
+    for (std::size_t i = 0; i < crashes.size(); ++i) {
+        sigaction(crashes[i], &action, &actionsBefore[i]);
+    }
+}
+
 bool takesOutput() {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
     return poll(&output, 1, 0) != 0;
@@ -79,11 +119,13 @@ bool takesOutput() {
 Screen::Screen(bool inColour) : isColoured(inColour), shown({0, 0}, false) {
     use_env(FALSE); // the size is the terminal's, not that of COLUMNS and LINES
     use_tioctl(TRUE);
+    tcgetattr(STDOUT_FILENO, &modesBefore);
     terminal = newterm(nullptr, stdout, stdin);
     if (terminal == nullptr) {
         throw std::runtime_error("the terminal can't be used");
     }
     isInside = true;
+    prepareForCrashes();
     takeErrors();
     set_escdelay(escapeDelay);
     cbreak();
@@ -186,6 +228,7 @@ void Screen::leave() {
         tcflow(STDOUT_FILENO, TCOOFF);
         tcflow(STDOUT_FILENO, TCOON);
         endwin();
+        forgetCrashes();
         giveErrorsBack();
     }
 }
@@ -214,9 +257,10 @@ void Screen::giveErrorsBack() {
 void Screen::enter() {
     if (!isInside) {
         isInside = true;
+        prepareForCrashes();
         takeErrors();
-        resize();
     }
+    resize(); // who is stopped isn't told of it at once
     redraw();
 }
 
@@ -224,6 +268,7 @@ void Screen::resize() {
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
         resizeterm(size.ws_row, size.ws_col);
+        clearok(curscr, TRUE); // terminals differ in what they make of the picture then
     }
 }
 

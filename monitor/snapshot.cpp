@@ -102,6 +102,10 @@ std::optional<Topic> topicNamed(std::string const& name) {
     return static_cast<Topic>(found - topicNames.begin());
 }
 
+std::optional<std::int64_t> limitOf(std::optional<std::int64_t> const& reported) {
+    return reported && *reported > 0 ? reported : std::nullopt;
+}
+
 bool Snapshot::hasNetwork() const {
     return isConnected() && connections.current &&
            std::any_of(connections->connections.begin(), connections->connections.end(),

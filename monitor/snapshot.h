@@ -153,6 +153,9 @@ constexpr std::chrono::minutes historyLimit{15};
 constexpr std::size_t historyCount = 1800; // samples of an adapter, however short the time between them is
 constexpr std::size_t historyAdapters = 64;
 
+// A data or rate limit; 0 is none, because that is what lifts one.
+std::optional<std::int64_t> limitOf(std::optional<std::int64_t> const& reported);
+
 // What has changed.
 struct Change {
     std::uint64_t seq = 0; // grows by one with each change

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -110,7 +111,10 @@ std::string rfc3339(std::chrono::system_clock::time_point time) {
 
 std::string plain(double number) {
     std::array<char, 40> text{};
-    auto const [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    char* const limit = text.data() + text.size();
+    bool const isShort = number == 0 || (std::abs(number) >= 1e-6 && std::abs(number) < 1e21);
+    auto const [end, error] = isShort ? std::to_chars(text.data(), limit, number, std::chars_format::fixed)
+                                      : std::to_chars(text.data(), limit, number);
     return {text.data(), end};
 }
 

@@ -21,7 +21,8 @@ std::u32string characters(std::string_view text);
 // "2026-11-23T15:24:29.123Z"
 std::string rfc3339(std::chrono::system_clock::time_point time);
 
-// A decimal number that reads back as the same one: "0.25", "1e+21".
+// A decimal number that reads back as the same one: "0.25", "1000000", "1e+21". Shells count with those that have no
+// exponent.
 std::string plain(double number);
 
 } // namespace monitor

@@ -143,7 +143,12 @@ public:
             comeBack();
         });
         loop.onSignal(SIGCONT, [this] { comeBack(); });
-        loop.onSignal(SIGQUIT, [this] { loop.end(0); });
+        // Others that would end the process leave the terminal as it is now.
+        for (int const signal : {SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
+            loop.onSignal(signal, [this] { loop.end(0); });
+        }
+        // A terminal that has gone takes no pictures; one that isn't the session's sends no signal then.
+        loop.addDescriptor(STDOUT_FILENO, 0, [this](short) { loop.end(0); });
     }
 
     void opened(Snapshot const&) override {

@@ -23,6 +23,13 @@ public:
         return {Topic::state}; // reading it also shows at once that the daemon is there
     }
 
+    // A state that is left again at once has been reached, too.
+    void opened(Snapshot const& snapshot) override {
+        settled(snapshot);
+    }
+    void changed(Snapshot const& snapshot, Change const&) override {
+        settled(snapshot);
+    }
     void settled(Snapshot const& snapshot) override {
         if (isReached(snapshot)) {
             loop.end(0);

@@ -67,6 +67,7 @@ Snapshot fullSnapshot() {
     session.bytesReceived = 9'007'199'254'740'991;
     session.periodStartTime = 1'500;
     session.totalConnectedMinutes = 3min;
+    session.mbpsUpBenefit = -8;
     setSession(snapshot, {{session}});
     kelvaris::StreamStats stream;
     stream.active = true;
@@ -108,7 +109,8 @@ TEST(Metrics, AreInBaseUnits) {
          "kelvaris_connection_latency_seconds{adapter=\"a\",connection=\"c\"} 0.045",
          "kelvaris_connection_loss_ratio{adapter=\"a\",connection=\"c\",direction=\"send\"} 0.25",
          "kelvaris_received_bytes_total 9007199254740991", "kelvaris_session_start_timestamp_seconds 1.5",
-         "kelvaris_session_connected_seconds 180", "kelvaris_active_streams{health=\"poor\"} 1",
+         "kelvaris_session_connected_seconds 180", "kelvaris_session_send_benefit_bytes_per_second -1000000",
+         "kelvaris_active_streams{health=\"poor\"} 1",
          "kelvaris_stream_receive_bytes_per_second{stream=\"7\",name=\"call\"} 62500",
          "kelvaris_read_failed{topic=\"settings\"} 1", "# TYPE kelvaris_received_bytes_total counter"});
     std::string const openMetrics = metricsOf(fullSnapshot(), Format::openMetrics);
@@ -356,13 +358,13 @@ TEST_F(MonitorExport, PrometheusTakesItAllAndAnswersTheDashboard) {
         GTEST_SKIP() << "prometheus is missing: script/bootstrap monitor installs it";
     }
     auto const promtool = [](std::vector<std::string> words, std::string const& input) {
-        words.insert(words.begin(), {"promtool", "check"});
+        words.insert(words.begin(), "promtool");
         return runProcess({.path = "/usr/bin/promtool", .argv = words, .input = input});
     };
-    Outcome const metrics = promtool({"metrics"}, metricsOf(fullSnapshot(), Format::text));
+    Outcome const metrics = promtool({"check", "metrics"}, metricsOf(fullSnapshot(), Format::text));
     EXPECT_EQ(metrics.status, 0) << metrics.err;
     EXPECT_EQ(metrics.out + metrics.err, "");
-    Outcome const rules = promtool({"rules", documents + std::string("monitoring/alerts.yml")}, "");
+    Outcome const rules = promtool({"test", "rules", SOURCE_DIR "/tests/golden/alerts.yml"}, "");
     EXPECT_EQ(rules.status, 0) << rules.out << rules.err;
 
     Simulator const simulator({"--traffic", "--speed", "60", "--interval", "100"});

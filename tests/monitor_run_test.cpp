@@ -83,8 +83,12 @@ TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
         {"wait", "--for", "state:connected"},
         {"wait", "--for", "daemon", "--timeout", "-1"},
         {"wait", "--for", "daemon", "--timeout", "1s"},
+        {"wait", "--for", "daemon", "--timeout", "nan"},
+        {"--port", "0x2452", "wait", "--for", "daemon"},
         {"record", "--interval", "0"},
         {"record", "--count", "0"},
+        {"record", "--count", "18446744073709551616"},
+        {"record", ""},
         {"record", "a", "b"},
         {"watch", "--exec"},
         {"--address", std::string(46, 'a'), "watch"},
@@ -103,6 +107,10 @@ TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
         EXPECT_NE(outcome.err, "");
         unsetenv(variable);
     }
+    EXPECT_NE(runMonitor(1, {"stare"}).err.find("stare"), std::string::npos);
+    Outcome const full =
+        runProcess({.path = "/bin/sh", .argv = {"sh", "-c", "exec \"$0\" --help >/dev/full", MONITOR_PATH}});
+    EXPECT_EQ(full.status, 1);
     Outcome const help = runMonitor(1, {"wait", "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--timeout"), std::string::npos);
@@ -244,7 +252,7 @@ TEST_F(MonitorRun, HookGetsTheObjectAndNoShell) {
     std::string const script =
         "cat >\"$1\"; printf '%s|%s|%s' \"$2\" \"$KELVARIS_EVENT\" \"$KELVARIS_DATA\" >\"$1.var\"; "
         "mv \"$1.var\" \"$1.done\"; exit 3";
-    Process watch(monitorCommand(simulator.port, {"watch", "state", "--exec", "sh", "-c", script, "--help",
+    Process watch(monitorCommand(simulator.port, {"watch", "state", "--exec=sh", "-c", script, "--help",
                                                   folder + "/object", "$(id) ; --port"}));
     watch.waitForOutput("sh ended with status 3");
     Json::Value const object = parsed(contentOf("object"));

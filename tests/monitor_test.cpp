@@ -42,7 +42,9 @@ Snapshot connectedSnapshot() {
     Snapshot snapshot;
     setLink(snapshot, kelvaris::Link::UP);
     setState(snapshot, kelvaris::State::CONNECTED);
-    setAdapters(snapshot, {adapter("a", hostile), adapter("b")});
+    kelvaris::AdapterData unlimited = adapter("b");
+    unlimited.dataUsage.max = 0;
+    setAdapters(snapshot, {adapter("a", hostile), unlimited});
     setConnections(snapshot, {1, {connection("a", 1000, 40, 0.1), connection("a", 500, 20, 0.3)}});
     return snapshot;
 }
@@ -89,13 +91,15 @@ TEST(MonitorText, IsUtf8AndNothingATerminalObeys) {
     }
     EXPECT_EQ(rfc3339(WallClock::time_point(-1ms)), "1969-12-31T23:59:59.999Z");
     EXPECT_EQ(plain(0.25), "0.25");
+    EXPECT_EQ(plain(20e6), "20000000");
+    EXPECT_EQ(plain(1e21), "1e+21");
 }
 
 TEST(MonitorSnapshot, TellsWhatIsCurrentFromWhatIsNot) {
     Snapshot snapshot = connectedSnapshot();
     EXPECT_TRUE(snapshot.isConnected() && snapshot.hasNetwork());
     EXPECT_FALSE(setState(snapshot, kelvaris::State::CONNECTED)) << "the same again is no change";
-    EXPECT_FALSE(setAdapters(snapshot, {adapter("a", hostile), adapter("b")}));
+    EXPECT_FALSE(setAdapters(snapshot, std::vector(*snapshot.adapters)));
     EXPECT_TRUE(setAdapters(snapshot, {adapter("a", hostile)}));
 
     EXPECT_TRUE(setLink(snapshot, kelvaris::Link::LOST));
@@ -172,6 +176,21 @@ TEST(MonitorCommand, WatchWritesJsonThatIsAsciiWhateverTheNames) {
     EXPECT_TRUE(
         std::all_of(second.begin(), second.end(), [](char each) { return each >= ' ' && each < 0x7F; }));
     EXPECT_EQ(third, "");
+}
+
+// Both reports may be there before anything is settled.
+TEST(MonitorCommand, WaitIsContentWithAStateThatIsLeftAtOnce) {
+    Loop loop;
+    Snapshot snapshot;
+    Options options;
+    options.wait = {Goal::state, kelvaris::State::CONNECTING, std::nullopt};
+    auto const wait = makeWait({loop, snapshot, options});
+    setLink(snapshot, kelvaris::Link::UP);
+    setState(snapshot, kelvaris::State::CONNECTING);
+    wait->changed(snapshot, {});
+    setState(snapshot, kelvaris::State::CONNECTED);
+    wait->settled(snapshot);
+    EXPECT_TRUE(loop.hasEnded());
 }
 
 TEST(MonitorCommand, RecordWritesARowForEachAdapterWithoutBreakingTheTable) {

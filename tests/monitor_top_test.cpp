@@ -182,13 +182,19 @@ TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     std::this_thread::sleep_for(300ms);
     kill(terminal.child(), SIGTERM);
     terminal.awaitText("ready$");
-    // The other ends, by keys, of which the terminal makes signals of two.
-    for (char const* const key : {"C-c", "C-\\", "q"}) {
-        terminal.line(top());
+    // The other ends, by keys, of which the terminal makes signals of two, and by signals that nobody expects.
+    auto const expectEnd = [&](std::string const& name, std::function<void()> const& end) {
+        terminal.line("clear; " + top());
         terminal.awaitText("Mobile");
-        terminal.keys({key});
+        end();
         terminal.awaitText("ready$");
-        EXPECT_EQ(terminal.value("#{alternate_on} #{cursor_flag}"), "0 1\n") << key;
+        EXPECT_EQ(terminal.value("#{alternate_on} #{cursor_flag}"), "0 1\n") << name;
+    };
+    for (char const* const key : {"C-c", "C-\\", "q"}) {
+        expectEnd(key, [&] { terminal.keys({key}); });
+    }
+    for (int const signal : {SIGUSR1, SIGSEGV}) {
+        expectEnd(std::to_string(signal), [&] { kill(terminal.child(), signal); });
     }
     terminal.line("modes >after; clear; echo finished");
     terminal.await([](std::string const& now) { return now.starts_with("finished"); }, "the end");
@@ -259,17 +265,21 @@ TEST_F(MonitorTop, ReportsThatCantBeReadLeaveThePictureAlone) {
 }
 
 TEST_F(MonitorTop, EndsWithItsTerminal) {
-    std::optional<Terminal> terminal(std::in_place, utf8, 100, 30);
-    terminal->line("echo $$ >" + folder + "/shell; exec " + top());
-    terminal->awaitText("Mobile");
-    auto const process = static_cast<pid_t>(std::stol(contentOf("shell")));
-    EXPECT_EQ(kill(process, 0), 0);
-    terminal.reset();
-    auto const limit = std::chrono::steady_clock::now() + patience();
-    while (kill(process, 0) == 0 && std::chrono::steady_clock::now() < limit) {
-        std::this_thread::sleep_for(10ms);
+    std::string const run = "echo $$ >" + folder + "/shell; exec " + top();
+    // The second one gets no signal, and its standard input doesn't end.
+    for (std::string const& line : {run, "setsid sh -c '" + run + " </dev/null'"}) {
+        std::optional<Terminal> terminal(std::in_place, utf8, 100, 30);
+        terminal->line(line);
+        terminal->awaitText("Mobile");
+        auto const process = static_cast<pid_t>(std::stol(contentOf("shell")));
+        EXPECT_EQ(kill(process, 0), 0);
+        terminal.reset();
+        auto const limit = std::chrono::steady_clock::now() + patience();
+        while (kill(process, 0) == 0 && std::chrono::steady_clock::now() < limit) {
+            std::this_thread::sleep_for(10ms);
+        }
+        EXPECT_NE(kill(process, 0), 0) << line;
     }
-    EXPECT_NE(kill(process, 0), 0);
 }
 
 TEST_F(MonitorTop, IsAsciiWhereTheLocaleOrTheTerminalIs) {
