@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <locale>
+#include <sstream>
 
 namespace monitor {
 
@@ -44,7 +45,12 @@ double weightIn(std::string_view parameters) {
     while (!parameters.empty()) {
         std::string_view value = takeUntil(parameters, ';');
         if (isSameWord(takeUntil(value, '='), "q")) {
-            std::from_chars(value.data(), value.data() + value.size(), weight);
+            // Not every C++ library has std::from_chars for fractions. A number has a dot, whatever the locale.
+            std::istringstream text{std::string(value)};
+            text.imbue(std::locale::classic());
+            if (double read = 0; text >> read) {
+                weight = read;
+            }
         }
     }
     return weight;

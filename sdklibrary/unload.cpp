@@ -1,6 +1,9 @@
-// A library with the C++ runtime inside gives the runtime's memory back when its host unloads it.
+// A library with the C++ runtime inside gives the runtime's memory back when its host unloads it. That of GNU has such
+// memory.
 
 #include "kelvarissdk.h"
+
+#ifdef __GLIBCXX__
 
 // The runtime brings this function along and declares it in no header.
 namespace __gnu_cxx {
@@ -18,3 +21,5 @@ namespace {
 }
 
 } // namespace
+
+#endif

@@ -37,7 +37,8 @@ Outcome run(std::vector<std::string> const& words, long failing, bool lasting,
                                      "UBSAN_OPTIONS=exitcode=99"};
     argv.emplace_back(failing == 0 ? "LD_PRELOAD=" FAILALLOC : "LD_PRELOAD=" FAILALLOC ":" FAST_CLOCK);
     if (failing > 0) {
-        argv.insert(argv.end(), {"FAKETIME=+0 x50", "KELVARIS_FAIL_AT=" + std::to_string(failing)});
+        argv.insert(argv.end(), {"FAKETIME=+0 x50", "FAKETIME_DONT_FAKE_MONOTONIC=0",
+                                 "KELVARIS_FAIL_AT=" + std::to_string(failing)});
     }
     if (lasting) {
         argv.emplace_back("KELVARIS_FAIL_ALL=1");

@@ -11,7 +11,7 @@ public:
     NoThreads() {
         pthread_getattr_default_np(&before);
         pthread_attr_t huge = before;
-        pthread_attr_setstacksize(&huge, SIZE_MAX / 4);
+        pthread_attr_setstacksize(&huge, SIZE_MAX / 4 * 3);
         pthread_setattr_default_np(&huge);
     }
     ~NoThreads() {
