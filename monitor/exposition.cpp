@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <locale>
-#include <sstream>
 
 namespace monitor {
 
@@ -45,12 +43,7 @@ double weightIn(std::string_view parameters) {
     while (!parameters.empty()) {
         std::string_view value = takeUntil(parameters, ';');
         if (isSameWord(takeUntil(value, '='), "q")) {
-            // Not every C++ library has std::from_chars for fractions. A number has a dot, whatever the locale.
-            std::istringstream text{std::string(value)};
-            text.imbue(std::locale::classic());
-            if (double read = 0; text >> read) {
-                weight = read;
-            }
+            weight = decimal(value).value_or(weight);
         }
     }
     return weight;

@@ -1,5 +1,6 @@
 #include "options.h"
 #include "command.h"
+#include "text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -22,6 +23,16 @@ constexpr double longestTime = 366.0 * 86400;
 constexpr char exportAddress[] = "127.0.0.1";
 constexpr std::uint16_t exportPort = 9339;
 
+std::optional<double> numberIn(std::string const& word, double) {
+    return decimal(word);
+}
+
+template <class Whole> std::optional<Whole> numberIn(std::string const& word, Whole number) {
+    char const* const end = word.data() + word.size();
+    auto const [read, error] = std::from_chars(word.data(), end, number);
+    return error == std::errc() && read == end ? std::optional(number) : std::nullopt;
+}
+
 // What the whole word says in decimal digits. CLI11 by itself would also take "0x10", "010" and "nan".
 template <class Number>
 CLI::Option* addNumber(CLI::App& to, std::string const& name, Number least, Number most,
@@ -29,16 +40,14 @@ CLI::Option* addNumber(CLI::App& to, std::string const& name, Number least, Numb
     return to.add_option_function<std::string>(
         name,
         [name, least, most, take](std::string const& word) {
-            Number number{};
-            char const* const end = word.data() + word.size();
-            auto const [read, error] = std::from_chars(word.data(), end, number);
-            if (error != std::errc() || read != end || !(number >= least && number <= most)) {
+            auto const number = numberIn(word, Number{});
+            if (!number || !(*number >= least && *number <= most)) {
                 std::ostringstream what;
                 what.precision(15);
                 what << '"' << word << "\" is no number from " << least << " to " << most;
                 throw CLI::ValidationError(name, what.str());
             }
-            take(number);
+            take(*number);
         },
         help);
 }

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <locale>
+#include <sstream>
 
 namespace monitor {
 
@@ -116,6 +118,18 @@ std::string plain(double number) {
     auto const [end, error] = isShort ? std::to_chars(text.data(), limit, number, std::chars_format::fixed)
                                       : std::to_chars(text.data(), limit, number);
     return {text.data(), end};
+}
+
+// Not every C++ library has std::from_chars for fractions, and some streams read "0x10" as well.
+std::optional<double> decimal(std::string_view text) {
+    std::istringstream stream{std::string(text)};
+    stream.imbue(std::locale::classic());
+    double number = 0;
+    bool const isWhole = stream >> number && stream.peek() == std::istringstream::traits_type::eof();
+    if (!isWhole || text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    return number;
 }
 
 } // namespace monitor

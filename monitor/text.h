@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,5 +25,8 @@ std::string rfc3339(std::chrono::system_clock::time_point time);
 // A decimal number that reads back as the same one: "0.25", "1000000", "1e+21". Shells count with those that have no
 // exponent.
 std::string plain(double number);
+
+// The number that is the whole text: "0.25", "1e3".
+std::optional<double> decimal(std::string_view text);
 
 } // namespace monitor
