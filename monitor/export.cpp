@@ -11,7 +11,6 @@ namespace monitor {
 namespace {
 
 constexpr char metricsPath[] = "/metrics";
-constexpr char plainText[] = "text/plain; charset=utf-8";
 
 // Hands the snapshot as metrics to Prometheus: when it asks for them, in a file, or once on the standard output.
 class Export final : public Command {

@@ -145,7 +145,6 @@ MHD_Result HttpServer::onRequest(void* self, MHD_Connection* connection, char co
 }
 
 MHD_Result HttpServer::answerTo(MHD_Connection* connection, char const* url, bool isRead) {
-    constexpr char plainText[] = "text/plain; charset=utf-8";
     if (!isRead) {
         return queue(connection,
                      {MHD_HTTP_METHOD_NOT_ALLOWED, plainText, "Only GET and HEAD are answered.\n"});

@@ -8,6 +8,8 @@
 
 namespace monitor {
 
+constexpr char plainText[] = "text/plain; charset=utf-8"; // a body's type
+
 struct HttpRequest {
     std::string path;
     std::string accept;

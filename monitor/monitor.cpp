@@ -104,9 +104,8 @@ void Monitor::open() {
 }
 
 void Monitor::announce(Topic topic) {
-    ++seq;
     if (isOpen && wanted.has(topic) && !loop.hasEnded()) {
-        command->changed(known, {seq, topic, WallClock::now()});
+        command->changed(known, {topic, WallClock::now()});
     }
 }
 

@@ -35,7 +35,6 @@ private:
     Topics wanted;
     Topics unanswered;
     bool isOpen = false;
-    std::uint64_t seq = 0;
     std::exception_ptr thrown; // by a callable, which the client catches
 
     std::optional<kelvaris::Client>

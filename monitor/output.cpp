@@ -70,6 +70,7 @@ bool Output::write(std::string_view lines) {
     if (waiting.size() + lines.size() > longestWaiting) {
         return false;
     }
+    fresh = false;
     waiting += lines;
     flush();
     return true;

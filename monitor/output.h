@@ -23,7 +23,7 @@ public:
     bool write(std::string_view lines);
     // Opens the file anew, which may have been moved. For the standard output it does nothing.
     void reopen();
-    // Whether the file or the stream began without anything in it.
+    // Whether the file or the stream began without anything in it, and nothing has been added.
     bool isFresh() const {
         return fresh;
     }

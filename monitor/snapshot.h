@@ -158,7 +158,6 @@ std::optional<std::int64_t> limitOf(std::optional<std::int64_t> const& reported)
 
 // What has changed.
 struct Change {
-    std::uint64_t seq = 0; // grows by one with each change
     Topic topic = Topic::link;
     WallClock::time_point time;
 };

@@ -21,7 +21,7 @@ struct ViewState {
     std::string chosen;          // the id of an adapter
     bool isFull = false;         // the chosen one's graphs fill the width
     bool isHelp = false;
-    bool isPrinted = false; // on paper, so to speak: no keys, as many rows as it takes
+    bool isPrinted = false; // as text: without keys, and with as many rows as it takes
     std::optional<Clock::time_point> pausedSince;
     Clock::time_point now;
     WallClock::time_point wallNow;

@@ -125,7 +125,7 @@ std::vector<std::string> sessionWords(Scene const& scene) {
     return words;
 }
 
-// The sum of what all adapters do, with a plain blank where nothing is known.
+// The sum of what all adapters do, with a dash where nothing is known.
 void drawRates(Scene const& scene, int row, int columns) {
     Snapshot const& snapshot = scene.snapshot;
     Grid& grid = scene.grid;

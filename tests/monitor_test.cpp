@@ -6,6 +6,7 @@
 
 #include "support/scripteddaemon.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -154,7 +155,7 @@ TEST(MonitorCommand, WatchWritesJsonThatIsAsciiWhateverTheNames) {
         auto const watch = makeWatch({loop, snapshot, options});
         watch->opened(snapshot);
         snapshot = connectedSnapshot();
-        watch->changed(snapshot, {7, Topic::adapters, WallClock::time_point()});
+        watch->changed(snapshot, {Topic::adapters, WallClock::time_point()});
     }
     std::istringstream lines(testing::internal::GetCapturedStdout());
     std::string first;
@@ -195,13 +196,16 @@ TEST(MonitorCommand, WaitIsContentWithAStateThatIsLeftAtOnce) {
 
 TEST(MonitorCommand, RecordWritesARowForEachAdapterWithoutBreakingTheTable) {
     Folder const folder;
-    Loop loop;
     Snapshot snapshot = connectedSnapshot();
     Options options;
     options.record.file = folder.path + "/record.csv";
     options.record.count = 1;
     for (int run = 0; run < 2; ++run) {
-        makeRecord({loop, snapshot, options})->opened(snapshot);
+        Loop loop;
+        auto const record = makeRecord({loop, snapshot, options});
+        raise(SIGHUP); // before anything is known
+        loop.setTimer(10ms, [&] { record->opened(snapshot); });
+        EXPECT_EQ(loop.run(), 0);
         setLink(snapshot, kelvaris::Link::LOST);
     }
     std::istringstream lines(contentOf(options.record.file));
