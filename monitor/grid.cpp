@@ -17,9 +17,10 @@ bool isUnsteady(char32_t code) {
            (code >= 0x1F3FB && code <= 0x1F3FF);
 }
 
-// Columns of a character, by the locale; 0: it combines with the one before it.
+// Columns of a character, by the locale; 0: it combines with the one before it. The replacement stands in ASCII for
+// one that the locale hasn't.
 int widthOf(char32_t code) {
-    return code < 0x7F ? 1 : wcwidth(static_cast<wchar_t>(code));
+    return code < 0x7F || code == replacement ? 1 : wcwidth(static_cast<wchar_t>(code));
 }
 
 char32_t asciiFor(char32_t code) {

@@ -47,13 +47,6 @@ void switchGraph(ViewState& view, Snapshot const& snapshot) {
     view.isHelp = false;
 }
 
-void switchUnit(ViewState& view) {
-    view.unit = view.unit == Unit::bits ? Unit::bytes : Unit::bits;
-    if (view.scale) {
-        view.scale = scaleFor(*view.scale, view.unit);
-    }
-}
-
 } // namespace
 
 Effect applyKey(ViewState& view, int key, Snapshot const& snapshot) {
@@ -73,7 +66,7 @@ Effect applyKey(ViewState& view, int key, Snapshot const& snapshot) {
         view.isHelp = !view.isHelp;
         break;
     case 'b':
-        switchUnit(view);
+        view.unit = view.unit == Unit::bits ? Unit::bytes : Unit::bits;
         break;
     case 'g':
         view.scale = view.scale ? std::nullopt : std::optional(commonScale(snapshot, view));

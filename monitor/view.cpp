@@ -119,9 +119,12 @@ void drawLines(Scene const& scene, int row, int room) {
 }
 
 void drawErrors(Scene const& scene, int row) {
-    auto const& [topic, failure] = *scene.snapshot.errors.begin();
-    scene.grid.put(row, 1,
-                   std::string(toString(topic)) + " can't be read: " + printable(failure.error.message),
+    auto const& errors = scene.snapshot.errors;
+    std::string topics;
+    for (auto const& [topic, failure] : errors) {
+        topics += (topics.empty() ? "" : ", ") + std::string(toString(topic));
+    }
+    scene.grid.put(row, 1, topics + " can't be read: " + printable(errors.begin()->second.error.message),
                    {.ink = Ink::warning});
 }
 

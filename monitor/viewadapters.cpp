@@ -111,7 +111,7 @@ void drawBar(Scene const& scene, int row, int column, int columns, double part, 
 // "month ━━━━━━━━──── 16.2 GB of 20.0 GB · 22 days left"
 void drawGauge(Scene const& scene, Gauge const& gauge, int row, int column, int columns) {
     constexpr int periodColumns = 6;
-    constexpr int shortestBar = 6;
+    constexpr int shortestBar = 3;
     constexpr int mostTextColumns = 32;
     Ink const ink = inkOf(gauge);
     scene.grid.put(row, column, gauge.period, dimStyle, columns);

@@ -68,7 +68,7 @@ std::optional<Clock::time_point> lastReport(Snapshot const& snapshot) {
 
 std::string linkText(Scene const& scene) {
     Snapshot const& snapshot = scene.snapshot;
-    if (!snapshot.link) {
+    if (!snapshot.link && !scene.view.isPrinted) {
         return "Looking for the daemon";
     }
     if (!snapshot.state) {
@@ -115,7 +115,9 @@ std::vector<std::string> sessionWords(Scene const& scene) {
     Snapshot const& snapshot = scene.snapshot;
     std::vector<std::string> words;
     if (auto const since = snapshot.connectedSince()) {
-        words.push_back(durationText(scene.view.wallNow - *since));
+        // While the daemon is away nobody knows whether the session goes on.
+        words.push_back(
+            durationText((snapshot.isUp() ? scene.view.wallNow : snapshot.session.wallTime) - *since));
     }
     if (snapshot.settings) {
         words.emplace_back(toString(snapshot.settings->bondingMode));
