@@ -37,8 +37,12 @@ void Monitor::start(Command& ofCommand) {
     loop.setTimer(openingLimit, [this] { open(); });
     loop.setTimer(refreshPeriod, [this] { refresh(); });
     subscriptions.push_back(client->onLink([this](kelvaris::Link link) {
+        bool const hadErrors = !known.errors.empty();
         if (setLink(known, link)) {
             announce(Topic::link);
+        }
+        if (hadErrors && known.errors.empty()) {
+            announce(Topic::error);
         }
         answered(Topic::link);
     }));
@@ -64,9 +68,12 @@ void Monitor::subscribe(Topic topic, kelvaris::StreamCall<T> const& call, Put pu
     }
     subscriptions.push_back(call.subscribe([this, topic, put](kelvaris::Result<T> const& report) {
         if (report) {
-            known.errors.erase(topic);
+            bool const hadFailed = known.errors.erase(topic) > 0;
             if (put(known, *report)) {
                 announce(topic);
+            }
+            if (hadFailed) {
+                announce(Topic::error);
             }
         } else if (setError(known, topic, report.error())) {
             announce(Topic::error);

@@ -263,6 +263,7 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
     CLI::App app("Shows what the bonded lines of the Kelvaris daemon do, and hands it to other programs.",
                  "kelvaris-monitor");
     app.require_subcommand(1);
+    app.fallthrough(); // address and port may also stand behind a command
     app.set_version_flag("--version", "kelvaris-monitor " KELVARIS_VERSION);
     // CLI11's newer versions pass over a variable that a check refuses, but not over one that can't be taken.
     app.add_option_function<std::string>(
@@ -270,6 +271,9 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
            [&options](std::string const& word) {
                if (word.empty() || word.size() > longestAddress) {
                    throw CLI::ValidationError("--address", "is no address of 1 to 45 bytes: " + word);
+               }
+               if (word.find(':') != std::string::npos) {
+                   throw CLI::ValidationError("--address", "is no IPv4 address or host name: " + word);
                }
                options.address = word;
            },
@@ -299,6 +303,9 @@ std::optional<int> readWords(int argc, char const* const* argv, Options& options
         return unknown.empty() ? endWith(app, error) : endWith(app, CLI::ExtrasError(unknown));
     } catch (CLI::ParseError const& error) {
         return endWith(app, error);
+    }
+    if (!hook.empty() && hook.front().empty()) {
+        return endWith(app, CLI::ValidationError("--exec", "names no program"));
     }
     options.watch.hook = std::move(hook);
     return std::nullopt;

@@ -16,6 +16,17 @@ namespace {
 
 constexpr std::size_t longestWaiting = 1048576;
 
+// A machine that lost its power has left a part of a line, say.
+bool endsWithinLine(std::string const& file, off_t size) {
+    char last = '\n';
+    int const descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    bool const isRead = descriptor >= 0 && pread(descriptor, &last, 1, size - 1) == 1;
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+    return isRead && last != '\n';
+}
+
 bool canWrite(int descriptor) {
     pollfd polled{descriptor, POLLOUT, 0};
     return poll(&polled, 1, 0) > 0;
@@ -46,6 +57,9 @@ void Output::open() {
     }
     struct stat status {};
     fresh = file.empty() || (fstat(descriptor, &status) == 0 && status.st_size == 0);
+    if (!file.empty() && S_ISREG(status.st_mode) && endsWithinLine(file, status.st_size)) {
+        waiting = '\n' + waiting;
+    }
     watched = loop.addDescriptor(descriptor, 0, [this](short events) {
         (events & (POLLERR | POLLHUP)) != 0 ? loop.end(0) : flush(); // the reader has gone
     });

@@ -138,7 +138,9 @@ Traffic const* Snapshot::trafficOf(std::string const& adapterID) const {
 }
 
 bool setLink(Snapshot& snapshot, kelvaris::Link link) {
-    if (snapshot.link == link) {
+    // While the daemon is away the client may close what is left of the link and try again.
+    bool const isStillAway = snapshot.link && !snapshot.isUp() && link != kelvaris::Link::UP;
+    if (snapshot.link == link || isStillAway) {
         return false;
     }
     snapshot.link = link;

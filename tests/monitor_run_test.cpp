@@ -91,6 +91,8 @@ TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
         {"record", ""},
         {"record", "a", "b"},
         {"watch", "--exec"},
+        {"watch", "--exec", ""},
+        {"watch", "--address", "::1"},
         {"--address", std::string(46, 'a'), "watch"},
     };
     for (auto const& words : rows) {
@@ -196,6 +198,19 @@ TEST_F(MonitorRun, WatchTellsOfEachChangeAndOfADaemonThatGoesAndComes) {
         next = std::find(next, told.end(), each);
         ASSERT_NE(next, told.end()) << each << " isn't told, or not in its turn:\n" << outcome.out;
     }
+}
+
+TEST_F(MonitorRun, WatchTellsWhenAReadFailsAndWhenNoneDoesAnyMore) {
+    ScriptedDaemon daemon({}, {.appName = std::nullopt});
+    Process watch(monitorCommand(daemon.port(), {"watch", "error", "state"}));
+    daemon.waitForRequest("request_current_state");
+    daemon.send(R"(["current_state",{"state":[]}])");
+    watch.waitForOutput(R"("topic":"state")");
+    daemon.send(R"(["current_state",{"state":6}])");
+    watch.waitForOutput(R"("event":"error","data":[]})");
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.wait().status, 0);
+    static_cast<void>(daemon.finish()); // it says which requests it didn't expect
 }
 
 // Starts the monitor with a pipe as its standard output, which nobody reads.
@@ -320,8 +335,10 @@ TEST_F(MonitorRun, RecordAddsToItsFileReopensItAndSeesADaemonGo) {
     awaitContent("r.csv", "Z,down,,,,");
     simulator.emplace(std::vector<std::string>{}, port);
     std::filesystem::rename(file, folder + "/older.csv");
+    std::ofstream(file) << "half a line";
     record.signal(SIGHUP);
     awaitContent("r.csv", "Wired");
+    EXPECT_EQ(contentOf("r.csv").find("half a line\n2"), 0U);
     record.signal(SIGTERM);
     Outcome const& outcome = record.wait();
     EXPECT_EQ(outcome.status, 0);

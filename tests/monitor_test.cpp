@@ -105,6 +105,7 @@ TEST(MonitorSnapshot, TellsWhatIsCurrentFromWhatIsNot) {
 
     EXPECT_TRUE(setLink(snapshot, kelvaris::Link::LOST));
     EXPECT_FALSE(setLink(snapshot, kelvaris::Link::LOST));
+    EXPECT_FALSE(setLink(snapshot, kelvaris::Link::ENDED)) << "it is still away, since then";
     setLink(snapshot, kelvaris::Link::UP);
     EXPECT_FALSE(snapshot.isConnected()) << "the state is from before the loss";
     EXPECT_TRUE(setState(snapshot, kelvaris::State::CONNECTED)) << "it is news over a new link";
