@@ -4,6 +4,7 @@
 #include "support/process.h"
 #include "support/scripteddaemon.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -204,9 +205,9 @@ TEST_F(MonitorRun, WatchTellsWhenAReadFailsAndWhenNoneDoesAnyMore) {
     ScriptedDaemon daemon({}, {.appName = std::nullopt});
     Process watch(monitorCommand(daemon.port(), {"watch", "error", "state"}));
     daemon.waitForRequest("request_current_state");
-    daemon.send(R"(["current_state",{"state":[]}])");
+    daemon.send(report("current_state", R"({"state":[]})"));
     watch.waitForOutput(R"("topic":"state")");
-    daemon.send(R"(["current_state",{"state":6}])");
+    daemon.send(state(6));
     watch.waitForOutput(R"("event":"error","data":[]})");
     watch.signal(SIGINT);
     EXPECT_EQ(watch.wait().status, 0);
