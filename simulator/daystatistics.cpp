@@ -289,7 +289,7 @@ Json::Value DayStatistics::streamingReport() const {
                            [&](Line const& line) { return line.usableDown() > 0 && isBad(line); });
     };
     Json::Value report;
-    report["bonding_mode"] = "STR";
+    report["bonding_mode"] = world.connectionSettings["algorithm"];
     report["badLoss"] = any([](Line const& line) { return line.loss() > 0.05; });
     report["badLatency"] = any([](Line const& line) { return line.latencyMs() > 100; });
     report["badCpu"] = false;

@@ -368,3 +368,15 @@ TEST(SimulatedTraffic, SessionEndsAndBeginsAnew) {
     EXPECT_LT(tickInState('6').bytes(), before);
     EXPECT_EQ(traffic.tick().connections["connections"].size(), 4U);
 }
+
+TEST(SimulatedTraffic, BondingModeIsThatOfTheSettings) {
+    Simulator const daemon({"--traffic"});
+    Link link(daemon.port);
+    link.send("request_connection_settings");
+    link.send("request_streaming_stats");
+    EXPECT_EQ(parsed(link.next())[1]["algorithm"], parsed(link.next())[1]["bonding_mode"]);
+    link.send(R"(set_connection_algorithm {"algorithm":"RD"})");
+    link.send("request_streaming_stats");
+    EXPECT_EQ(parsed(link.next())[1]["algorithm"], "RD");
+    EXPECT_EQ(parsed(link.next())[1]["bonding_mode"], "RD");
+}
