@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <json/value.h>
 #include <optional>
 #include <vector>
@@ -28,6 +29,7 @@ Json::Value initialConnectionSettings();
 // The state that several families share. The state of a single family is in that family's file.
 struct World {
     SessionState state = SessionState::loggedIn;
+    std::function<void()> onState = [] {}; // called after each change of the state
     std::vector<Json::Value> adapters = initialAdapters();
     Json::Value connectionSettings = initialConnectionSettings();
     std::optional<std::uint64_t> trafficSeed; // from --traffic; without it the traffic is always the same
