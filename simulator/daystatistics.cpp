@@ -128,8 +128,8 @@ std::vector<Json::Value> dayAdapters() {
     return adapters;
 }
 
-DayStatistics::DayStatistics(World& surroundings)
-    : world(surroundings), day(characters(), *surroundings.trafficSeed) {
+DayStatistics::DayStatistics(World& surroundings, int speedFactor)
+    : world(surroundings), day(characters(), *surroundings.trafficSeed), speed(speedFactor) {
     DayStatistics::advance(std::chrono::milliseconds(0));
 }
 
@@ -228,7 +228,7 @@ std::int64_t DayStatistics::sessionMs() const {
 }
 
 std::int64_t DayStatistics::toldSessionStart() const {
-    return sessionStart;
+    return sessionStart - (day.sessionMs() - day.sessionMs() / speed);
 }
 
 // What a period holds of the time before this session is a fixed amount for each hour, for a year at most. All of

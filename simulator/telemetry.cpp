@@ -163,7 +163,7 @@ void registerTelemetry(Registry& registry) {
     auto telemetry = std::make_shared<Telemetry>();
     registry.onStart([telemetry](Daemon& daemon) {
         if (daemon.world().trafficSeed) {
-            telemetry->statistics = std::make_unique<DayStatistics>(daemon.world());
+            telemetry->statistics = std::make_unique<DayStatistics>(daemon.world(), daemon.trafficSpeed());
             daemon.world().onState = [telemetry, &daemon] { catchUp(*telemetry, daemon); };
         } else {
             telemetry->statistics = std::make_unique<Traffic>();

@@ -419,6 +419,26 @@ TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
     }
 }
 
+// Who takes an age from a start has the real clock for it.
+TEST(SimulatedTraffic, AgesAgree) {
+    std::size_t streams = 0;
+    for (Traffic traffic; Tick const& tick : traffic.ticks(150)) {
+        Json::Value const& session = tick.session["0"];
+        Json::Int64 const now = millisecondsSinceEpoch();
+        Json::Int64 const start = session["session_start_time"].asInt64();
+        Json::Int64 const minutes = session["total_connected_minutes"].asInt64();
+        EXPECT_LE(start + minutes * 60'000, now);
+        for (Json::Value const& each : tick.streams["streams"]) {
+            ++streams;
+            Json::Int64 const end = each["start_time"].asInt64() + each["duration"].asInt64();
+            EXPECT_GE(each["start_time"].asInt64(), start);
+            EXPECT_LE(end, now);
+            EXPECT_TRUE(!each["active"].asBool() || (end - start) / 60'000 == minutes) << tick.text;
+        }
+    }
+    EXPECT_GT(streams, 0U);
+}
+
 TEST(SimulatedTraffic, BondingModeIsThatOfTheSettings) {
     Simulator const daemon({"--traffic"});
     Link link(daemon.port);
