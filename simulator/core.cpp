@@ -44,6 +44,7 @@ Json::Value versionReport() {
 
 void enterState(Daemon& daemon, SessionState state) {
     daemon.world().state = state;
+    daemon.world().onState();
     daemon.broadcast("report_current_state", stateReport(state));
 }
 

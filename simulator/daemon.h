@@ -40,8 +40,8 @@ public:
     virtual void cancel(TimerId timer) = 0;
     // Returns the period of unrequested reports, from --interval.
     virtual std::chrono::milliseconds interval() const = 0;
-    // Returns the time that passes for the traffic in such a period, which --speed makes longer.
-    virtual std::chrono::milliseconds trafficTime() const = 0;
+    // Returns how many times as fast the traffic's time passes, from --speed.
+    virtual int trafficSpeed() const = 0;
 
     // Writes a line to the log of --verbose.
     virtual void log(std::string const& line) = 0;

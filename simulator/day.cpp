@@ -45,7 +45,9 @@ void Day::setConnected(bool connected) {
         counters = {};
         hourly.clear();
         maxDown = maxUp = 0;
+        std::fill(window.begin(), window.end(), Bytes{}); // the rates are this session's too
     } else {
+        sessionEnd = elapsedMs();
         streamList.clear();
     }
 }
@@ -56,13 +58,8 @@ bool Day::advance(std::chrono::milliseconds time) {
         before.push_back(line.state());
     }
     remainderMs += time.count();
-    if (remainderMs >= stepMs) {
-        std::fill(window.begin(), window.end(), Bytes{});
-        windowSteps = remainderMs / stepMs;
-        remainderMs %= stepMs;
-        for (std::int64_t i = 0; i < windowSteps; ++i) {
-            step();
-        }
+    for (; remainderMs >= stepMs; remainderMs -= stepMs) {
+        step();
     }
     return !std::equal(lines.begin(), lines.end(), before.begin(),
                        [](Line const& line, Line::State state) { return line.state() == state; });
@@ -96,6 +93,12 @@ Counters Day::counted(std::int64_t hours) const {
 
 void Day::step() {
     ++steps;
+    if (isReported) {
+        std::fill(window.begin(), window.end(), Bytes{});
+        windowSteps = 0;
+        isReported = false;
+    }
+    ++windowSteps;
     beginDayAtMidnight();
     std::erase_if(streamList,
                   [this](Stream const& stream) { return elapsedMs() >= stream.endMs + shownAfterEndMs; });

@@ -51,10 +51,14 @@ class Day {
 public:
     Day(std::vector<Character> const& characters, std::uint64_t seed);
 
-    // A new session begins with the connection. Nothing is carried without one.
+    // A new session begins with the connection, and ends with it. Nothing is carried without one.
     void setConnected(bool connected);
     // Says whether the state of a line has changed. The part of the time that is no whole step counts the next time.
     bool advance(std::chrono::milliseconds time);
+    // The rates are those since the last report; the next one's begin after this.
+    void endReport() {
+        isReported = true;
+    }
 
     std::vector<Line> lines;
 
@@ -67,7 +71,11 @@ public:
     std::int64_t sessionStartMs() const {
         return sessionStart;
     }
-    // Bits per second on average in the time by which the day has advanced last.
+    // Of the last session when there is none.
+    std::int64_t sessionMs() const {
+        return (hasSession ? elapsedMs() : sessionEnd) - sessionStart;
+    }
+    // Bits per second on average since the last report.
     Bytes rate(std::size_t line) const;
     // The streams that go on, and for a moment those that have ended.
     std::vector<Stream> const& streams() const {
@@ -122,9 +130,11 @@ private:
 
     std::vector<Bytes> window; // of each line, since the last report
     std::int64_t windowSteps = 0;
+    bool isReported = false; // the window begins anew with the next step
 
     bool hasSession = false;
     std::int64_t sessionStart = 0;
+    std::int64_t sessionEnd = 0;
     Counters counters;
     std::vector<Counters> hourly; // at the end of each hour of the session
     double maxDown = 0;           // Mbit/s in a step

@@ -128,17 +128,29 @@ std::vector<Json::Value> dayAdapters() {
     return adapters;
 }
 
-DayStatistics::DayStatistics(World& surroundings)
-    : world(surroundings), day(characters(), *surroundings.trafficSeed), start(millisecondsSinceEpoch()) {
+DayStatistics::DayStatistics(World& surroundings, int speedFactor)
+    : world(surroundings), day(characters(), *surroundings.trafficSeed), speed(speedFactor) {
     DayStatistics::advance(std::chrono::milliseconds(0));
+}
+
+void DayStatistics::begin() {
+    dayStart = millisecondsSinceEpoch();
+    waitEnd = waitEnd.value_or(*dayStart);
 }
 
 bool DayStatistics::advance(std::chrono::milliseconds time) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         readSettings(day.lines[i].usage, world.adapters[i]);
     }
-    day.setConnected(world.state == SessionState::connected);
     bool const hasChanged = day.advance(time);
+    bool const wasConnected = day.isConnected();
+    day.setConnected(world.state == SessionState::connected);
+    if (day.isConnected() && !wasConnected) {
+        sessionStart = millisecondsSinceEpoch();
+        waitEnd = dayStart;
+    } else if (wasConnected && !day.isConnected()) {
+        waitEnd = waitEnd.value_or(millisecondsSinceEpoch());
+    }
     for (std::size_t i = 0; i < table.size(); ++i) {
         writeUsage(world.adapters[i], day.lines[i]);
     }
@@ -179,7 +191,7 @@ Json::Value DayStatistics::connection(std::size_t index) const {
 
 Json::Value DayStatistics::connectionReport() const {
     Json::Value report;
-    report["time"] = now();
+    report["time"] = dayStart.value_or(millisecondsSinceEpoch()) + day.elapsedMs();
     report["connections"] = Json::arrayValue;
     for (std::size_t i = 0; day.isConnected() && i < table.size(); ++i) {
         if (day.lines[i].usage.priority != Line::never) {
@@ -206,6 +218,19 @@ Json::Value DayStatistics::benefit(bool isUpload) const {
     return report;
 }
 
+// How long the session has waited for the day.
+std::int64_t DayStatistics::beforeDay() const {
+    return std::max<std::int64_t>(waitEnd.value_or(millisecondsSinceEpoch()) - sessionStart, 0);
+}
+
+std::int64_t DayStatistics::sessionMs() const {
+    return beforeDay() + day.sessionMs();
+}
+
+std::int64_t DayStatistics::toldSessionStart() const {
+    return sessionStart - (day.sessionMs() - day.sessionMs() / speed);
+}
+
 // What a period holds of the time before this session is a fixed amount for each hour, for a year at most. All of
 // the time has that year however long the session is, because its counters never fall.
 Json::Value DayStatistics::period(Period hours) const {
@@ -215,9 +240,8 @@ Json::Value DayStatistics::period(Period hours) const {
         hours == allTime ? longest : std::max<std::int64_t>(longest - day.sessionHours(), 0);
     std::int64_t const received = counted.bytes.received + earlier * 9'000'000'000;
     std::int64_t const sent = counted.bytes.sent + earlier * 1'000'000'000;
-    std::int64_t const sessionMs = day.elapsedMs() - day.sessionStartMs();
     std::int64_t const inPeriodMs =
-        hours == 0 || hours == allTime ? sessionMs : std::min(sessionMs, hours * hourMs);
+        hours == 0 || hours == allTime ? sessionMs() : std::min(sessionMs(), hours * hourMs);
     Json::Value report;
     report["bytes_recv"] = received;
     report["bytes_sent"] = sent;
@@ -229,7 +253,7 @@ Json::Value DayStatistics::period(Period hours) const {
     report["num_failovers"] = counted.failovers + earlier * 12;
     report["num_sessions"] = 1 + earlier / 8;
     report["retrans_bytes"] = counted.resent + earlier * 40'000'000;
-    report["session_start_time"] = now() - inPeriodMs - earlier * hourMs;
+    report["session_start_time"] = toldSessionStart() + sessionMs() - inPeriodMs - earlier * hourMs;
     report["total_connected_minutes"] = inPeriodMs / minuteMs + earlier * 20;
     report["down_benefit"] = benefit(false);
     report["up_benefit"] = benefit(true);
@@ -270,7 +294,7 @@ Json::Value DayStatistics::stream(Stream const& stream) const {
     report["id"] = Json::UInt64(stream.id);
     report["group_id"] = 1;
     report["name"] = stream.kind.name;
-    report["start_time"] = start + stream.startMs;
+    report["start_time"] = toldSessionStart() + beforeDay() + stream.startMs - day.sessionStartMs();
     report["duration"] = durationMs;
     report["download_speed"] = stream.downMbps;
     report["upload_speed"] = stream.upMbps;
@@ -289,7 +313,7 @@ Json::Value DayStatistics::streamingReport() const {
                            [&](Line const& line) { return line.usableDown() > 0 && isBad(line); });
     };
     Json::Value report;
-    report["bonding_mode"] = "STR";
+    report["bonding_mode"] = world.connectionSettings["algorithm"];
     report["badLoss"] = any([](Line const& line) { return line.loss() > 0.05; });
     report["badLatency"] = any([](Line const& line) { return line.latencyMs() > 100; });
     report["badCpu"] = false;

@@ -10,12 +10,17 @@ namespace kelvarissim {
 std::vector<Json::Value> dayAdapters();
 
 // The reports of --traffic. What clients set for the adapters stands in the world and decides what the day's lines
-// may carry; what they have carried is written back there.
+// may carry; what they have carried is written back there. Who takes the age of a session or a stream from its start
+// has the real clock for it, so the starts are told so much earlier as the day has gained on that clock.
 class DayStatistics final : public Statistics {
 public:
-    explicit DayStatistics(World& surroundings);
+    DayStatistics(World& surroundings, int speedFactor);
 
+    void begin() override;
     bool advance(std::chrono::milliseconds time) override;
+    void endReport() override {
+        day.endReport();
+    }
     bool goesOnUnheard() const override {
         return true;
     }
@@ -28,13 +33,16 @@ private:
     Json::Value period(Period hours) const;
     Json::Value benefit(bool isUpload) const;
     Json::Value stream(Stream const& stream) const;
-    std::int64_t now() const {
-        return start + day.elapsedMs();
-    }
+    std::int64_t beforeDay() const;
+    std::int64_t sessionMs() const;
+    std::int64_t toldSessionStart() const;
 
     World& world;
     Day day;
-    std::int64_t const start; // milliseconds since the epoch, as are the reports' times
+    int const speed;
+    std::optional<std::int64_t> dayStart; // milliseconds since the epoch, as are the reports' times
+    std::int64_t sessionStart = 0;        // by the real clock, as is the next
+    std::optional<std::int64_t> waitEnd;  // when the day began, or the session ended before it
 };
 
 } // namespace kelvarissim

@@ -233,8 +233,8 @@ std::chrono::milliseconds Server::interval() const {
     return std::chrono::milliseconds(settings.intervalMs);
 }
 
-std::chrono::milliseconds Server::trafficTime() const {
-    return interval() * (settings.traffic ? settings.speed : 1);
+int Server::trafficSpeed() const {
+    return settings.traffic ? settings.speed : 1;
 }
 
 void Server::log(std::string const& line) {

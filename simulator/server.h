@@ -33,7 +33,7 @@ public:
         timers.erase(timer);
     }
     std::chrono::milliseconds interval() const override;
-    std::chrono::milliseconds trafficTime() const override;
+    int trafficSpeed() const override;
     void log(std::string const& line) override;
     void stop() override {
         io.stop();

@@ -10,12 +10,6 @@ namespace {
 
 constexpr Json::ArrayIndex maxDnsServers = 3;
 
-// Holds the settings in the form in which they are reported.
-struct Tunnel {
-    Json::Value connection;
-    Json::Value privacy;
-};
-
 // Describes a setting that one request replaces. The request and the report often spell its key differently.
 struct PlainSetting {
     char const* request;
@@ -38,20 +32,6 @@ std::vector<PlainSetting> plainSettings() {
     };
 }
 
-// Returns the settings that no plain request replaces; registerSettings() adds the plain ones.
-Json::Value initialConnectionSettings() {
-    Json::Value settings;
-    settings["encrypted"] = true;
-    settings["allow_chacha_encryption"] = true;
-    settings["connection_priority_overflow_treshold"] = 0.5;
-    settings["perconn_encryption"] = false;
-    settings["perconn_encryption_settings"] = Json::Value(Json::objectValue);
-    settings["parallel_sockets"]["eth0"] = 4;
-    settings["parallel_sockets"]["wlan0"] = 2;
-    settings["language"] = "en";
-    return settings;
-}
-
 Json::Value initialPrivacySettings() {
     Json::Value settings;
     settings["killswitch"] = false;
@@ -62,15 +42,15 @@ Json::Value initialPrivacySettings() {
     return settings;
 }
 
-void reportConnection(Tunnel const& tunnel, Daemon& daemon) {
-    daemon.broadcast("report_connection_settings", tunnel.connection);
+void reportConnection(Daemon& daemon) {
+    daemon.broadcast("report_connection_settings", daemon.world().connectionSettings);
 }
 
 // A request that names an adapter sets that adapter's encryption. A request without one sets the whole
 // tunnel's and ends the adapters' own settings.
-void setEncryption(Tunnel& tunnel, Request const& request) {
+void setEncryption(Request const& request) {
     bool const enable = request.payload["enable"].asBool();
-    Json::Value& settings = tunnel.connection;
+    Json::Value& settings = request.daemon.world().connectionSettings;
     if (request.payload.isMember("guid")) {
         settings["perconn_encryption"] = true;
         settings["perconn_encryption_settings"][request.payload["guid"].asString()] = enable;
@@ -79,16 +59,16 @@ void setEncryption(Tunnel& tunnel, Request const& request) {
         settings["perconn_encryption"] = false;
         settings["perconn_encryption_settings"].clear();
     }
-    reportConnection(tunnel, request.daemon);
+    reportConnection(request.daemon);
 }
 
-void setDnsServers(Tunnel& tunnel, Request const& request) {
-    Json::Value& addresses = tunnel.privacy["dns_addresses"];
+void setDnsServers(Json::Value& privacy, Request const& request) {
+    Json::Value& addresses = privacy["dns_addresses"];
     addresses = request.payload["dns_addresses"];
     if (addresses.size() > maxDnsServers) {
         addresses.resize(maxDnsServers);
     }
-    request.daemon.broadcast("report_privacy_settings", tunnel.privacy);
+    request.daemon.broadcast("report_privacy_settings", privacy);
 }
 
 // The simulated wireless network always has a captive portal, so that every check finds something.
@@ -108,28 +88,38 @@ void setPortalLogin(Request const& request) {
 
 } // namespace
 
-void registerSettings(Registry& registry) {
-    auto tunnel = std::make_shared<Tunnel>();
-    tunnel->connection = initialConnectionSettings();
-    tunnel->privacy = initialPrivacySettings();
+Json::Value initialConnectionSettings() {
+    Json::Value settings;
+    for (PlainSetting const& setting : plainSettings()) {
+        settings[setting.reportedKey] = setting.initial;
+    }
+    settings["encrypted"] = true;
+    settings["allow_chacha_encryption"] = true;
+    settings["connection_priority_overflow_treshold"] = 0.5;
+    settings["perconn_encryption"] = false;
+    settings["perconn_encryption_settings"] = Json::Value(Json::objectValue);
+    settings["parallel_sockets"]["eth0"] = 4;
+    settings["parallel_sockets"]["wlan0"] = 2;
+    settings["language"] = "en";
+    return settings;
+}
 
-    registry.on("request_connection_settings", [tunnel](Request const& request) {
-        request.answer("report_connection_settings", tunnel->connection);
+void registerSettings(Registry& registry) {
+    registry.on("request_connection_settings", [](Request const& request) {
+        request.answer("report_connection_settings", request.daemon.world().connectionSettings);
     });
     for (PlainSetting const& setting : plainSettings()) {
-        tunnel->connection[setting.reportedKey] = setting.initial;
-        registry.on(setting.request, [tunnel, setting](Request const& request) {
-            tunnel->connection[setting.reportedKey] = request.payload[setting.sentKey];
-            reportConnection(*tunnel, request.daemon);
+        registry.on(setting.request, [setting](Request const& request) {
+            request.daemon.world().connectionSettings[setting.reportedKey] = request.payload[setting.sentKey];
+            reportConnection(request.daemon);
         });
     }
-    registry.on("set_encryption_enabled",
-                [tunnel](Request const& request) { setEncryption(*tunnel, request); });
+    registry.on("set_encryption_enabled", setEncryption);
 
-    registry.on("request_privacy_settings", [tunnel](Request const& request) {
-        request.answer("report_privacy_settings", tunnel->privacy);
-    });
-    registry.on("set_dns_servers", [tunnel](Request const& request) { setDnsServers(*tunnel, request); });
+    auto privacy = std::make_shared<Json::Value>(initialPrivacySettings());
+    registry.on("request_privacy_settings",
+                [privacy](Request const& request) { request.answer("report_privacy_settings", *privacy); });
+    registry.on("set_dns_servers", [privacy](Request const& request) { setDnsServers(*privacy, request); });
 
     registry.on("check_captive_networks",
                 [](Request const& request) { request.answer("report_captive_networks", captiveNetworks()); });

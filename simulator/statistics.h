@@ -42,9 +42,13 @@ class Statistics {
 public:
     virtual ~Statistics() = default;
 
+    // Time begins to pass.
+    virtual void begin() = 0;
     // Lets this time pass, and says whether it has changed the state of an adapter.
     virtual bool advance(std::chrono::milliseconds time) = 0;
-    // Says whether time passes although no client listens.
+    // Clients have been told of the time that has passed.
+    virtual void endReport() = 0;
+    // Says whether time passes although no client listens, and between two reports.
     virtual bool goesOnUnheard() const = 0;
 
     virtual Json::Value connectionReport() const = 0;

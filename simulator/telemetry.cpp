@@ -7,6 +7,7 @@
 #include <ctime>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace kelvarissim {
 
@@ -27,6 +28,8 @@ struct Telemetry {
     std::unique_ptr<Statistics> statistics;
     std::map<ClientId, Subscription> subscriptions;
     bool isReporting = false;
+    Clock::time_point reported;          // the last time
+    std::chrono::milliseconds ahead{0};  // how much of the time up to the next report has passed already
     Json::Value tests{Json::arrayValue}; // sorted by time, newest first
     std::string disconnectReason = "USERINITIATED";
     std::time_t sessionEnd = std::time(nullptr) - 3600;
@@ -41,6 +44,20 @@ std::set<Period> periodsOf(Telemetry const& telemetry, ClientId client) {
     return subscription->second.periods;
 }
 
+// A session begins and ends between two reports, and time has to pass up to then first. What is left of it passes with
+// the next report, so that the reports come after the same times whatever clients do.
+void catchUp(Telemetry& telemetry, Daemon& daemon) {
+    std::chrono::milliseconds due = telemetry.ahead;
+    if (telemetry.isReporting) {
+        auto const passed = std::min<Clock::duration>(Clock::now() - telemetry.reported, daemon.interval());
+        due = std::chrono::duration_cast<std::chrono::milliseconds>(passed * daemon.trafficSpeed());
+    }
+    std::chrono::milliseconds const time = due - std::exchange(telemetry.ahead, due);
+    if (telemetry.statistics->advance(time)) {
+        daemon.broadcast("report_networks", networksReport(daemon.world()));
+    }
+}
+
 bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
     std::erase_if(telemetry.subscriptions, [&daemon](auto const& entry) {
         bool const expired = entry.second.end <= Clock::now();
@@ -50,7 +67,10 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
         return expired;
     });
     Statistics& statistics = *telemetry.statistics;
-    bool const adaptersChanged = statistics.advance(daemon.trafficTime());
+    bool const adaptersChanged =
+        statistics.advance(daemon.interval() * daemon.trafficSpeed() - telemetry.ahead);
+    telemetry.ahead = std::chrono::milliseconds(0);
+    telemetry.reported = Clock::now();
     if (adaptersChanged) {
         daemon.broadcast("report_networks", networksReport(daemon.world()));
     }
@@ -62,6 +82,7 @@ bool reportStatistics(Telemetry& telemetry, Daemon& daemon) {
         daemon.send(client, "report_session_stats", statistics.sessionReport(periodsOf(telemetry, client)));
         daemon.send(client, "report_streaming_stats", statistics.streamingReport());
     }
+    statistics.endReport();
     return telemetry.isReporting = statistics.goesOnUnheard() || !telemetry.subscriptions.empty();
 }
 
@@ -81,6 +102,8 @@ void subscribe(std::shared_ptr<Telemetry> const& telemetry, Request const& reque
     }
     if (!telemetry->isReporting) {
         telemetry->isReporting = true;
+        telemetry->reported = Clock::now();
+        telemetry->statistics->begin();
         Daemon& daemon = request.daemon;
         daemon.every(daemon.interval(),
                      [telemetry, &daemon] { return reportStatistics(*telemetry, daemon); });
@@ -140,7 +163,8 @@ void registerTelemetry(Registry& registry) {
     auto telemetry = std::make_shared<Telemetry>();
     registry.onStart([telemetry](Daemon& daemon) {
         if (daemon.world().trafficSeed) {
-            telemetry->statistics = std::make_unique<DayStatistics>(daemon.world());
+            telemetry->statistics = std::make_unique<DayStatistics>(daemon.world(), daemon.trafficSpeed());
+            daemon.world().onState = [telemetry, &daemon] { catchUp(*telemetry, daemon); };
         } else {
             telemetry->statistics = std::make_unique<Traffic>();
         }

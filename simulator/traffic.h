@@ -15,9 +15,11 @@ class Traffic final : public Statistics {
 public:
     Traffic();
 
+    void begin() override {}
     // Advances by one step: the links get new values, and the counters grow by the traffic of that time. The
     // adapters stay as they are.
     bool advance(std::chrono::milliseconds time) override;
+    void endReport() override {}
     bool goesOnUnheard() const override {
         return false;
     }

@@ -14,6 +14,7 @@
 #include "support/texts.h"
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <future>
 #include <gtest/gtest.h>
@@ -160,6 +161,11 @@ public:
     Simulator daemon;
     Link link;
 };
+
+Json::Int64 millisecondsSinceEpoch() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+}
 
 std::string texts(std::string const& options, int ticks) {
     std::string all;
@@ -367,4 +373,80 @@ TEST(SimulatedTraffic, SessionEndsAndBeginsAnew) {
     traffic.link.send(R"(server_auto_connect {"server":"auto"})");
     EXPECT_LT(tickInState('6').bytes(), before);
     EXPECT_EQ(traffic.tick().connections["connections"].size(), 4U);
+}
+
+// No report of an interval comes here, with which the time would pass in any case.
+TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
+    Simulator const daemon(split("--traffic --interval 3600000 --speed 1440"));
+    Link link(daemon.port);
+    auto const await = [&link](std::string const& report, auto isWanted) {
+        Json::Value seen = parsed(link.next());
+        while (seen[0] != report || !isWanted(seen[1])) {
+            seen = parsed(link.next());
+        }
+        return seen[1];
+    };
+    auto const awaitState = [&](int wanted) {
+        await("report_current_state",
+              [wanted](Json::Value const& report) { return report["state"] == wanted; });
+    };
+    auto const session = [&] {
+        link.send("request_session_stats");
+        return await("report_session_stats", [](auto const&) { return true; })["0"];
+    };
+
+    for (bool const isDayBegun : {false, true}) {
+        if (isDayBegun) {
+            link.send(R"(stat_subscribe {"enable":true})");
+        }
+        link.send("server_disconnect");
+        awaitState(2);
+        Json::Int64 const before = millisecondsSinceEpoch();
+        link.send(R"(server_auto_connect {"server":"auto"})");
+        awaitState(6);
+        Json::Value const begun = session();
+        EXPECT_GE(begun["session_start_time"].asInt64(), before) << isDayBegun;
+        EXPECT_LE(begun["session_start_time"].asInt64(), millisecondsSinceEpoch()) << isDayBegun;
+        EXPECT_EQ(begun["bytes_recv"], 0);
+    }
+    link.send("server_disconnect");
+    awaitState(5);
+    Json::Value const ended = session();
+    EXPECT_GT(ended["bytes_recv"].asInt64(), 0);
+    awaitState(2);
+    for (char const* const key : {"bytes_recv", "session_start_time", "total_connected_minutes"}) {
+        EXPECT_EQ(session()[key], ended[key]) << "minutes of the day later";
+    }
+}
+
+// Who takes an age from a start has the real clock for it.
+TEST(SimulatedTraffic, AgesAgree) {
+    std::size_t streams = 0;
+    for (Traffic traffic; Tick const& tick : traffic.ticks(150)) {
+        Json::Value const& session = tick.session["0"];
+        Json::Int64 const now = millisecondsSinceEpoch();
+        Json::Int64 const start = session["session_start_time"].asInt64();
+        Json::Int64 const minutes = session["total_connected_minutes"].asInt64();
+        EXPECT_LE(start + minutes * 60'000, now);
+        for (Json::Value const& each : tick.streams["streams"]) {
+            ++streams;
+            Json::Int64 const end = each["start_time"].asInt64() + each["duration"].asInt64();
+            EXPECT_GE(each["start_time"].asInt64(), start);
+            EXPECT_LE(end, now);
+            EXPECT_TRUE(!each["active"].asBool() || (end - start) / 60'000 == minutes) << tick.text;
+        }
+    }
+    EXPECT_GT(streams, 0U);
+}
+
+TEST(SimulatedTraffic, BondingModeIsThatOfTheSettings) {
+    Simulator const daemon({"--traffic"});
+    Link link(daemon.port);
+    link.send("request_connection_settings");
+    link.send("request_streaming_stats");
+    EXPECT_EQ(parsed(link.next())[1]["algorithm"], parsed(link.next())[1]["bonding_mode"]);
+    link.send(R"(set_connection_algorithm {"algorithm":"RD"})");
+    link.send("request_streaming_stats");
+    EXPECT_EQ(parsed(link.next())[1]["algorithm"], "RD");
+    EXPECT_EQ(parsed(link.next())[1]["bonding_mode"], "RD");
 }
