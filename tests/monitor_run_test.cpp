@@ -205,9 +205,11 @@ TEST_F(MonitorRun, WatchTellsWhenAReadFailsAndWhenNoneDoesAnyMore) {
     ScriptedDaemon daemon({}, {.appName = std::nullopt});
     Process watch(monitorCommand(daemon.port(), {"watch", "error", "state"}));
     daemon.waitForRequest("request_current_state");
+    daemon.send(state(6));
+    watch.waitForOutput("CONNECTED");
     daemon.send(report("current_state", R"({"state":[]})"));
     watch.waitForOutput(R"("topic":"state")");
-    daemon.send(state(6));
+    daemon.send(state(5));
     watch.waitForOutput(R"("event":"error","data":[]})");
     watch.signal(SIGINT);
     EXPECT_EQ(watch.wait().status, 0);
