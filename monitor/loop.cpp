@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -56,6 +57,14 @@ void Loop::onSignal(int signal, std::function<void()> action) {
     sigaddset(&mask, signal);
     sigprocmask(SIG_BLOCK, &mask, nullptr);
     signalfd(signalDescriptor, &mask, 0);
+}
+
+void Loop::onSignalUnlessIgnored(int signal, std::function<void()> action) {
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) {
+        onSignal(signal, std::move(action));
+    }
 }
 
 // The functions are copied before they run, because they may remove themselves.

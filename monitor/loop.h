@@ -38,6 +38,8 @@ public:
     // The signal is blocked from then on, and only the loop sees it. Threads that are to leave it alone start later. The
     // newest function for a signal counts.
     void onSignal(int signal, std::function<void()> action);
+    // A signal that the caller has the program ignore, as nohup does, stays ignored.
+    void onSignalUnlessIgnored(int signal, std::function<void()> action);
     // The mask from before, which a child needs.
     sigset_t const& originalMask() const {
         return maskBefore;

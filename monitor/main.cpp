@@ -43,15 +43,10 @@ void limitLeaving(int status) {
     setitimer(ITIMER_REAL, &leavingLimit, nullptr);
 }
 
-// A signal that the caller has the program ignore, as nohup does, stays ignored.
 void onInterrupt(Loop& loop, std::unique_ptr<Command> const& command) {
     for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction before {};
-        sigaction(signal, nullptr, &before);
-        if (before.sa_handler == SIG_IGN) {
-            continue;
-        }
-        loop.onSignal(signal, [&loop, &command, signal] { loop.end(command->interrupted(signal)); });
+        loop.onSignalUnlessIgnored(signal,
+                                   [&loop, &command, signal] { loop.end(command->interrupted(signal)); });
     }
 }
 

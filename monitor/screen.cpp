@@ -61,6 +61,18 @@ cchar_t drawn(Cell const& cell, bool isColoured) {
     return result;
 }
 
+// While it draws ncurses has SIGTSTP ignored, which throws away one that waits to be read. A signal with a handler is left
+// alone, from the first terminal on.
+SCREEN* openTerminal(std::FILE* output, std::FILE* input) {
+    struct sigaction handled {};
+    struct sigaction before {};
+    handled.sa_handler = [](int) {};
+    sigaction(SIGTSTP, &handled, &before);
+    SCREEN* const opened = newterm(nullptr, output, input);
+    sigaction(SIGTSTP, &before, nullptr);
+    return opened;
+}
+
 // Into the corner of a single column ncurses can't write: it would begin in the column on its left.
 void writeCorner(Grid const& picture) {
     int const row = picture.size().rows - 1;
@@ -120,7 +132,7 @@ Screen::Screen(bool inColour) : isColoured(inColour), shown({0, 0}, false) {
     use_env(FALSE); // the size is the terminal's, not that of COLUMNS and LINES
     use_tioctl(TRUE);
     tcgetattr(STDOUT_FILENO, &modesBefore);
-    terminal = newterm(nullptr, stdout, stdin);
+    terminal = openTerminal(stdout, stdin);
     if (terminal == nullptr) {
         throw std::runtime_error("the terminal can't be used");
     }
@@ -154,7 +166,7 @@ bool Screen::canDraw() {
     if (nowhere == nullptr) {
         return false;
     }
-    SCREEN* const trial = newterm(nullptr, nowhere, nowhere);
+    SCREEN* const trial = openTerminal(nowhere, nowhere);
     auto const moves = trial == nullptr ? nullptr : tigetstr("cup");
     bool const can = moves != nullptr && reinterpret_cast<std::intptr_t>(moves) != -1;
     if (trial != nullptr) {

@@ -137,7 +137,7 @@ public:
             screen.resize();
             draw();
         });
-        loop.onSignal(SIGTSTP, [this] {
+        loop.onSignalUnlessIgnored(SIGTSTP, [this] {
             screen.leave();
             suspend();
             comeBack();
@@ -145,7 +145,7 @@ public:
         loop.onSignal(SIGCONT, [this] { comeBack(); });
         // Others that would end the process leave the terminal as it is now.
         for (int const signal : {SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
-            loop.onSignal(signal, [this] { loop.end(0); });
+            loop.onSignalUnlessIgnored(signal, [this] { loop.end(0); });
         }
         // A terminal that has gone takes no pictures; one that isn't the session's sends no signal then.
         loop.addDescriptor(STDOUT_FILENO, 0, [this](short) { loop.end(0); });
