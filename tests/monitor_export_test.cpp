@@ -4,22 +4,20 @@
 #include "metrics.h"
 
 #include "support/http.h"
-#include "support/scripteddaemon.h"
+#include "support/monitors.h"
 #include "support/simulator.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iomanip>
-#include <json/reader.h>
 #include <regex>
 #include <set>
 #include <sstream>
-#include <thread>
 #include <unistd.h>
 
 using namespace harness;
@@ -184,8 +182,7 @@ TEST(Metrics, FormatIsTheOneThatIsAskedFor) {
 // ---- The command ----
 
 Command exportCommand(std::uint16_t port, std::vector<std::string> const& words) {
-    Command command{.path = MONITOR_PATH,
-                    .argv = {"kelvaris-monitor", "--port", std::to_string(port), "export"}};
+    Command command = monitorCommand(port, {"export"});
     command.argv.insert(command.argv.end(), words.begin(), words.end());
     return command;
 }
@@ -200,26 +197,9 @@ struct Exporter {
     std::uint16_t port = 0;
 };
 
-std::uint16_t freePort() {
-    return ScriptedDaemon({}, {.listen = false}).port();
-}
-
-std::string contentOf(std::string const& file) {
-    std::stringstream content;
-    content << std::ifstream(file).rdbuf();
-    return content.str();
-}
-
 class MonitorExport : public testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/monitor_export.XXXXXX";
-        folder = mkdtemp(name);
-    }
-    void TearDown() override {
-        std::filesystem::remove_all(folder);
-    }
-    std::string folder;
+    Folder const folder;
 };
 
 TEST_F(MonitorExport, AnswersInBothFormatsAndKnowsItsPaths) {
@@ -284,20 +264,18 @@ TEST_F(MonitorExport, ListensWhereItIsToldOrSaysWhyItCannot) {
 
 TEST_F(MonitorExport, FileIsReplacedAsAWholeAndGoneAtTheEnd) {
     std::uint16_t const port = freePort();
-    std::string const file = folder + "/kelvaris.prom";
+    std::string const file = folder.file("kelvaris.prom");
     // No more than the metrics of a daemon that is away fit into this file.
     Process process(
         {.path = "/bin/sh",
          .argv = {"sh", "-c",
                   "ulimit -f 1; exec \"$0\" --port \"$1\" export --textfile \"$2\" --interval 0.05",
                   MONITOR_PATH, std::to_string(port), file}});
-    while (!std::filesystem::exists(file)) {
-        std::this_thread::sleep_for(5ms);
-    }
-    EXPECT_EQ(contentOf(file), awayText);
+    EXPECT_TRUE(comesTrue([&] { return std::filesystem::exists(file); }));
+    EXPECT_EQ(contents(file), awayText);
     Simulator const simulator({"--traffic"}, port);
     process.waitForOutput("kelvaris.prom: File too large\n");
-    EXPECT_LT(contentOf(file).size(), 512U) << "a failure leaves the file as it was";
+    EXPECT_LT(contents(file).size(), 512U) << "a failure leaves the file as it was";
     EXPECT_FALSE(std::filesystem::exists(file + ".new"));
     process.signal(SIGTERM);
     Outcome const& outcome = process.wait();
@@ -307,8 +285,8 @@ TEST_F(MonitorExport, FileIsReplacedAsAWholeAndGoneAtTheEnd) {
 
     EXPECT_EQ(runProcess(exportCommand(port, {"--once", "--textfile", file})).status, 0);
     EXPECT_EQ(runProcess(exportCommand(port, {"--once"})).out.find("# HELP kelvaris_up"), 0U);
-    EXPECT_NE(contentOf(file).find("kelvaris_up 1\n"), std::string::npos);
-    for (std::string const name : {"/nowhere/k.prom", "/dev/null", folder.c_str()}) {
+    EXPECT_NE(contents(file).find("kelvaris_up 1\n"), std::string::npos);
+    for (std::string const name : {"/nowhere/k.prom", "/dev/null", folder.path.c_str()}) {
         Outcome const refused = runProcess(exportCommand(port, {"--textfile", name}));
         EXPECT_EQ(refused.status, 1);
         EXPECT_NE(refused.err.find(name), std::string::npos) << refused.err;
@@ -317,14 +295,9 @@ TEST_F(MonitorExport, FileIsReplacedAsAWholeAndGoneAtTheEnd) {
 
 // ---- Prometheus, and what is written for it ----
 
-constexpr char documents[] = SOURCE_DIR "/docs/";
-
 // What the dashboard asks for, with its variables filled in.
 std::vector<std::string> queriesOfDashboard() {
-    Json::Value dashboard;
-    Json::CharReaderBuilder const builder;
-    std::ifstream file(documents + std::string("monitoring/grafana.json"));
-    EXPECT_TRUE(parseFromStream(builder, file, &dashboard, nullptr));
+    Json::Value const dashboard = parsed(source("docs/monitoring/grafana.json"));
     std::vector<std::string> queries;
     for (Json::Value const& panel : dashboard["panels"]) {
         for (Json::Value const& target : panel["targets"]) {
@@ -343,10 +316,10 @@ TEST_F(MonitorExport, DocumentsNameTheMetricsThatThereAre) {
         return std::set<std::string>(std::sregex_token_iterator(text.begin(), text.end(), name), {});
     };
     auto const there = namesIn(metricsOf(fullSnapshot(), Format::text));
-    std::string const manual = contentOf(documents + std::string("kelvaris-monitor.1"));
+    std::string const manual = source("docs/kelvaris-monitor.1");
     EXPECT_EQ(namesIn(manual), there);
     for (std::string const file : {"monitoring/grafana.json", "monitoring/alerts.yml", "monitor.md"}) {
-        auto const named = namesIn(contentOf(documents + file));
+        auto const named = namesIn(source("docs/" + file));
         EXPECT_GT(named.size(), 2U) << file;
         EXPECT_TRUE(std::includes(there.begin(), there.end(), named.begin(), named.end()))
             << file << " names of " << testing::PrintToString(named) << " one that isn't there";
@@ -370,13 +343,13 @@ TEST_F(MonitorExport, PrometheusTakesItAllAndAnswersTheDashboard) {
     Simulator const simulator({"--traffic", "--speed", "60", "--interval", "100"});
     Exporter const exporter(simulator.port);
     std::uint16_t const port = freePort();
-    std::ofstream(folder + "/prometheus.yml")
+    std::ofstream(folder.file("prometheus.yml"))
         << "global: {scrape_interval: 200ms, scrape_timeout: 200ms}\n"
            "scrape_configs: [{job_name: kelvaris, static_configs: [{targets: ['127.0.0.1:"
         << exporter.port << "']}]}]\n";
     Process prometheus({.path = "/usr/bin/prometheus",
-                        .argv = {"prometheus", "--config.file=" + folder + "/prometheus.yml",
-                                 "--storage.tsdb.path=" + folder + "/data",
+                        .argv = {"prometheus", "--config.file=" + folder.file("prometheus.yml"),
+                                 "--storage.tsdb.path=" + folder.file("data"),
                                  "--web.listen-address=127.0.0.1:" + std::to_string(port)}});
     prometheus.waitForOutput("Server is ready");
     auto queries = queriesOfDashboard();

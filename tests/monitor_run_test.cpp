@@ -1,8 +1,7 @@
 // The commands of kelvaris-monitor as programs, against the simulated daemon, which comes and goes, and against daemons
 // that misbehave.
 
-#include "support/process.h"
-#include "support/scripteddaemon.h"
+#include "support/monitors.h"
 #include "support/simulator.h"
 #include "support/texts.h"
 
@@ -13,23 +12,15 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
-#include <spawn.h>
+#include <poll.h>
 #include <sstream>
-#include <sys/ioctl.h>
-#include <sys/wait.h>
-#include <thread>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace harness;
 using namespace std::chrono_literals;
 
 namespace {
-
-Command monitorCommand(std::uint16_t port, std::vector<std::string> const& words) {
-    Command command{.path = MONITOR_PATH, .argv = {"kelvaris-monitor", "--port", std::to_string(port)}};
-    command.argv.insert(command.argv.end(), words.begin(), words.end());
-    return command;
-}
 
 Outcome runMonitor(std::uint16_t port, std::vector<std::string> const& words) {
     return runProcess(monitorCommand(port, words));
@@ -41,10 +32,6 @@ void tool(std::uint16_t port, std::vector<std::string> const& words) {
     EXPECT_EQ(runProcess(command).status, 0);
 }
 
-std::uint16_t freePort() {
-    return ScriptedDaemon({}, {.listen = false}).port();
-}
-
 double secondsOf(std::function<void()> const& action) {
     auto const start = std::chrono::steady_clock::now();
     action();
@@ -53,28 +40,13 @@ double secondsOf(std::function<void()> const& action) {
 
 class MonitorRun : public testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/monitor_run.XXXXXX";
-        folder = mkdtemp(name);
-    }
-    void TearDown() override {
-        std::filesystem::remove_all(folder);
-    }
-    std::string contentOf(std::string const& name) const {
-        std::stringstream content;
-        content << std::ifstream(folder + "/" + name).rdbuf();
-        return content.str();
-    }
     void awaitContent(std::string const& name, std::string const& text) const {
-        auto const limit = std::chrono::steady_clock::now() + patience();
-        while (contentOf(name).find(text) == std::string::npos && std::chrono::steady_clock::now() < limit) {
-            std::this_thread::sleep_for(10ms);
-        }
-        EXPECT_NE(contentOf(name).find(text), std::string::npos) << text << " isn't in:\n" << contentOf(name);
+        EXPECT_TRUE(comesTrue([&] { return folder.contentOf(name).find(text) != std::string::npos; }))
+            << text << " isn't in:\n"
+            << folder.contentOf(name);
     }
-    std::string folder;
+    Folder const folder;
 };
-
 TEST_F(MonitorRun, WrongWordsEndWithStatus2) {
     std::vector<std::vector<std::string>> const rows = {
         {},
@@ -216,53 +188,28 @@ TEST_F(MonitorRun, WatchTellsWhenAReadFailsAndWhenNoneDoesAnyMore) {
     static_cast<void>(daemon.finish()); // it says which requests it didn't expect
 }
 
-// Starts the monitor with a pipe as its standard output, which nobody reads.
-pid_t startUnread(std::uint16_t port, int (&ends)[2]) {
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
-    std::string number = std::to_string(port);
-    char program[] = MONITOR_PATH;
-    char option[] = "--port";
-    char command[] = "watch";
-    char* const words[] = {program, option, number.data(), command, nullptr};
-    pid_t child = 0;
-    EXPECT_EQ(posix_spawn(&child, program, &files, nullptr, words, environ), 0);
-    posix_spawn_file_actions_destroy(&files);
-    close(ends[1]);
-    return child;
-}
-
-int statusOf(pid_t child) {
-    int status = -1;
-    auto const limit = std::chrono::steady_clock::now() + patience();
-    while (waitpid(child, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > limit) {
-            kill(child, SIGKILL);
-        }
-        std::this_thread::sleep_for(5ms);
-    }
-    return status;
-}
-
 TEST_F(MonitorRun, WatchDependsOnNoReader) {
     Simulator const simulator({"--interval", "5"});
-    int ends[2];
-    pid_t const stalled = startUnread(simulator.port, ends);
-    int held = 0;
-    for (int before = -1; held != before || held == 0; std::this_thread::sleep_for(300ms)) {
-        before = held;
-        ASSERT_EQ(ioctl(ends[0], FIONREAD, &held), 0);
+    std::string const pipe = folder.file("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Command const command{.path = "/bin/sh",
+                          .argv = {"sh", "-c", "exec \"$0\" --port \"$1\" watch >\"$2\"", MONITOR_PATH,
+                                   std::to_string(simulator.port), pipe}};
+    for (bool const isStalled : {true, false}) {
+        int const reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        Process watch(command);
+        pollfd writer{open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC), POLLOUT, 0};
+        EXPECT_TRUE(comesTrue([&writer] { return poll(&writer, 1, 0) == 0; }));
+        close(writer.fd);
+        if (isStalled) {
+            watch.signal(SIGTERM);
+            EXPECT_EQ(watch.wait().status, 0) << "a full pipe mustn't hold up a signal";
+        }
+        close(reader);
+        if (!isStalled) {
+            EXPECT_EQ(watch.wait().status, 0) << "a reader that has gone is the end, and no error";
+        }
     }
-    EXPECT_GT(held, 16 * 1024) << "so much a full pipe holds";
-    kill(stalled, SIGTERM);
-    EXPECT_EQ(statusOf(stalled), 0) << "a full pipe mustn't hold up a signal";
-    close(ends[0]);
-
-    pid_t const left = startUnread(simulator.port, ends);
-    close(ends[0]);
-    EXPECT_EQ(statusOf(left), 0) << "a reader that has gone is the end, and no error";
 }
 
 TEST_F(MonitorRun, HookGetsTheObjectAndNoShell) {
@@ -271,11 +218,12 @@ TEST_F(MonitorRun, HookGetsTheObjectAndNoShell) {
         "cat >\"$1\"; printf '%s|%s|%s' \"$2\" \"$KELVARIS_EVENT\" \"$KELVARIS_DATA\" >\"$1.var\"; "
         "mv \"$1.var\" \"$1.done\"; exit 3";
     Process watch(monitorCommand(simulator.port, {"watch", "state", "--exec=sh", "-c", script, "--help",
-                                                  folder + "/object", "$(id) ; --port"}));
+                                                  folder.file("object"), "$(id) ; --port"}));
     watch.waitForOutput("sh ended with status 3");
-    Json::Value const object = parsed(contentOf("object"));
+    Json::Value const object = parsed(folder.contentOf("object"));
     EXPECT_EQ(object["event"], "snapshot");
-    EXPECT_EQ(contentOf("object.done"), "$(id) ; --port|snapshot|{\"state\":{\"state\":\"LOGGED_IN\"}}");
+    EXPECT_EQ(folder.contentOf("object.done"),
+              "$(id) ; --port|snapshot|{\"state\":{\"state\":\"LOGGED_IN\"}}");
     watch.signal(SIGTERM);
     EXPECT_EQ(watch.wait().status, 0);
     EXPECT_EQ(watch.out(), "") << "the hook takes the place of the lines";
@@ -290,24 +238,19 @@ TEST_F(MonitorRun, HookThatHangsIsKilledWithItsChildrenAndTheNewestEventIsNext) 
     std::string const script = "trap '' TERM; echo $KELVARIS_SEQ >>\"$1/seen\"; mkfifo \"$1/$KELVARIS_SEQ\"; "
                                "exec 9<>\"$1/$KELVARIS_SEQ\"; (sleep 100; true) & wait";
     Process watch(monitorCommand(
-        simulator.port, {"watch", "--exec-timeout", "0.3", "--exec", "sh", "-c", script, "sh", folder}));
+        simulator.port, {"watch", "--exec-timeout", "0.3", "--exec", "sh", "-c", script, "sh", folder.path}));
     watch.waitForOutput("sh took longer than 0.3 s and was killed");
-    auto const limit = std::chrono::steady_clock::now() + patience();
     int first = -1;
     int second = -1;
-    while (!(std::istringstream(contentOf("seen")) >> first >> second) &&
-           std::chrono::steady_clock::now() < limit) {
-        std::this_thread::sleep_for(20ms);
-    }
+    EXPECT_TRUE(
+        comesTrue([&] { return !!(std::istringstream(folder.contentOf("seen")) >> first >> second); }));
     EXPECT_EQ(first, 0);
     EXPECT_GT(second, 20) << "1.3 s of reports came meanwhile, and the oldest of them must not be next";
-    int held = 0;
-    while ((held = open((folder + "/0").c_str(), O_WRONLY | O_NONBLOCK)) >= 0 &&
-           std::chrono::steady_clock::now() < limit) {
+    EXPECT_TRUE(comesTrue([&] {
+        int const held = open(folder.file("0").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
         close(held);
-        std::this_thread::sleep_for(20ms);
-    }
-    EXPECT_EQ(held, -1) << "the child of the first hook still lives";
+        return held < 0;
+    })) << "the child of the first hook still lives";
     EXPECT_LT(secondsOf([&] {
                   watch.signal(SIGTERM);
                   EXPECT_EQ(watch.wait().status, 0);
@@ -318,30 +261,27 @@ TEST_F(MonitorRun, HookThatHangsIsKilledWithItsChildrenAndTheNewestEventIsNext) 
 TEST_F(MonitorRun, RecordAddsToItsFileReopensItAndSeesADaemonGo) {
     std::uint16_t const port = freePort();
     std::optional<Simulator> simulator(std::in_place, std::vector<std::string>{}, port);
-    std::string const file = folder + "/r.csv";
+    std::string const file = folder.file("r.csv");
     EXPECT_EQ(runMonitor(port, {"record", file, "--count", "2", "--interval", "0.05"}).status, 0);
-    std::string const before = contentOf("r.csv");
+    std::string const before = folder.contentOf("r.csv");
     EXPECT_EQ(before.find("time,"), 0U);
     EXPECT_EQ(std::count(before.begin(), before.end(), '\n'), 1 + 2 * 4); // adapters
 
     Process record(monitorCommand(port, {"record", file, "--interval", "0.05"}));
-    auto const moved = [&] { return contentOf("old.csv"); };
-    while (contentOf("r.csv").size() == before.size()) {
-        std::this_thread::sleep_for(5ms);
-    }
-    std::filesystem::rename(file, folder + "/old.csv");
+    EXPECT_TRUE(comesTrue([&] { return folder.contentOf("r.csv").size() > before.size(); }));
+    std::filesystem::rename(file, folder.file("old.csv"));
     record.signal(SIGHUP);
     awaitContent("r.csv", "Wired");
-    EXPECT_EQ(contentOf("r.csv").find("time,"), 0U) << "a new file has a header";
-    EXPECT_EQ(moved().find("time,", 1), std::string::npos) << "an old one has one";
+    EXPECT_EQ(folder.contentOf("r.csv").find("time,"), 0U) << "a new file has a header";
+    EXPECT_EQ(folder.contentOf("old.csv").find("time,", 1), std::string::npos) << "an old one has one";
     simulator.reset();
     awaitContent("r.csv", "Z,down,,,,");
     simulator.emplace(std::vector<std::string>{}, port);
-    std::filesystem::rename(file, folder + "/older.csv");
+    std::filesystem::rename(file, folder.file("older.csv"));
     std::ofstream(file) << "half a line";
     record.signal(SIGHUP);
     awaitContent("r.csv", "Wired");
-    EXPECT_EQ(contentOf("r.csv").find("half a line\n2"), 0U);
+    EXPECT_EQ(folder.contentOf("r.csv").find("half a line\n2"), 0U);
     record.signal(SIGTERM);
     Outcome const& outcome = record.wait();
     EXPECT_EQ(outcome.status, 0);
@@ -364,10 +304,10 @@ TEST_F(MonitorRun, RecordOnAFullDiskIsAnError) {
     Outcome const outcome = runProcess(
         {.path = "/bin/sh",
          .argv = {"sh", "-c", "ulimit -f 2; exec \"$0\" --port \"$1\" record \"$2\" --interval 0.01",
-                  MONITOR_PATH, std::to_string(simulator.port), folder + "/small.csv"}});
+                  MONITOR_PATH, std::to_string(simulator.port), folder.file("small.csv")}});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("File too large"), std::string::npos) << outcome.err;
-    EXPECT_TRUE(contentOf("small.csv").ends_with('\n'));
+    EXPECT_TRUE(folder.contentOf("small.csv").ends_with('\n'));
 }
 
 } // namespace

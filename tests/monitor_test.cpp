@@ -4,12 +4,9 @@
 #include "document.h"
 #include "text.h"
 
-#include "support/scripteddaemon.h"
+#include "support/monitors.h"
 
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -49,23 +46,6 @@ Snapshot connectedSnapshot() {
     setConnections(snapshot, {1, {connection("a", 1000, 40, 0.1), connection("a", 500, 20, 0.3)}});
     return snapshot;
 }
-
-std::string contentOf(std::string const& file) {
-    std::stringstream content;
-    content << std::ifstream(file).rdbuf();
-    return content.str();
-}
-
-struct Folder {
-    Folder() {
-        char name[] = "/tmp/monitor_test.XXXXXX";
-        path = mkdtemp(name);
-    }
-    ~Folder() {
-        std::filesystem::remove_all(path);
-    }
-    std::string path;
-};
 
 TEST(MonitorText, IsUtf8AndNothingATerminalObeys) {
     struct {
@@ -196,10 +176,10 @@ TEST(MonitorCommand, WaitIsContentWithAStateThatIsLeftAtOnce) {
 }
 
 TEST(MonitorCommand, RecordWritesARowForEachAdapterWithoutBreakingTheTable) {
-    Folder const folder;
+    harness::Folder const folder;
     Snapshot snapshot = connectedSnapshot();
     Options options;
-    options.record.file = folder.path + "/record.csv";
+    options.record.file = folder.file("record.csv");
     options.record.count = 1;
     for (int run = 0; run < 2; ++run) {
         Loop loop;
@@ -209,7 +189,7 @@ TEST(MonitorCommand, RecordWritesARowForEachAdapterWithoutBreakingTheTable) {
         EXPECT_EQ(loop.run(), 0);
         setLink(snapshot, kelvaris::Link::LOST);
     }
-    std::istringstream lines(contentOf(options.record.file));
+    std::istringstream lines(folder.contentOf("record.csv"));
     std::vector<std::string> rows;
     for (std::string line; std::getline(lines, line);) {
         rows.push_back(line.substr(line.find(',') + 1)); // without the time

@@ -1,14 +1,11 @@
 // The live view in a real terminal emulator, which tmux is, against the simulated daemon.
 
-#include "support/process.h"
-#include "support/scripteddaemon.h"
+#include "support/monitors.h"
 #include "support/simulator.h"
 #include "support/texts.h"
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 #include <sstream>
@@ -68,13 +65,10 @@ public:
         return process;
     }
     template <class Predicate> std::string await(Predicate predicate, std::string const& what) const {
-        auto const limit = std::chrono::steady_clock::now() + patience();
-        std::string shown = capture();
-        while (!predicate(shown) && std::chrono::steady_clock::now() < limit) {
-            std::this_thread::sleep_for(20ms);
-            shown = capture();
-        }
-        EXPECT_TRUE(predicate(shown)) << "in vain for " << what << ":\n" << shown;
+        std::string shown;
+        EXPECT_TRUE(comesTrue([&] { return predicate(shown = capture()); }))
+            << "in vain for " << what << ":\n"
+            << shown;
         return shown;
     }
     std::string awaitText(std::string const& text) const {
@@ -93,24 +87,11 @@ private:
 
 class MonitorTop : public testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/monitor_top.XXXXXX";
-        folder = mkdtemp(name);
-        simulator.emplace(traffic);
-    }
-    void TearDown() override {
-        std::filesystem::remove_all(folder);
-    }
     std::string top(std::string const& words = "") const {
         return std::string(MONITOR_PATH) + " --port " + std::to_string(simulator->port) + " top " + words;
     }
-    std::string contentOf(std::string const& name) const {
-        std::stringstream content;
-        content << std::ifstream(folder + "/" + name).rdbuf();
-        return content.str();
-    }
-    std::string folder;
-    std::optional<Simulator> simulator;
+    Folder const folder;
+    std::optional<Simulator> simulator{traffic};
 };
 
 std::string const utf8 = "LANG=C.UTF-8 LC_ALL=C.UTF-8 TERM=screen-256color";
@@ -157,7 +138,7 @@ TEST_F(MonitorTop, FillsEachSizeAlsoWhenItChanges) {
 
 TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     Terminal const terminal(utf8, 100, 30);
-    terminal.line("cd " + folder + "; modes() { stty -a | sed 1d; }; modes >before; echo kept");
+    terminal.line("cd " + folder.path + "; modes() { stty -a | sed 1d; }; modes >before; echo kept");
     terminal.awaitText("\nkept");
     terminal.line(top());
     terminal.awaitText("Mobile");
@@ -174,8 +155,8 @@ TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     terminal.resize(100, 30);
     terminal.line("modes >after; clear; echo done");
     terminal.await([](std::string const& now) { return now.starts_with("done"); }, "the end");
-    EXPECT_EQ(contentOf("before"), contentOf("after"));
-    EXPECT_NE(contentOf("before"), "");
+    EXPECT_EQ(folder.contentOf("before"), folder.contentOf("after"));
+    EXPECT_NE(folder.contentOf("before"), "");
     // Output that is stopped doesn't keep it from ending.
     terminal.line("clear; " + top());
     terminal.awaitText("Mobile");
@@ -199,7 +180,7 @@ TEST_F(MonitorTop, GivesTheTerminalBackAndTakesItAgain) {
     }
     terminal.line("modes >after; clear; echo finished");
     terminal.await([](std::string const& now) { return now.starts_with("finished"); }, "the end");
-    EXPECT_EQ(contentOf("before"), contentOf("after"));
+    EXPECT_EQ(folder.contentOf("before"), folder.contentOf("after"));
 }
 
 TEST_F(MonitorTop, ShowsALostDaemonAndPicksItUpAgain) {
@@ -266,20 +247,16 @@ TEST_F(MonitorTop, ReportsThatCantBeReadLeaveThePictureAlone) {
 }
 
 TEST_F(MonitorTop, EndsWithItsTerminal) {
-    std::string const run = "echo $$ >" + folder + "/shell; exec " + top();
+    std::string const run = "echo $$ >" + folder.file("shell") + "; exec " + top();
     // The second one gets no signal, and its standard input doesn't end.
     for (std::string const& line : {run, "setsid sh -c '" + run + " </dev/null'"}) {
         std::optional<Terminal> terminal(std::in_place, utf8, 100, 30);
         terminal->line(line);
         terminal->awaitText("Mobile");
-        auto const process = static_cast<pid_t>(std::stol(contentOf("shell")));
+        auto const process = static_cast<pid_t>(std::stol(folder.contentOf("shell")));
         EXPECT_EQ(kill(process, 0), 0);
         terminal.reset();
-        auto const limit = std::chrono::steady_clock::now() + patience();
-        while (kill(process, 0) == 0 && std::chrono::steady_clock::now() < limit) {
-            std::this_thread::sleep_for(10ms);
-        }
-        EXPECT_NE(kill(process, 0), 0) << line;
+        EXPECT_TRUE(comesTrue([process] { return kill(process, 0) != 0; })) << line;
     }
 }
 
