@@ -230,10 +230,12 @@ TEST(SimulatedTraffic, IntervalDecidesNothing) {
     }
 }
 
-TEST(SimulatedTraffic, FiguresAgree) {
+TEST(SimulatedTraffic, FiguresAndAgesAgree) {
     Traffic traffic;
     Tick last = traffic.tick();
-    for (Tick const& tick : traffic.ticks(150)) {
+    std::size_t streams = 0;
+    for (int i = 0; i < 150; ++i) {
+        Tick const tick = traffic.tick();
         Json::Int64 const bits = (tick.bytes() - last.bytes()) * 8;
         Json::Int64 const ms = tick.connections["time"].asInt64() - last.connections["time"].asInt64();
         EXPECT_EQ(ms, 4000);
@@ -252,9 +254,22 @@ TEST(SimulatedTraffic, FiguresAgree) {
         EXPECT_NEAR(static_cast<double>(rates * ms / 1000), static_cast<double>(bits), 8.0 * 4);
         EXPECT_EQ(tick.usageOfAll() - last.usageOfAll(), tick.bytes() - last.bytes());
         EXPECT_GE(tick.session["4294967295"]["bytes_recv"], last.session["4294967295"]["bytes_recv"]);
+        // Who takes an age from a start has the real clock for it.
+        Json::Int64 const now = millisecondsSinceEpoch();
+        Json::Int64 const start = tick.session["0"]["session_start_time"].asInt64();
+        Json::Int64 const minutes = tick.session["0"]["total_connected_minutes"].asInt64();
+        EXPECT_LE(start + minutes * 60'000, now);
+        for (Json::Value const& each : tick.streams["streams"]) {
+            ++streams;
+            Json::Int64 const end = each["start_time"].asInt64() + each["duration"].asInt64();
+            EXPECT_GE(each["start_time"].asInt64(), start);
+            EXPECT_LE(end, now);
+            EXPECT_TRUE(!each["active"].asBool() || (end - start) / 60'000 == minutes) << tick.text;
+        }
         last = tick;
     }
     EXPECT_GT(last.bytes(), 0);
+    EXPECT_GT(streams, 0U);
 }
 
 TEST(SimulatedTraffic, CharactersDiffer) {
@@ -354,27 +369,6 @@ TEST(SimulatedTraffic, UsageBeginsAnewAtMidnight) {
     EXPECT_EQ(day.lines[2].usage.month, 3000);
 }
 
-TEST(SimulatedTraffic, SessionEndsAndBeginsAnew) {
-    Traffic traffic;
-    Json::Int64 const before = traffic.ticks(30).back().bytes();
-    auto const tickInState = [&](char state) {
-        Tick tick = traffic.tick();
-        while (!tick.states.ends_with(state)) {
-            tick = traffic.tick();
-        }
-        return tick;
-    };
-    traffic.link.send("server_disconnect");
-    Tick const idle = tickInState('2');
-    EXPECT_GE(idle.bytes(), before);
-    EXPECT_EQ(idle.connections["connections"], Json::arrayValue);
-    EXPECT_EQ(idle.streams["streams"], Json::arrayValue);
-    EXPECT_EQ(traffic.tick().bytes(), idle.bytes());
-    traffic.link.send(R"(server_auto_connect {"server":"auto"})");
-    EXPECT_LT(tickInState('6').bytes(), before);
-    EXPECT_EQ(traffic.tick().connections["connections"].size(), 4U);
-}
-
 // No report of an interval comes here, with which the time would pass in any case.
 TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
     Simulator const daemon(split("--traffic --interval 3600000 --speed 1440"));
@@ -390,10 +384,11 @@ TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
         await("report_current_state",
               [wanted](Json::Value const& report) { return report["state"] == wanted; });
     };
-    auto const session = [&] {
-        link.send("request_session_stats");
-        return await("report_session_stats", [](auto const&) { return true; })["0"];
+    auto const asked = [&](std::string const& statistics) {
+        link.send("request_" + statistics);
+        return await("report_" + statistics, [](auto const&) { return true; });
     };
+    auto const session = [&] { return asked("session_stats")["0"]; };
 
     for (bool const isDayBegun : {false, true}) {
         if (isDayBegun) {
@@ -408,6 +403,7 @@ TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
         EXPECT_GE(begun["session_start_time"].asInt64(), before) << isDayBegun;
         EXPECT_LE(begun["session_start_time"].asInt64(), millisecondsSinceEpoch()) << isDayBegun;
         EXPECT_EQ(begun["bytes_recv"], 0);
+        EXPECT_EQ(asked("connection_stats")["connections"].size(), 4U);
     }
     link.send("server_disconnect");
     awaitState(5);
@@ -417,26 +413,8 @@ TEST(SimulatedTraffic, SessionBeginsAndEndsBetweenReports) {
     for (char const* const key : {"bytes_recv", "session_start_time", "total_connected_minutes"}) {
         EXPECT_EQ(session()[key], ended[key]) << "minutes of the day later";
     }
-}
-
-// Who takes an age from a start has the real clock for it.
-TEST(SimulatedTraffic, AgesAgree) {
-    std::size_t streams = 0;
-    for (Traffic traffic; Tick const& tick : traffic.ticks(150)) {
-        Json::Value const& session = tick.session["0"];
-        Json::Int64 const now = millisecondsSinceEpoch();
-        Json::Int64 const start = session["session_start_time"].asInt64();
-        Json::Int64 const minutes = session["total_connected_minutes"].asInt64();
-        EXPECT_LE(start + minutes * 60'000, now);
-        for (Json::Value const& each : tick.streams["streams"]) {
-            ++streams;
-            Json::Int64 const end = each["start_time"].asInt64() + each["duration"].asInt64();
-            EXPECT_GE(each["start_time"].asInt64(), start);
-            EXPECT_LE(end, now);
-            EXPECT_TRUE(!each["active"].asBool() || (end - start) / 60'000 == minutes) << tick.text;
-        }
-    }
-    EXPECT_GT(streams, 0U);
+    EXPECT_EQ(asked("connection_stats")["connections"], Json::arrayValue);
+    EXPECT_EQ(asked("streaming_stats")["streams"], Json::arrayValue);
 }
 
 TEST(SimulatedTraffic, BondingModeIsThatOfTheSettings) {
