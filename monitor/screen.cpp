@@ -73,6 +73,16 @@ SCREEN* openTerminal(std::FILE* output, std::FILE* input) {
     return opened;
 }
 
+// A key that stopped the output within a picture would have the program wait for the one that starts it, deaf to signals.
+void keepOutputRunning() {
+    termios modes;
+    if (tcgetattr(STDOUT_FILENO, &modes) == 0) {
+        modes.c_iflag &= ~static_cast<tcflag_t>(IXON);
+        tcsetattr(STDOUT_FILENO, TCSANOW, &modes);
+        def_prog_mode();
+    }
+}
+
 // Into the corner of a single column ncurses can't write: it would begin in the column on its left.
 void writeCorner(Grid const& picture) {
     int const row = picture.size().rows - 1;
@@ -140,6 +150,7 @@ Screen::Screen(bool inColour) : isColoured(inColour), shown({0, 0}, false) {
     prepareForCrashes();
     takeErrors();
     set_escdelay(escapeDelay);
+    keepOutputRunning();
     cbreak();
     noecho();
     nonl();
@@ -232,13 +243,9 @@ int Screen::nextKey() {
     }
 }
 
-// Output that has been stopped with a key would never let the last sequences through. It can be started by who has stopped
-// it, so it is stopped once more.
 void Screen::leave() {
     if (isInside) {
         isInside = false;
-        tcflow(STDOUT_FILENO, TCOOFF);
-        tcflow(STDOUT_FILENO, TCOON);
         endwin();
         forgetCrashes();
         giveErrorsBack();
