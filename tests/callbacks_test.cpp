@@ -137,5 +137,4 @@ TEST(Handles, EndDropsWhatWaitsAndSendsWhatIsQueued) {
         EXPECT_FALSE(KelvarisSDK_DaemonExit(handle.sdk).error);
     }
     EXPECT_TRUE(dropped.empty());
-    KelvarisSDK_Destroy(nullptr);
 }

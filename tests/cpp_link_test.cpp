@@ -1,16 +1,12 @@
 // How the C++ layer sees the link: the simulator killed and started again, a daemon that closes.
 
 #include "support/nothreads.h"
-#include "support/scripteddaemon.h"
+#include "support/sdk.h"
 #include "support/simulator.h"
-#include "support/texts.h"
 
 #include <kelvarissdk/kelvarissdk.hpp>
 
-#include <condition_variable>
 #include <csignal>
-#include <deque>
-#include <gtest/gtest.h>
 #include <thread>
 
 using namespace harness;
@@ -19,33 +15,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-template <class T> class Inbox {
-public:
-    void put(T const& item) {
-        std::lock_guard const lock(mutex);
-        items.push_back(item);
-        changed.notify_all();
+template <class T> void clear(InboxOf<T>& inbox) {
+    while (!inbox.empty()) {
+        inbox.take();
     }
-    T take() {
-        std::unique_lock lock(mutex);
-        EXPECT_TRUE(changed.wait_for(lock, patience(), [this] { return !items.empty(); }));
-        if (items.empty()) {
-            return {};
-        }
-        T const first = items.front();
-        items.pop_front();
-        return first;
-    }
-    void clear() {
-        std::lock_guard const lock(mutex);
-        items.clear();
-    }
-
-private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<T> items;
-};
+}
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -69,15 +43,15 @@ struct World {
     void kill() {
         simulator->process.signal(SIGKILL);
         simulator.reset();
-        statistics.clear();
-        states.clear();
+        clear(statistics);
+        clear(states);
     }
 
     std::optional<Simulator> simulator{std::in_place, std::vector<std::string>{"--interval", "200"}};
     std::uint16_t const port = simulator->port;
-    Inbox<Link> links;
-    Inbox<bool> states;
-    Inbox<std::vector<SessionStats>> statistics;
+    InboxOf<Link> links;
+    InboxOf<bool> states;
+    InboxOf<std::vector<SessionStats>> statistics;
     Client const client{CreateSettings{.port = port}};
     Subscription const link = client.onLink([this](Link to) { links.put(to); });
     Subscription const state = client.getState().subscribe([this](auto const& report) {
@@ -126,9 +100,9 @@ TEST(CppLink, EndsAndIsMadeAnew) {
                            {"request_version_data", "null", {}, Then::closeFrame},
                            {"request_current_state", "null", {state(2)}},
                            {"request_directory_url"}},
-                          {.appName = std::nullopt});
-    Inbox<Link> links;
-    Inbox<State> states;
+                          noName);
+    InboxOf<Link> links;
+    InboxOf<State> states;
     Client const client(CreateSettings{.port = daemon.port(), .delivery = Delivery::byQueue()});
     std::jthread const dispatches([&client](std::stop_token const& stop) {
         while (!stop.stop_requested()) {
@@ -148,7 +122,7 @@ TEST(CppLink, EndsAndIsMadeAnew) {
     EXPECT_EQ(links.take(), Link::UP);
     // This call is prepared before the handle is replaced and reaches the new one, once.
     std::promise<void> replaced;
-    Inbox<bool> outcome;
+    InboxOf<bool> outcome;
     auto const slow = client.getDirectorySettings();
     auto const operation = slow.deliver([&](auto const& result) { outcome.put(static_cast<bool>(result)); });
     operation->attach = [&](auto const&) {
@@ -174,7 +148,7 @@ TEST(CppLink, EndsAndIsMadeAnew) {
 TEST(CppLink, DoesNotFloodADaemonThatReturns) {
     ScriptedDaemon daemon({}, {.appName = std::nullopt,
                                .upgrades = std::vector<Upgrade>(40, {.bytes = "no", .then = Then::reset})});
-    Inbox<Link> links;
+    InboxOf<Link> links;
     Client const client(CreateSettings{.port = daemon.port()});
     Subscription const link = client.onLink([&](Link to) { links.put(to); });
     EXPECT_EQ(links.take(), Link::LOST);

@@ -56,18 +56,6 @@ TEST(Engine, SecretsAreWrittenAsJsoncppWritesThem) {
     }
 }
 
-// The name is sent whole and without what stands behind it.
-TEST(Engine, NameWithoutATerminator) {
-    KelvarisSDK_CreateSettings settings;
-    KelvarisSDK_InitializeCreateSettings(&settings);
-    std::memset(settings.appName, 'n', sizeof(settings.appName));
-    ScriptedDaemon daemon({}, {.appName = std::string(32, 'n')});
-    settings.port = daemon.port();
-    KelvarisSDK_Handle* const sdk = KelvarisSDK_CreateWithSettings(settings);
-    daemon.waitForRequest("set_app_name");
-    KelvarisSDK_Destroy(sdk);
-}
-
 TEST(Engine, BrokenJsonPrintsTwoLinesAndReadsAsNull) {
     std::string const deep = report("current_state", std::string(1100, '[') + std::string(1100, ']'));
     ScriptedDaemon daemon({asked({R"(["report_current_state",{"state":6},])"}), asked({deep})}, noName);

@@ -76,10 +76,8 @@ TEST(Library, RefusedArguments) {
     EXPECT_EQ(sdk.daemonExit().errorCode, 3840);
     EXPECT_EQ(sdk.enableStatUpdates(true, 0, nullptr).errorCode, 3840);
     EXPECT_EQ(sdk.getState(nullptr, nullptr).base.errorCode, 3840);
-    EXPECT_EQ(sdk.getVersion(nullptr, nullptr).base.errorCode, 3840);
     EXPECT_EQ(sdk.setConnectionPriorities("i", noPriority, nullptr, nullptr).base.errorCode, 3840);
     EXPECT_EQ(sdk.setCaptivePortalLoginMode(true, nullptr, nullptr, nullptr).base.errorCode, 3842);
-    EXPECT_EQ(sdk.setCaptivePortalLoginMode(false, nullptr, nullptr, nullptr).base.errorCode, 3840);
     EXPECT_EQ(sdk.listenForSafeBrowsingError(nullptr, nullptr).base.errorCode, 3843);
     EXPECT_EQ(sdk.listenForSafeBrowsingBlock(nullptr, nullptr).base.errorCode, 3843);
 }
@@ -124,20 +122,18 @@ TEST(Library, NumbersWithoutAWord) {
 }
 
 TEST(Library, PrivacyFlags) {
-    std::vector<std::string> const flags = {"killswitch", "dnsleak", "ipleak", "do_not_store_credentials"};
-    for (std::string const& flag : flags) {
+    for (std::string const flag : {"killswitch", "dnsleak", "ipleak", "do_not_store_credentials"}) {
         ScriptedDaemon daemon({asked("privacy_settings", "{\"" + flag + "\":true}")}, noName);
         auto const result = Sdk(daemon).getPrivacySettings(nullptr, nullptr);
-        std::vector<bool> const set = {result.killswitch, result.dnsleak, result.ipleak,
-                                       result.doNotStoreCredentials};
-        EXPECT_EQ(flags[static_cast<std::size_t>(std::find(set.begin(), set.end(), true) - set.begin())],
-                  flag);
+        EXPECT_EQ(result.killswitch, flag == "killswitch");
+        EXPECT_EQ(result.dnsleak, flag == "dnsleak");
+        EXPECT_EQ(result.ipleak, flag == "ipleak");
+        EXPECT_EQ(result.doNotStoreCredentials, flag == "do_not_store_credentials");
     }
 }
 
 TEST(Library, NamesOfServers) {
     std::pair<KelvarisSDK_ServerInformation, std::string> const servers[] = {
-        {{"us", "nyc", 12, true}, "United States - New York City #12"},
         {{"us", "", 0, false}, "United States"},
         {{"US", "", -1, false}, "{{LOCATION.COUNTRY.US}}"},
         {{"proxy", "", 0, false}, "proxy"},
@@ -146,8 +142,6 @@ TEST(Library, NamesOfServers) {
     for (auto const& [info, name] : servers) {
         EXPECT_EQ(KelvarisSDK_ServerInformation_toString(info), name);
     }
-    EXPECT_STREQ(KelvarisSDK_ServerInformation_GetCountryName({"us", "nyc", 12, false}), "United States");
-    EXPECT_STREQ(KelvarisSDK_ServerInformation_GetCityName({"us", "nyc", 12, false}), "New York City");
 
     // The country runs on through the city; the name is cut after 100 bytes.
     KelvarisSDK_ServerInformationDetailed full{};

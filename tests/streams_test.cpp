@@ -1,5 +1,4 @@
-// The streams of statistics and of safe browsing's events: how long they run, the subscription and its repeats. The
-// two steps of a start of safe browsing.
+// The streams of statistics and of safe browsing's events: how long they run, the subscription and its repeats.
 
 #include "jsonprinter.h"
 #include "support/sdk.h"
@@ -108,24 +107,6 @@ TEST(Stats, BriefForm) {
               styled(R"({"time":0,"connections":[{"inFlight":0,"inFlightWindow":0,"connected":false,
                          "sleeping":false,"adapterID":"","connectionID":"","lossReceive":0.0,"lossSend":0.0,
                          "latencyMs":0,"totalBps":0}]})"));
-}
-
-// With a callback both steps are under way at once, and it runs for each.
-TEST(SafeBrowsing, StartWithACallback) {
-    ScriptedDaemon daemon({{"enable_safe_browsing", R"({"enable":true})"},
-                           {"initialize_safe_browsing",
-                            R"({"config":"c"})",
-                            {report("safe_browsing_connect_error", R"({"error":5})"),
-                             report("safe_browsing_settings", R"({"enabled":true})")}}},
-                          {.appName = std::nullopt});
-    Handle const handle(daemon.port());
-    InboxOf<KelvarisSDK_SafeBrowsingResult> steps;
-    auto const returned = KelvarisSDK_StartSafeBrowsing(handle.sdk, "c", decltype(steps)::keep, &steps);
-    KelvarisSDK_SafeBrowsingResult const second = steps.take();
-    EXPECT_EQ(second.base.callbackId, returned.base.callbackId);
-    EXPECT_EQ(second.connectErrorCode, 5);
-    KelvarisSDK_SafeBrowsingResult const first = steps.take();
-    EXPECT_TRUE(first.enabled && !first.connectErrorSet);
 }
 
 // A full message runs on into the host; behind a full host the record ends. 0 seconds and -1 have no end.

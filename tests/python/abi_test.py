@@ -10,7 +10,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from kelvarissdk import _abi, _library
+from kelvarissdk import _abi
 
 
 def classes(base):
@@ -90,20 +90,6 @@ class Declarations(unittest.TestCase):
         self.assertEqual(_abi.State.UNKNOWN, 8)
         with self.assertRaises(ValueError):
             _abi.State("CONNECTED")
-
-    def test_prototypes(self):
-        library = _library.library()
-        self.assertEqual(len(_abi.FUNCTIONS), 118)
-        self.assertEqual(library.KelvarisSDK_State_toString(_abi.State.CONNECTED), b"CONNECTED")
-        # Structures by value, in both directions; the place of one text is the end of the one before.
-        server = _abi.ServerInformation(b"us", b"nyc", 12, True)
-        self.assertEqual(
-            library.KelvarisSDK_ServerInformation_toString(server), b"United States - New York City #12"
-        )
-        refused = library.KelvarisSDK_SetFirewallPorts(None, 0, None, _abi.FirewallSettingsCallback(), None)
-        self.assertTrue(refused.base.error)
-        self.assertEqual(refused.base.errorCode, _abi.ErrorType.SDK)
-        self.assertEqual(refused.base.errorMessage, b"An error in the SDK")
 
 
 class Search(unittest.TestCase):

@@ -2,13 +2,12 @@
 
 import asyncio
 import gc
-import os
 import threading
 import unittest
 import warnings
 
 from kelvarissdk import *
-from support import PATIENCE, Daemon, Simulator, state
+from support import PATIENCE, Daemon, Simulator, state, succeeds_in_child
 
 ANSWERS = {"request_current_state": [state(6)], "request_version_data": [("version_data", {"maj": 1})]}
 
@@ -129,17 +128,11 @@ class BadInput(World):
         self.assertEqual((await self.client.get_version()).maj, 1)
 
     async def test_after_a_fork(self):
-        with warnings.catch_warnings():
-            warnings.simplefilter("ignore")
-            child = os.fork()
-        if child == 0:
-            try:
+        def use_in_child():
+            with self.assertRaises(SdkError):
                 self.client.states()
-            except SdkError:
-                os._exit(0)
-            finally:
-                os._exit(1)
-        self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), 0)
+
+        self.assertTrue(succeeds_in_child(use_in_child))
         self.assertEqual((await self.client.get_version()).maj, 1)
 
 

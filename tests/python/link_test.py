@@ -12,6 +12,21 @@ from support import PATIENCE, Daemon, Simulator, state
 DAY = timedelta(days=1)
 
 
+class Closing(Daemon):
+    """A daemon that closes its links properly when it is asked for the version, so many times."""
+
+    def __init__(self, times):
+        super().__init__({"request_current_state": [state(6)], "request_version_data": self.close})
+        self.times = times
+
+    def close(self):
+        if self.times:
+            self.times -= 1
+            for link in self.links:
+                self.send_frame(8, b"\x03\xe8", link)
+        return ()
+
+
 class Watched:
     """A client of either kind, whose subscriptions are awaited."""
 
@@ -23,11 +38,7 @@ class Watched:
         self.stats = self.client.session_stats()
 
     async def call(self, method, *arguments):
-        called = (
-            await asyncio.to_thread(method, *arguments)
-            if isinstance(self.client, Client)
-            else method(*arguments)
-        )
+        called = await asyncio.to_thread(method, *arguments)
         return await called if asyncio.iscoroutine(called) else called
 
     async def next(self, subscription):
@@ -103,16 +114,7 @@ class Links(unittest.IsolatedAsyncioTestCase):
 
     async def end(self):
         """A daemon that closes properly is replaced: calls that wait time out, subscriptions go on."""
-        closes = [True, True]
-
-        def close():
-            if closes:
-                closes.pop()
-                for link in daemon.links:
-                    daemon.send_frame(8, b"\x03\xe8", link)
-            return ()
-
-        with Daemon({"request_current_state": [state(6)], "request_version_data": close}) as daemon:
+        with Closing(times=2) as daemon:
 
             async def see(watched):
                 self.assertEqual((await watched.next(watched.states)).state, State.CONNECTED)
@@ -128,15 +130,7 @@ class Links(unittest.IsolatedAsyncioTestCase):
 
     async def begin_meanwhile(self):
         """A call that is made before the handle is replaced and begins afterwards reaches the new one, once."""
-        closes = [True]
-
-        def close():
-            if closes:
-                closes.pop()
-                daemon.send_frame(8, b"\x03\xe8", daemon.links[-1])
-            return ()
-
-        with Daemon({"request_current_state": [state(6)], "request_version_data": close}) as daemon:
+        with Closing(times=1) as daemon:
             with Client(port=daemon.port) as client:
                 links, states = client.links(), client.states()
                 replaced = threading.Event()

@@ -5,10 +5,12 @@ import hashlib
 import json
 import os
 import queue
+import signal
 import socket
 import struct
 import subprocess
 import threading
+import warnings
 
 # Longer than anything takes that works.
 PATIENCE = 20
@@ -46,7 +48,6 @@ class Daemon:
         self.refusals = refusals
         self.upgrades = upgrades
         self.requests = queue.SimpleQueue()
-        self.connected = queue.SimpleQueue()
         self.listener = socket.create_server(("127.0.0.1", 0))
         self.port = self.listener.getsockname()[1]
         self.links = []
@@ -114,7 +115,6 @@ class Daemon:
             if line.lower().startswith(b"sec-websocket-key:"):
                 key = line.split(b":", 1)[1].strip()
         if key is None:
-            self.connected.put(True)
             stream.read()
             return
         accept = hashlib.sha1(key + b"258EAFA5-E914-47DA-95CA-C5AB0DC85B11").digest()
@@ -122,7 +122,6 @@ class Daemon:
             b"HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
             b"Sec-WebSocket-Accept: " + base64.b64encode(accept) + b"\r\n\r\n"
         )
-        self.connected.put(True)
         while head := stream.read(2):
             length = head[1] & 0x7F
             if length == 126:
@@ -142,3 +141,18 @@ class Daemon:
 
 def state(number):
     return ("current_state", {"state": number})
+
+
+def succeeds_in_child(function):
+    """Whether the function returns in a child that is forked off."""
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore")  # newer interpreters warn of forks with threads
+        child = os.fork()
+    if child == 0:
+        signal.alarm(PATIENCE)
+        try:
+            function()
+            os._exit(0)
+        finally:
+            os._exit(1)
+    return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 0

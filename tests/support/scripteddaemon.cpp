@@ -168,24 +168,19 @@ struct ScriptedDaemon::Impl {
             answerUpgrade(connection);
         }
         while (connection.isUpgraded && connection.isHeard) {
-            Step const* step = nullptr;
-            if (next < script.size() && script[next].request.empty()) {
-                step = &script[next++];
-            } else if (std::optional<std::string> const request = takeFrame(connection.received)) {
-                step = record(*request);
-            } else {
+            std::optional<std::string> const request = takeFrame(connection.received);
+            if (!request) {
                 return;
             }
-            if (step == nullptr) {
-                continue;
+            if (Step const* const step = record(*request)) {
+                lock.unlock();
+                std::this_thread::sleep_for(std::chrono::milliseconds(step->delayMs));
+                lock.lock();
+                for (Answer const& answer : step->answers) {
+                    write(connection, answer.bytes);
+                }
+                act(connection, step->then);
             }
-            lock.unlock();
-            std::this_thread::sleep_for(std::chrono::milliseconds(step->delayMs));
-            lock.lock();
-            for (Answer const& answer : step->answers) {
-                write(connection, answer.bytes);
-            }
-            act(connection, step->then);
         }
     }
 

@@ -38,8 +38,7 @@ enum class Then {
     stopReading, // the connection stays open, unread
 };
 
-// A step waits for the next request, which has to be this one, with this payload. A step without a request answers
-// unasked as soon as its turn comes and a connection is up, as the first step even before "set_app_name".
+// A step waits for the next request, which has to be this one, with this payload.
 struct Step {
     std::string request = {};
     std::string payload = "null"; // compact JSON
